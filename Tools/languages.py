@@ -172,9 +172,9 @@ def glued():
             end = match.end() + len(",".join(given)) + 1
             before, after = text[:match.start()].rstrip(), text[end:].lstrip()
             line = text.count("\n", 0, match.start()) + 1
-            if after.startswith("+") and not re.match(r"\+=?\s*(u'(\\n| )'|QStringLiteral\(\"\\n)", after):
+            if after.startswith("+") and not re.match(r"\+=?\s*(u'(\\n|\\t| )'|QStringLiteral\(\"\\n)", after):
                 out.append(f"{name}:{line}: a text is glued to what follows it; make one key with places of both")
-            elif before.endswith("+") and not re.search(r"(u'(\\n| )'|\\n\"\))\s*\+$", before):
+            elif before.endswith("+") and not re.search(r"(u'(\\n|\\t| )'|\\n\"\))\s*\+$", before):
                 out.append(f"{name}:{line}: a text is glued to what stands before it; make one key with places of both")
     return out
 

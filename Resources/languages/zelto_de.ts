@@ -5,48 +5,49 @@
     <name>Zelto</name>
     <message>
         <source> GiB</source>
-        <translation type="unfinished"></translation>
+        <translation> GiB</translation>
     </message>
     <message>
         <source> min</source>
-        <translation type="unfinished"></translation>
+        <translation> min</translation>
     </message>
     <message>
         <source> px</source>
-        <translation type="unfinished"></translation>
+        <translation> px</translation>
     </message>
     <message>
         <source>"%@" cannot be renamed.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht umbenannt werden.</translation>
     </message>
     <message>
         <source>"%@" cannot be renamed: its file is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht umbenannt werden: Die Datei fehlt.</translation>
     </message>
     <message>
         <source>"%@" is not a key path</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Schlüsselpfad</translation>
     </message>
     <message>
         <source>")", AND or OR</source>
-        <translation type="unfinished"></translation>
+        <translation>„)“, AND oder OR</translation>
     </message>
     <message>
         <source>"," or "}"</source>
-        <translation type="unfinished"></translation>
+        <translation>„,“ oder „}“</translation>
     </message>
     <message>
         <source>% size</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe in %</translation>
     </message>
     <message>
         <source>%@
 Copies the link. With Ctrl: opens it in the browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@
+Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@ (gone)</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ (nicht mehr da)</translation>
     </message>
     <message>
         <source>%@ (package %@)</source>
@@ -54,214 +55,214 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@ Delete them in the library once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Löschen Sie sie in der Bibliothek, sobald das behoben ist.</translation>
     </message>
     <message>
         <source>%@ Import it again once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Importieren Sie die Datei noch einmal, sobald das behoben ist.</translation>
     </message>
     <message>
         <source>%@ Make room, or see to it that the folder for temporary files can be written, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Schaffen Sie Platz, oder sorgen Sie dafür, dass in den Ordner für temporäre Dateien geschrieben werden kann, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>%@ The links above stay valid; what came after them was not uploaded.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Die Links oben bleiben gültig; was danach kam, wurde nicht hochgeladen.</translation>
     </message>
     <message>
         <source>%@ The picture is kept until you try again or discard it.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Das Bild wird aufbewahrt, bis Sie es noch einmal versuchen oder es verwerfen.</translation>
     </message>
     <message>
         <source>%@ What it changed before that stays so; ask again for the rest.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Was bis dahin geändert wurde, bleibt so; fordern Sie den Rest noch einmal an.</translation>
     </message>
     <message>
         <source>%@ What it had not finished of the import, `zelto import --resume` goes on with.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Was vom Import noch fehlt, setzt `zelto import --resume` fort.</translation>
     </message>
     <message>
         <source>%@ With --force it is replaced, if it is a file and none of the layers.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Mit --force wird sie ersetzt, wenn sie eine Datei und keine der Ebenen ist.</translation>
     </message>
     <message>
         <source>%@ already does something else in Zelto. Choose other keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat in Zelto schon eine andere Aufgabe. Wählen Sie andere Tasten.</translation>
     </message>
     <message>
         <source>%@ answered %d (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat mit %d geantwortet (%@).</translation>
     </message>
     <message>
         <source>%@ asks for the password without encryption.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ verlangt das Passwort ohne Verschlüsselung.</translation>
     </message>
     <message>
         <source>%@ before %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ vor dem %@</translation>
     </message>
     <message>
         <source>%@ broke off.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindung zu %@ ist abgebrochen.</translation>
     </message>
     <message>
         <source>%@ broke off: only %@ of %@ came.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindung zu %@ ist abgebrochen: Nur %@ von %@ sind angekommen.</translation>
     </message>
     <message>
         <source>%@ cannot be read from: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ kann nicht gelesen werden: %@</translation>
     </message>
     <message>
         <source>%@ cannot be written here; choose another --format</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ kann hier nicht geschrieben werden; wählen Sie ein anderes --format</translation>
     </message>
     <message>
         <source>%@ copy</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ (Kopie)</translation>
     </message>
     <message>
         <source>%@ did not say where the file is.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat nicht mitgeteilt, wo die Datei ist.</translation>
     </message>
     <message>
         <source>%@ does not answer.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ antwortet nicht.</translation>
     </message>
     <message>
         <source>%@ does not say what it sends.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ gibt nicht an, was gesendet wird.</translation>
     </message>
     <message>
         <source>%@ files are missing</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Dateien fehlen</translation>
     </message>
     <message>
         <source>%@ files of the live folder “%@” are gone</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Dateien des Live-Ordners „%@“ sind verschwunden</translation>
     </message>
     <message>
         <source>%@ from %@ to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ vom %@ bis zum %@</translation>
     </message>
     <message>
         <source>%@ has no property "%@" to follow.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat keine Eigenschaft „%@“, der gefolgt werden kann.</translation>
     </message>
     <message>
         <source>%@ hidden</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ ausgeblendet</translation>
     </message>
     <message>
         <source>%@ imported</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ importiert</translation>
     </message>
     <message>
         <source>%@ imported, %@ not</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ importiert, %@ nicht</translation>
     </message>
     <message>
         <source>%@ is not set up yet: its part below says what it needs.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ ist noch nicht eingerichtet: Der Abschnitt unten sagt, was noch fehlt.</translation>
     </message>
     <message>
         <source>%@ is on this computer or its network, where the page has no business.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ ist auf diesem Rechner oder in seinem Netzwerk, wo die Seite nichts zu suchen hat.</translation>
     </message>
     <message>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ wird von einem anderen Programm verwendet. Wählen Sie andere Tasten, oder geben Sie sie dort frei.</translation>
     </message>
     <message numerus="yes">
         <source>%@ items</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt</numerusform>
+            <numerusform>%@ Objekte</numerusform>
         </translation>
     </message>
     <message>
         <source>%@ items selected</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Objekte ausgewählt</translation>
     </message>
     <message numerus="yes">
         <source>%@ memberships</source>
         <comment>counted</comment>
         <extracomment>for one: 1 membership</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Zuordnung</numerusform>
+            <numerusform>%@ Zuordnungen</numerusform>
         </translation>
     </message>
     <message>
         <source>%@ more</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ weitere</translation>
     </message>
     <message>
         <source>%@ needs a value.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ braucht einen Wert.</translation>
     </message>
     <message>
         <source>%@ of %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ von %@</translation>
     </message>
     <message>
         <source>%@ of %@ items</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ von %@ Objekten</translation>
     </message>
     <message>
         <source>%@ of %@ selected</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ von %@ ausgewählt</translation>
     </message>
     <message>
         <source>%@ on %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ am %@</translation>
     </message>
     <message>
         <source>%@ pages</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Seiten</translation>
     </message>
     <message>
         <source>%@ sends from one address to the next without end.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ leitet endlos von einer Adresse zur nächsten weiter.</translation>
     </message>
     <message>
         <source>%@ sends on to “%@”, for which the file is not meant.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ leitet an „%@“ weiter, wofür die Datei nicht bestimmt ist.</translation>
     </message>
     <message>
         <source>%@ sends to an address without encryption.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ leitet an eine Adresse ohne Verschlüsselung weiter.</translation>
     </message>
     <message>
         <source>%@ sent something else (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat etwas anderes gesendet (%@).</translation>
     </message>
     <message>
         <source>%@ shown, %@ hidden</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ angezeigt, %@ ausgeblendet</translation>
     </message>
     <message numerus="yes">
         <source>%@ sidebar entries or tags</source>
         <comment>counted</comment>
         <extracomment>for one: 1 sidebar entry or tag</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Eintrag der Seitenleiste oder Schlagwort</numerusform>
+            <numerusform>%@ Einträge der Seitenleiste oder Schlagwörter</numerusform>
         </translation>
     </message>
     <message>
         <source>%@ since %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ seit dem %@</translation>
     </message>
     <message>
         <source>%@ stopped answering in the middle.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat mitten in der Antwort aufgehört.</translation>
     </message>
     <message>
         <source>%@ takes no connection.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ nimmt keine Verbindung an.</translation>
     </message>
     <message>
         <source>%@ to %@</source>
@@ -269,11 +270,11 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@ took too long.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ hat zu lange gebraucht.</translation>
     </message>
     <message>
         <source>%@ until %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ bis zum %@</translation>
     </message>
     <message>
         <source>%@ was removed from the library while the backup was made</source>
@@ -281,51 +282,51 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@ · Copied</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ · Kopiert</translation>
     </message>
     <message>
         <source>%@, %@ items</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, %@ Objekte</translation>
     </message>
     <message>
         <source>%@, %d of %d in the library</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, %d von %d in der Bibliothek</translation>
     </message>
     <message>
         <source>%@, %d × %d pixels</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, %d × %d Pixel</translation>
     </message>
     <message>
         <source>%@, ascending</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, aufsteigend</translation>
     </message>
     <message>
         <source>%@, descending</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, absteigend</translation>
     </message>
     <message>
         <source>%@, extension kept</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, Endung bleibt</translation>
     </message>
     <message>
         <source>%@, to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, an %@</translation>
     </message>
     <message>
         <source>%@, to %@. A password is missing: import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, an %@. Ein Passwort fehlt: Importieren Sie die Beschreibung noch einmal.</translation>
     </message>
     <message>
         <source>%@, zip archive</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, Zip-Archiv</translation>
     </message>
     <message>
         <source>%@. Everything is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@. Es ist alles da.</translation>
     </message>
     <message>
         <source>%@: %@ more</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: %@ weitere</translation>
     </message>
     <message>
         <source>%@: %@ of %@ items</source>
@@ -333,7 +334,7 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: %@, %@ in %@</translation>
     </message>
     <message>
         <source>%@: %@, %@ times</source>
@@ -353,327 +354,327 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@: the file is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: Die Datei fehlt</translation>
     </message>
     <message>
         <source>%@: the file's content has changed since it was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: Der Inhalt der Datei hat sich seit dem Import geändert</translation>
     </message>
     <message>
         <source>%@: the thumbnail is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: Die Miniatur fehlt</translation>
     </message>
     <message>
         <source>%@; zelto import --resume goes on with the missing files, zelto import --forget gives them up</source>
-        <translation type="unfinished"></translation>
+        <translation>%@; zelto import --resume macht mit den fehlenden Dateien weiter, zelto import --forget gibt sie auf</translation>
     </message>
     <message>
         <source>%d Items</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte</translation>
     </message>
     <message>
         <source>%d Stars</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Sterne</translation>
     </message>
     <message>
         <source>%d completions</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Vervollständigungen</translation>
     </message>
     <message>
         <source>%d files are gone from its folder and stay in the library. Put them back, or synchronise it now to remove them.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien sind aus dem Ordner verschwunden und bleiben in der Bibliothek. Legen Sie sie zurück, oder gleichen Sie den Ordner jetzt ab, um sie zu entfernen.</translation>
     </message>
     <message>
         <source>%d files are gone from “%@”, and their items are kept. If a drive is not connected, connect it; to remove them from the library, run `zelto livefolders sync --remove-missing "%@"`</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien sind aus „%@“ verschwunden; ihre Objekte bleiben erhalten. Ist ein Laufwerk nicht verbunden, verbinden Sie es; um sie aus der Bibliothek zu entfernen, führen Sie `zelto livefolders sync --remove-missing "%@"` aus</translation>
     </message>
     <message>
         <source>%d files cannot be copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien können nicht in den Live-Ordner kopiert werden.</translation>
     </message>
     <message numerus="yes">
         <source>%d files copied into the live folder</source>
         <comment>counted</comment>
         <extracomment>for one: 1 file copied into the live folder</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Datei in den Live-Ordner kopiert</numerusform>
+            <numerusform>%d Dateien in den Live-Ordner kopiert</numerusform>
         </translation>
     </message>
     <message>
         <source>%d files could not be imported. The first is “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien konnten nicht importiert werden. Die erste ist „%@“: %@</translation>
     </message>
     <message>
         <source>%d files could not be imported: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien konnten nicht importiert werden: %@</translation>
     </message>
     <message numerus="yes">
         <source>%d files exported</source>
         <comment>counted</comment>
         <extracomment>for one: %d file exported</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d Datei exportiert</numerusform>
+            <numerusform>%d Dateien exportiert</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d files exported into %@</source>
         <comment>counted</comment>
         <extracomment>for one: %d file exported into %@</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d Datei nach %@ exportiert</numerusform>
+            <numerusform>%d Dateien nach %@ exportiert</numerusform>
         </translation>
     </message>
     <message>
         <source>%d files of the library had lost their entries and were taken back.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien der Bibliothek hatten ihre Einträge verloren und wurden wieder aufgenommen.</translation>
     </message>
     <message>
         <source>%d files of “%@” cannot be found. The import is kept: go on with it, or forget it.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien von „%@“ sind nicht zu finden. Der Import wird aufbewahrt: Setzen Sie ihn fort, oder verwerfen Sie ihn.</translation>
     </message>
     <message>
         <source>%d files or folders cannot be found in “%@”. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien oder Ordner sind in „%@“ nicht zu finden. %@</translation>
     </message>
     <message>
         <source>%d files stay where they were copied to.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien bleiben, wohin sie kopiert wurden.</translation>
     </message>
     <message>
         <source>%d files were copied, but may not be safe on the disk. Their originals stay where they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien wurden kopiert, sind aber womöglich nicht sicher auf dem Datenträger. Ihre Originale bleiben, wo sie waren.</translation>
     </message>
     <message>
         <source>%d files were copied, but their originals stay where they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien wurden kopiert, aber ihre Originale bleiben, wo sie waren.</translation>
     </message>
     <message>
         <source>%d files were not copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien wurden nicht in den Live-Ordner kopiert.</translation>
     </message>
     <message>
         <source>%d files were not exported. The first is “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien wurden nicht exportiert. Die erste ist „%@“: %@</translation>
     </message>
     <message numerus="yes">
         <source>%d folders</source>
         <comment>counted</comment>
         <extracomment>for one: 1 folder</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Ordner</numerusform>
+            <numerusform>%d Ordner</numerusform>
         </translation>
     </message>
     <message>
         <source>%d folders of the library belong to no item</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Ordner der Bibliothek gehören zu keinem Objekt</translation>
     </message>
     <message>
         <source>%d folders of the library belong to no item and could not be taken back. The first is “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Ordner der Bibliothek gehören zu keinem Objekt und konnten nicht wieder aufgenommen werden. Der erste ist „%@“.</translation>
     </message>
     <message>
         <source>%d imported items could not be taken out of the library again.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d importierte Objekte konnten nicht wieder aus der Bibliothek genommen werden.</translation>
     </message>
     <message>
         <source>%d imported, %d not</source>
-        <translation type="unfinished"></translation>
+        <translation>%d importiert, %d nicht</translation>
     </message>
     <message numerus="yes">
         <source>%d imports were cut off</source>
         <comment>counted</comment>
         <extracomment>for one: an import was cut off</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>ein Import wurde unterbrochen</numerusform>
+            <numerusform>%d Importe wurden unterbrochen</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt</numerusform>
+            <numerusform>%d Objekte</numerusform>
         </translation>
     </message>
     <message>
         <source>%d items added to the import queue</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte in die Import-Warteschlange aufgenommen</translation>
     </message>
     <message>
         <source>%d items can't be read, so that their files were not checked</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte können nicht gelesen werden, ihre Dateien wurden daher nicht geprüft</translation>
     </message>
     <message>
         <source>%d items cannot be deleted.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte können nicht gelöscht werden.</translation>
     </message>
     <message>
         <source>%d items cannot be moved back.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte können nicht zurückbewegt werden.</translation>
     </message>
     <message>
         <source>%d items cannot be put into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte können nicht in den Live-Ordner gelegt werden.</translation>
     </message>
     <message>
         <source>%d items cannot be restored.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte können nicht wiederhergestellt werden.</translation>
     </message>
     <message numerus="yes">
         <source>%d items checked</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item checked</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt geprüft</numerusform>
+            <numerusform>%d Objekte geprüft</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items deleted</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item deleted</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt gelöscht</numerusform>
+            <numerusform>%d Objekte gelöscht</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items imported</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item imported</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt importiert</numerusform>
+            <numerusform>%d Objekte importiert</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items noted</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item noted</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt mit Notizen versehen</numerusform>
+            <numerusform>%d Objekte mit Notizen versehen</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items rated</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item rated</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt bewertet</numerusform>
+            <numerusform>%d Objekte bewertet</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items restored</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item restored</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt wiederhergestellt</numerusform>
+            <numerusform>%d Objekte wiederhergestellt</numerusform>
         </translation>
     </message>
     <message>
         <source>%d items selected</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Objekte ausgewählt</translation>
     </message>
     <message numerus="yes">
         <source>%d items tagged</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item tagged</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Objekt verschlagwortet</numerusform>
+            <numerusform>%d Objekte verschlagwortet</numerusform>
         </translation>
     </message>
     <message>
         <source>%d layers</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Ebenen</translation>
     </message>
     <message>
         <source>%d live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Live-Ordner</translation>
     </message>
     <message numerus="yes">
         <source>%d live folders removed</source>
         <comment>counted</comment>
         <extracomment>for one: 1 live folder removed; its folder stays on the disk</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Live-Ordner entfernt; sein Ordner bleibt auf dem Datenträger</numerusform>
+            <numerusform>%d Live-Ordner entfernt</numerusform>
         </translation>
     </message>
     <message>
         <source>%d more</source>
-        <translation type="unfinished"></translation>
+        <translation>%d weitere</translation>
     </message>
     <message>
         <source>%d new live folders created</source>
-        <translation type="unfinished"></translation>
+        <translation>%d neue Live-Ordner angelegt</translation>
     </message>
     <message>
         <source>%d of %d images could not be downloaded:</source>
-        <translation type="unfinished"></translation>
+        <translation>%d von %d Bildern konnten nicht heruntergeladen werden:</translation>
     </message>
     <message>
         <source>%d of its entries were left out, the first is %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Einträge daraus wurden ausgelassen, der erste ist %@.</translation>
     </message>
     <message>
         <source>%d of these cannot be live folders.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d davon können keine Live-Ordner sein.</translation>
     </message>
     <message>
         <source>%d pictures are incomplete: only a part of each can be drawn. The first is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Bilder sind unvollständig: Von jedem kann nur ein Teil gezeichnet werden. Das erste ist „%@“</translation>
     </message>
     <message numerus="yes">
         <source>%d smart folders changed</source>
         <comment>counted</comment>
         <extracomment>for one: 1 smart folder changed</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 intelligenter Ordner geändert</numerusform>
+            <numerusform>%d intelligente Ordner geändert</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d smart folders made</source>
         <comment>counted</comment>
         <extracomment>for one: 1 smart folder made</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 intelligenter Ordner angelegt</numerusform>
+            <numerusform>%d intelligente Ordner angelegt</numerusform>
         </translation>
     </message>
     <message>
         <source>%d stars or more</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Sterne oder mehr</translation>
     </message>
     <message>
         <source>%d × %d</source>
-        <translation type="unfinished"></translation>
+        <translation>%d × %d</translation>
     </message>
     <message>
         <source>%d × %d pixels, from %d, %d</source>
-        <translation type="unfinished"></translation>
+        <translation>%d × %d Pixel, ab %d, %d</translation>
     </message>
     <message>
         <source>%d, %d</source>
-        <translation type="unfinished"></translation>
+        <translation>%d, %d</translation>
     </message>
     <message>
         <source>&amp;Add</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Hinzufügen</translation>
     </message>
     <message>
         <source>&amp;Archives in archives, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Archive in Archiven, höchstens</translation>
     </message>
     <message>
         <source>&amp;Area</source>
@@ -681,7 +682,7 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Ask before a row is removed</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Nachfragen, bevor ein Eintrag entfernt wird</translation>
     </message>
     <message>
         <source>&amp;Back Up Now</source>
@@ -689,15 +690,15 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Bring Zelto forward</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto nach &amp;vorn holen</translation>
     </message>
     <message>
         <source>&amp;Cancel</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Abbrechen</translation>
     </message>
     <message>
         <source>&amp;Connect</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Verbinden</translation>
     </message>
     <message>
         <source>&amp;Count which features are used, day by day</source>
@@ -705,19 +706,19 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Dark</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Dunkel</translation>
     </message>
     <message>
         <source>&amp;Disconnect</source>
-        <translation type="unfinished"></translation>
+        <translation>T&amp;rennen</translation>
     </message>
     <message>
         <source>&amp;E-mail</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;E-Mail</translation>
     </message>
     <message>
         <source>&amp;Enlarge pictures smaller than their cell</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder ver&amp;größern, die kleiner als ihr Feld sind</translation>
     </message>
     <message>
         <source>&amp;Erase Counts</source>
@@ -725,11 +726,11 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Files and folders, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Dateien und Ordner, höchstens</translation>
     </message>
     <message>
         <source>&amp;Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Ordner</translation>
     </message>
     <message>
         <source>&amp;Folder…</source>
@@ -737,11 +738,11 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Icon</source>
-        <translation type="unfinished"></translation>
+        <translation>S&amp;ymbol</translation>
     </message>
     <message>
         <source>&amp;Import…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Importieren…</translation>
     </message>
     <message>
         <source>&amp;Keep</source>
@@ -749,19 +750,19 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Keep tags, notes and ratings in the files</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Schlagwörter, Notizen und Bewertungen in den Dateien behalten</translation>
     </message>
     <message>
         <source>&amp;Light</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Hell</translation>
     </message>
     <message>
         <source>&amp;Link…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ver&amp;knüpfen…</translation>
     </message>
     <message>
         <source>&amp;Look again after</source>
-        <translation type="unfinished"></translation>
+        <translation>Erneut &amp;nachsehen nach</translation>
     </message>
     <message>
         <source>&amp;Look for new versions once a day</source>
@@ -769,43 +770,43 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Make a thumbnail of small pictures, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Auch von kleinen Bildern eine &amp;Miniatur anlegen</translation>
     </message>
     <message>
         <source>&amp;Medium</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Mittel</translation>
     </message>
     <message>
         <source>&amp;Move…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Verschieben…</translation>
     </message>
     <message>
         <source>&amp;New…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Neu…</translation>
     </message>
     <message>
         <source>&amp;Open…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ö&amp;ffnen…</translation>
     </message>
     <message>
         <source>&amp;Packed how many times smaller, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Packungsfaktor, höchstens</translation>
     </message>
     <message>
         <source>&amp;Password</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Passwort</translation>
     </message>
     <message>
         <source>&amp;Play a sound and flash the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Ton abspielen und Bildschirm aufblitzen lassen</translation>
     </message>
     <message>
         <source>&amp;Read all of every file, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Auch alle Dateien vollständig &amp;lesen</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Entfernen</translation>
     </message>
     <message>
         <source>&amp;Save…</source>
@@ -813,23 +814,23 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Share to</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Teilen über</translation>
     </message>
     <message>
         <source>&amp;Show Screenshots in the sidebar</source>
-        <translation type="unfinished"></translation>
+        <translation>„&amp;Bildschirmfotos“ in der Seitenleiste anzeigen</translation>
     </message>
     <message>
         <source>&amp;Show in Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Im &amp;Dateimanager zeigen</translation>
     </message>
     <message>
         <source>&amp;Show them in Recent</source>
-        <translation type="unfinished"></translation>
+        <translation>In „&amp;Neueste“ anzeigen</translation>
     </message>
     <message>
         <source>&amp;Small</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Klein</translation>
     </message>
     <message>
         <source>&amp;Start Zelto when you log in</source>
@@ -837,27 +838,27 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Tag what is imported by color and size</source>
-        <translation type="unfinished"></translation>
+        <translation>Importiertes nach &amp;Farbe und Größe verschlagworten</translation>
     </message>
     <message>
         <source>&amp;Take today's picture formats, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Auch &amp;heutige Bildformate annehmen</translation>
     </message>
     <message>
         <source>&amp;Unlink</source>
-        <translation type="unfinished"></translation>
+        <translation>Verknüpfung auf&amp;heben</translation>
     </message>
     <message>
         <source>&amp;Unpacked size, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Entpackte Größe, höchstens</translation>
     </message>
     <message>
         <source>&amp;User</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Benutzer</translation>
     </message>
     <message>
         <source>&amp;Verify</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Prüfen</translation>
     </message>
     <message>
         <source>&amp;Window</source>
@@ -865,111 +866,111 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Write them for the file manager, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Auch für den &amp;Dateimanager schreiben</translation>
     </message>
     <message>
         <source>--all needs a --title for the project</source>
-        <translation type="unfinished"></translation>
+        <translation>--all braucht einen --title für das Projekt</translation>
     </message>
     <message>
         <source>--percent and --width or --height exclude each other</source>
-        <translation type="unfinished"></translation>
+        <translation>--percent und --width oder --height schließen einander aus</translation>
     </message>
     <message>
         <source>--quality is for --format %@</source>
-        <translation type="unfinished"></translation>
+        <translation>--quality gilt für --format %@</translation>
     </message>
     <message>
         <source>--resume and --forget exclude each other</source>
-        <translation type="unfinished"></translation>
+        <translation>--resume und --forget schließen einander aus</translation>
     </message>
     <message>
         <source>0 … 5</source>
-        <translation type="unfinished"></translation>
+        <translation>0 … 5</translation>
     </message>
     <message>
         <source>1 Star</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Stern</translation>
     </message>
     <message>
         <source>1 file is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Datei fehlt</translation>
     </message>
     <message>
         <source>1 file of the library had lost its entry and was taken back.</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Datei der Bibliothek hatte ihren Eintrag verloren und wurde wieder aufgenommen.</translation>
     </message>
     <message>
         <source>1 file was not copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Datei wurde nicht in den Live-Ordner kopiert.</translation>
     </message>
     <message>
         <source>1 item added to the import queue</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Objekt in die Import-Warteschlange aufgenommen</translation>
     </message>
     <message>
         <source>1 page</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Seite</translation>
     </message>
     <message>
         <source>1 star or more</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Stern oder mehr</translation>
     </message>
     <message>
         <source>100 %</source>
-        <translation type="unfinished"></translation>
+        <translation>100 %</translation>
     </message>
     <message>
         <source>7-Zip archive</source>
-        <translation type="unfinished"></translation>
+        <translation>7-Zip-Archiv</translation>
     </message>
     <message>
         <source>A Client ID has letters and digits only.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Client-ID besteht nur aus Buchstaben und Ziffern.</translation>
     </message>
     <message>
         <source>A Nextcloud makes the links itself, and wants an app password where a second factor is used. Any other WebDAV folder needs the address at which everybody can read what lies in it. The password is kept in the desktop's keyring and nowhere else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Nextcloud erzeugt die Links selbst und verlangt ein App-Passwort, wenn ein zweiter Faktor verwendet wird. Jeder andere WebDAV-Ordner braucht die Adresse, unter der alle lesen können, was darin liegt. Das Passwort wird nur im Schlüsselbund der Arbeitsumgebung aufbewahrt.</translation>
     </message>
     <message>
         <source>A colon is missing behind “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Hinter „%@“ fehlt ein Doppelpunkt.</translation>
     </message>
     <message>
         <source>A comma or “]” is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Komma oder „]“ fehlt.</translation>
     </message>
     <message>
         <source>A comma or “}” is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Komma oder „}“ fehlt.</translation>
     </message>
     <message>
         <source>A description begins with “{”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Beschreibung beginnt mit „{“.</translation>
     </message>
     <message>
         <source>A document of %d × %d pixels is too large: other programs open none with a side of more than %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Dokument von %d × %d Pixeln ist zu groß: Andere Programme öffnen keines mit einer Seite von mehr als %d.</translation>
     </message>
     <message>
         <source>A folder takes folders and archives. Choose a project in it.</source>
-        <translation type="unfinished"></translation>
+        <translation>In einen Ordner passen Ordner und Archive. Wählen Sie ein Projekt darin.</translation>
     </message>
     <message>
         <source>A form has a content type of its own: leave out the header.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Formular hat einen eigenen Inhaltstyp: Lassen Sie den Header weg.</translation>
     </message>
     <message>
         <source>A header holds only plain letters, digits and signs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Header enthält nur einfache Buchstaben, Ziffern und Zeichen.</translation>
     </message>
     <message>
         <source>A live folder that is selected is off, or was not there. Its items come back with it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein ausgewählter Live-Ordner ist deaktiviert oder war nicht da. Seine Objekte kommen mit ihm zurück.</translation>
     </message>
     <message>
         <source>A login does not belong into the address. Write a header “Authorization” with a {secret:NAME}.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zugangsdaten gehören nicht in die Adresse. Schreiben Sie einen Header „Authorization“ mit einem {secret:NAME}.</translation>
     </message>
     <message>
         <source>A missing file comes back from a backup: copy it to where it was, under its name. A missing thumbnail is made again when its file changes. For a damaged database, quit Zelto and run “zelto recover” in a terminal.</source>
@@ -977,94 +978,97 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>A name cannot contain "/" or a null character. Please use another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Name darf weder „/“ noch ein Nullzeichen enthalten. Verwenden Sie bitte einen anderen Namen.</translation>
     </message>
     <message>
         <source>A name in quotation marks is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Name in Anführungszeichen fehlt.</translation>
     </message>
     <message>
         <source>A name must be one line of letters and signs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Name muss aus einer Zeile mit Buchstaben und Zeichen bestehen.</translation>
     </message>
     <message>
         <source>A name pattern is one line. Write it without line breaks.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Namensmuster ist eine einzige Zeile. Schreiben Sie es ohne Zeilenumbrüche.</translation>
     </message>
     <message>
         <source>A name pattern knows no “%@”. There are {title}, {index}, {width}, {height} and {date}.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Namensmuster kennt kein „%@“. Es gibt {title}, {index}, {width}, {height} und {date}.</translation>
     </message>
     <message>
         <source>A name pattern makes names, not folders. Write it without “/”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Namensmuster bildet Namen, keine Ordner. Schreiben Sie es ohne „/“.</translation>
     </message>
     <message>
         <source>A name that starts with a dot would hide the file. Please use another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Name, der mit einem Punkt beginnt, würde die Datei verbergen. Verwenden Sie bitte einen anderen Namen.</translation>
     </message>
     <message>
         <source>A page asked for %d images at once; at most %d can be imported. Choose fewer.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Seite hat %d Bilder auf einmal angefordert; höchstens %d können importiert werden. Wählen Sie weniger.</translation>
     </message>
     <message>
         <source>A page sent something that cannot be understood (the value of “%@”). Update what is installed in the browser, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Seite hat etwas Unverständliches gesendet (den Wert von „%@“). Aktualisieren Sie, was im Browser installiert ist, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>A page sent something that cannot be understood. Update what is installed in the browser, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Seite hat etwas Unverständliches gesendet. Aktualisieren Sie, was im Browser installiert ist, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>A pointer names the way to the link, as /data/url.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Zeiger nennt den Weg zum Link, zum Beispiel /data/url.</translation>
     </message>
     <message>
         <source>A quotation mark is missing at the end of a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>Am Ende eines Textes fehlt ein Anführungszeichen.</translation>
     </message>
     <message>
         <source>A rating is a number of stars from 0 to 5.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Bewertung ist eine Zahl von 0 bis 5 Sternen.</translation>
     </message>
     <message>
         <source>A safe connection to %@ could not be made: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Es konnte keine sichere Verbindung zu %@ hergestellt werden: %@</translation>
     </message>
     <message>
         <source>A server with a second factor wants an “app password” from its security settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Server mit zweitem Faktor verlangt ein „App-Passwort“ aus seinen Sicherheitseinstellungen.</translation>
     </message>
     <message>
         <source>A smart folder finds its items by itself. Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein intelligenter Ordner findet seine Objekte von selbst. Wählen Sie die Bibliothek, ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>A sort key is an attribute, or to-one relationships leading to one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Sortierschlüssel ist ein Attribut oder eine Folge von Zu-eins-Beziehungen, die zu einem führt.</translation>
     </message>
     <message>
         <source>A switches this; 1, 2 and 3 choose.</source>
-        <translation type="unfinished"></translation>
+        <translation>A schaltet dies um; 1, 2 und 3 wählen aus.</translation>
     </message>
     <message>
         <source>A text must end on its line; write \n for a new one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Text muss in seiner Zeile enden; schreiben Sie \n für eine neue.</translation>
     </message>
     <message>
         <source>A value is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Wert fehlt.</translation>
     </message>
     <message>
         <source>A word is looked for in titles, notes, extensions and tags. AND, + or nothing between two words finds both,
 OR one of them; brackets group, - or NOT leaves out, double quotes keep a text together. Dates are 25/12/2026,
 2026-12-25, 2026-12, 2026, today, yesterday or 7d. Numbers and dates are compared by &lt;, =, &gt;, &lt;= or &gt;=.
 </source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Wort wird in Titeln, Notizen, Endungen und Schlagwörtern gesucht. AND, + oder nichts zwischen zwei Wörtern findet beide,
+OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführungszeichen halten Text zusammen. Ein Datum ist 25/12/2026,
+2026-12-25, 2026-12, 2026, today, yesterday oder 7d. Zahlen und Daten werden mit &lt;, =, &gt;, &lt;= oder &gt;= verglichen.
+</translation>
     </message>
     <message>
         <source>A&amp;ddress</source>
-        <translation type="unfinished"></translation>
+        <translation>A&amp;dresse</translation>
     </message>
     <message>
         <source>ACC&amp;OUNTS</source>
@@ -1072,19 +1076,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>AFTER A SCREENSHOT</source>
-        <translation type="unfinished"></translation>
+        <translation>NACH EINEM BILDSCHIRMFOTO</translation>
     </message>
     <message>
         <source>AI %@ is too big to import</source>
-        <translation type="unfinished"></translation>
+        <translation>AI-Datei %@ ist zu groß für den Import</translation>
     </message>
     <message>
         <source>AND, OR or the end</source>
-        <translation type="unfinished"></translation>
+        <translation>AND, OR oder das Ende</translation>
     </message>
     <message>
         <source>ARCHIVES</source>
-        <translation type="unfinished"></translation>
+        <translation>ARCHIVE</translation>
     </message>
     <message>
         <source>AT LOGIN</source>
@@ -1092,75 +1096,75 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>AVI movie</source>
-        <translation type="unfinished"></translation>
+        <translation>AVI-Film</translation>
     </message>
     <message>
         <source>AVIF image</source>
-        <translation type="unfinished"></translation>
+        <translation>AVIF-Bild</translation>
     </message>
     <message>
         <source>Acorn %@ is not a valid image</source>
-        <translation type="unfinished"></translation>
+        <translation>Acorn-Datei %@ ist kein gültiges Bild</translation>
     </message>
     <message>
         <source>Acorn document</source>
-        <translation type="unfinished"></translation>
+        <translation>Acorn-Dokument</translation>
     </message>
     <message>
         <source>Actual Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Originalgröße</translation>
     </message>
     <message>
         <source>Actual size (Z)</source>
-        <translation type="unfinished"></translation>
+        <translation>Originalgröße (Z)</translation>
     </message>
     <message>
         <source>Add</source>
-        <translation type="unfinished"></translation>
+        <translation>Hinzufügen</translation>
     </message>
     <message>
         <source>Add Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner hinzufügen</translation>
     </message>
     <message>
         <source>Add Live Folder…</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner hinzufügen…</translation>
     </message>
     <message>
         <source>Add Templates</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorlagen hinzufügen</translation>
     </message>
     <message>
         <source>Add tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwort hinzufügen</translation>
     </message>
     <message>
         <source>Add tag…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwort hinzufügen…</translation>
     </message>
     <message>
         <source>Adding items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden hinzugefügt…</translation>
     </message>
     <message>
         <source>Address of a web page</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse einer Webseite</translation>
     </message>
     <message>
         <source>Address of the page</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse der Seite</translation>
     </message>
     <message>
         <source>Add…</source>
-        <translation type="unfinished"></translation>
+        <translation>Hinzufügen…</translation>
     </message>
     <message>
         <source>Advanced</source>
-        <translation type="unfinished"></translation>
+        <translation>Erweitert</translation>
     </message>
     <message>
         <source>Affinity Designer document</source>
-        <translation type="unfinished"></translation>
+        <translation>Affinity-Designer-Dokument</translation>
     </message>
     <message>
         <source>All</source>
@@ -1168,27 +1172,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>All Tabs</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Tabs</translation>
     </message>
     <message>
         <source>All the child projects and their items will be also deleted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Unterprojekte und ihre Objekte werden ebenfalls gelöscht.</translation>
     </message>
     <message>
         <source>All the child projects will be also deleted, projects items will still remain inside your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Unterprojekte werden ebenfalls gelöscht; die Objekte der Projekte bleiben in der Bibliothek.</translation>
     </message>
     <message>
         <source>All the project items will be deleted from your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Objekte des Projekts werden aus der Bibliothek gelöscht.</translation>
     </message>
     <message>
         <source>Allow files.content.write, sharing.read and sharing.write for it at dropbox.com/developers/apps, then link your Dropbox again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Erlauben Sie dafür auf dropbox.com/developers/apps files.content.write, sharing.read und sharing.write, und verknüpfen Sie Ihre Dropbox dann noch einmal.</translation>
     </message>
     <message>
         <source>Allow public links there, or share the file from the server's own pages.</source>
-        <translation type="unfinished"></translation>
+        <translation>Erlauben Sie dort öffentliche Links, oder teilen Sie die Datei auf den Seiten des Servers selbst.</translation>
     </message>
     <message>
         <source>Alt</source>
@@ -1196,23 +1200,23 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>An archive in it was left out: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Archiv darin wurde ausgelassen: %@</translation>
     </message>
     <message>
         <source>An archive that holds more is not unpacked.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Archiv mit mehr Inhalt wird nicht entpackt.</translation>
     </message>
     <message>
         <source>An arrow key selects the middle of the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Pfeiltaste wählt die Mitte des Bildschirms aus</translation>
     </message>
     <message>
         <source>An error as occured, please try again later</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Fehler ist aufgetreten, bitte versuchen Sie es später noch einmal</translation>
     </message>
     <message>
         <source>An import cannot go on, since it cannot be told which of its files are in the library. It is kept: go on with it once that is mended, or forget it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Import kann nicht fortgesetzt werden, weil sich nicht feststellen lässt, welche seiner Dateien in der Bibliothek sind. Er wird aufbewahrt: Setzen Sie ihn fort, sobald das behoben ist, oder verwerfen Sie ihn.</translation>
     </message>
     <message>
         <source>An item has no folder that can be its own: %@</source>
@@ -1224,108 +1228,108 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Another file has that name. Use another name, or rename the other file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine andere Datei hat diesen Namen. Verwenden Sie einen anderen Namen, oder benennen Sie die andere Datei um.</translation>
     </message>
     <message>
         <source>Another folder is in its place. Connect the drive it is on, or, if this is the folder to show, choose Use This Folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>An seiner Stelle ist ein anderer Ordner. Verbinden Sie das Laufwerk, auf dem er liegt, oder wählen Sie „Diesen Ordner verwenden“, wenn dies der gewünschte Ordner ist.</translation>
     </message>
     <message>
         <source>Another library, or a move of this one, takes effect when Zelto is opened again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine andere Bibliothek oder ein Verschieben dieser wird wirksam, wenn Zelto das nächste Mal geöffnet wird.</translation>
     </message>
     <message>
         <source>Another program uses it. Wait until that is done, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein anderes Programm verwendet sie. Warten Sie, bis es fertig ist, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Another program uses port %d of this machine, at which the web browser is to answer. Close it and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein anderes Programm belegt Port %d dieses Rechners, unter dem der Webbrowser antworten soll. Schließen Sie es, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Another program would have to draw it, and this system cannot keep such a program from your files (its kernel has no Landlock). Convert it to PDF or PNG and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein anderes Programm müsste die Datei zeichnen, und dieses System kann ein solches Programm nicht von Ihren Dateien fernhalten (sein Kernel hat kein Landlock). Wandeln Sie sie in PDF oder PNG um, und importieren Sie das Ergebnis.</translation>
     </message>
     <message>
         <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
-        <translation type="unfinished"></translation>
+        <translation>Jeder andere Dienst, der Dateien über das Web annimmt, wie es eine Beschreibungsdatei angibt: seine Adresse, Header und Formularfelder, und wo in seiner Antwort der Link steht.</translation>
     </message>
     <message>
         <source>App &amp;key</source>
-        <translation type="unfinished"></translation>
+        <translation>App-&amp;Schlüssel</translation>
     </message>
     <message>
         <source>Apply to all %d duplicates</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf alle %d Duplikate anwenden</translation>
     </message>
     <message>
         <source>Apply to all duplicates of this import</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf alle Duplikate dieses Imports anwenden</translation>
     </message>
     <message>
         <source>Apply to the remaining %d duplicates</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf die übrigen %d Duplikate anwenden</translation>
     </message>
     <message>
         <source>Archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archiv</translation>
     </message>
     <message>
         <source>Are you sure you want to delete these items and their content?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie diese Objekte und ihren Inhalt wirklich löschen?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete these items?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie diese Objekte wirklich löschen?</translation>
     </message>
     <message numerus="yes">
         <source>Are you sure you want to delete these tags?</source>
         <comment>counted</comment>
         <extracomment>for one: Are you sure you want to delete this tag?</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Möchten Sie dieses Schlagwort wirklich löschen?</numerusform>
+            <numerusform>Möchten Sie diese Schlagwörter wirklich löschen?</numerusform>
         </translation>
     </message>
     <message>
         <source>Are you sure you want to delete this folder and its content?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie diesen Ordner und seinen Inhalt wirklich löschen?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this folder?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie diesen Ordner wirklich löschen?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this project and its content?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie dieses Projekt und seinen Inhalt wirklich löschen?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this project?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie dieses Projekt wirklich löschen?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this smart folder?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie diesen intelligenten Ordner wirklich löschen?</translation>
     </message>
     <message>
         <source>Are you sure you want to remove this Live Folder?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie diesen Live-Ordner wirklich entfernen?</translation>
     </message>
     <message>
         <source>Area</source>
-        <translation type="unfinished"></translation>
+        <translation>Bereich</translation>
     </message>
     <message>
         <source>Area to capture</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufzunehmender Bereich</translation>
     </message>
     <message>
         <source>As Grid</source>
-        <translation type="unfinished"></translation>
+        <translation>Als Raster</translation>
     </message>
     <message>
         <source>As List</source>
-        <translation type="unfinished"></translation>
+        <translation>Als Liste</translation>
     </message>
     <message>
         <source>As `import,store`, or `all`: print how long the traced steps took.</source>
@@ -1337,47 +1341,47 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Ascending</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufsteigend</translation>
     </message>
     <message>
         <source>Ask Again Later</source>
-        <translation type="unfinished"></translation>
+        <translation>Später fragen</translation>
     </message>
     <message>
         <source>Ask again when it is needed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wieder fragen, wenn es nötig ist.</translation>
     </message>
     <message>
         <source>Ask before a row is removed with the &amp;items in it</source>
-        <translation type="unfinished"></translation>
+        <translation>Nachfragen, &amp;bevor ein Eintrag samt seinen Objekten entfernt wird</translation>
     </message>
     <message>
         <source>Ask whoever runs it for a description that gives each file a name of its own.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitten Sie den Betreiber um eine Beschreibung, die jeder Datei einen eigenen Namen gibt.</translation>
     </message>
     <message>
         <source>Asking CloudApp…</source>
-        <translation type="unfinished"></translation>
+        <translation>CloudApp wird angefragt…</translation>
     </message>
     <message>
         <source>Asking the server…</source>
-        <translation type="unfinished"></translation>
+        <translation>Server wird angefragt…</translation>
     </message>
     <message>
         <source>At dropbox.com/developers/apps create an app with “Scoped access”, allow it files.content.write, sharing.read and sharing.write, and enter %@ among its redirect URIs. Its “App key” belongs here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Legen Sie auf dropbox.com/developers/apps eine App mit „Scoped access“ an, erlauben Sie ihr files.content.write, sharing.read und sharing.write, und tragen Sie %@ unter ihren Redirect URIs ein. Ihr „App key“ gehört hierher.</translation>
     </message>
     <message>
         <source>Audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio</translation>
     </message>
     <message>
         <source>Auto</source>
-        <translation type="unfinished"></translation>
+        <translation>Auto</translation>
     </message>
     <message>
         <source>Automatic</source>
-        <translation type="unfinished"></translation>
+        <translation>Automatisch</translation>
     </message>
     <message>
         <source>BACKUP</source>
@@ -1385,11 +1389,11 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>BETWEEN needs a list of two values</source>
-        <translation type="unfinished"></translation>
+        <translation>BETWEEN braucht eine Liste von zwei Werten</translation>
     </message>
     <message>
         <source>BMP image</source>
-        <translation type="unfinished"></translation>
+        <translation>BMP-Bild</translation>
     </message>
     <message>
         <source>Back Up Library…</source>
@@ -1397,15 +1401,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Back to the items (Esc)</source>
-        <translation type="unfinished"></translation>
+        <translation>Zurück zu den Objekten (Esc)</translation>
     </message>
     <message>
         <source>Back, or clear the search</source>
-        <translation type="unfinished"></translation>
+        <translation>Zurück, oder Suche leeren</translation>
     </message>
     <message>
         <source>Background</source>
-        <translation type="unfinished"></translation>
+        <translation>Hintergrund</translation>
     </message>
     <message>
         <source>Backing up</source>
@@ -1421,19 +1425,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Behind “%@” stands what to look for: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Hinter „%@“ muss stehen, was gesucht wird: %@.</translation>
     </message>
     <message>
         <source>Blue</source>
-        <translation type="unfinished"></translation>
+        <translation>Blau</translation>
     </message>
     <message>
         <source>Bringing items back…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden zurückgeholt…</translation>
     </message>
     <message>
         <source>Busy</source>
-        <translation type="unfinished"></translation>
+        <translation>Beschäftigt</translation>
     </message>
     <message>
         <source>By &amp;itself</source>
@@ -1441,15 +1445,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>By whole factors, so that pixels stay sharp.</source>
-        <translation type="unfinished"></translation>
+        <translation>Um ganze Faktoren, damit Pixel scharf bleiben.</translation>
     </message>
     <message>
         <source>Bytes</source>
-        <translation type="unfinished"></translation>
+        <translation>Bytes</translation>
     </message>
     <message>
         <source>C&amp;ancel</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Abbrechen</translation>
     </message>
     <message>
         <source>C&amp;opy</source>
@@ -1457,7 +1461,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>COLORS</source>
-        <translation type="unfinished"></translation>
+        <translation>FARBEN</translation>
     </message>
     <message>
         <source>CRASH REPORTS</source>
@@ -1465,43 +1469,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Camera raw image</source>
-        <translation type="unfinished"></translation>
+        <translation>Kamera-Rohbild</translation>
     </message>
     <message>
         <source>Can't connect to Cloud App</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbindung zu CloudApp nicht möglich</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation type="unfinished"></translation>
+        <translation>Abbrechen</translation>
     </message>
     <message>
         <source>Cancel Sharing</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen abbrechen</translation>
     </message>
     <message>
         <source>Cancel takes back everything this import has brought.</source>
-        <translation type="unfinished"></translation>
+        <translation>Abbrechen nimmt alles zurück, was dieser Import gebracht hat.</translation>
     </message>
     <message>
         <source>Cancels what is being shared.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bricht ab, was gerade geteilt wird.</translation>
     </message>
     <message>
         <source>Cannot upload the files</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Dateien können nicht hochgeladen werden</translation>
     </message>
     <message>
         <source>Capture</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufnehmen</translation>
     </message>
     <message>
         <source>Capture %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufnehmen: %@</translation>
     </message>
     <message>
         <source>Capture Web Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Webseite aufnehmen</translation>
     </message>
     <message>
         <source>Capture stored</source>
@@ -1509,15 +1513,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Capture the page at “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite unter „%@“ aufnehmen?</translation>
     </message>
     <message>
         <source>Capturing the page…</source>
-        <translation type="unfinished"></translation>
+        <translation>Seite wird aufgenommen…</translation>
     </message>
     <message>
         <source>Capturing web pages needs a browser that is not there: install chromium.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Aufnehmen von Webseiten fehlt ein Browser: Installieren Sie chromium.</translation>
     </message>
     <message>
         <source>Check for &amp;Updates...</source>
@@ -1529,7 +1533,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Check its name and where it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie den Namen und den Ort.</translation>
     </message>
     <message>
         <source>Check its permissions, or choose another folder.</source>
@@ -1537,43 +1541,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Check its permissions, or choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Zugriffsrechte, oder wählen Sie eine andere Bibliothek.</translation>
     </message>
     <message>
         <source>Check that its folder exists and can be written.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie, ob der Ordner vorhanden ist und in ihn geschrieben werden kann.</translation>
     </message>
     <message>
         <source>Check that its folder exists and that you may read and write there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie, ob der Ordner vorhanden ist und Sie dort lesen und schreiben dürfen.</translation>
     </message>
     <message>
         <source>Check that the volume is still connected and has room, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie, ob der Datenträger noch verbunden ist und Platz hat, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Check the address and the name of the user.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Adresse und den Benutzernamen.</translation>
     </message>
     <message>
         <source>Check the address of your server and the folder in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Adresse Ihres Servers und den Ordner in den Einstellungen unter „Cloud“.</translation>
     </message>
     <message>
         <source>Check the permissions of its folder and the room on its disk; the damaged file is unchanged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Zugriffsrechte des Ordners und den Platz auf dem Datenträger; die beschädigte Datei ist unverändert.</translation>
     </message>
     <message>
         <source>Check the permissions of its folder and whether the volume is mounted read-only.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Zugriffsrechte des Ordners, und ob der Datenträger schreibgeschützt eingehängt ist.</translation>
     </message>
     <message>
         <source>Check your internet connection or your network settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie Ihre Internetverbindung oder Ihre Netzwerkeinstellungen.</translation>
     </message>
     <message>
         <source>Check “link” in its description, and import it again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie „link“ in der Beschreibung, und importieren Sie sie in den Einstellungen unter „Cloud“ noch einmal.</translation>
     </message>
     <message>
         <source>Choose</source>
@@ -1581,15 +1585,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose a Description</source>
-        <translation type="unfinished"></translation>
+        <translation>Beschreibung wählen</translation>
     </message>
     <message>
         <source>Choose a folder whose name ends in .ztlibrary.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie einen Ordner, dessen Name auf .ztlibrary endet.</translation>
     </message>
     <message>
         <source>Choose a live folder, the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie einen Live-Ordner, die Bibliothek, ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>Choose another folder, best on another disk.</source>
@@ -1597,103 +1601,103 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose another library, recover it, or put back a copy from a backup.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie eine andere Bibliothek, stellen Sie sie wieder her, oder legen Sie eine Kopie aus einer Sicherung zurück.</translation>
     </message>
     <message>
         <source>Choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie eine andere Bibliothek.</translation>
     </message>
     <message>
         <source>Choose another place for the library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie einen anderen Ort für die Bibliothek.</translation>
     </message>
     <message>
         <source>Choose fewer at once.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie weniger auf einmal.</translation>
     </message>
     <message>
         <source>Choose one in the settings of the desktop and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie eines in den Einstellungen der Arbeitsumgebung, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie die Bibliothek, ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>Choose where it is to go.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie, wohin es soll.</translation>
     </message>
     <message>
         <source>Cleaning up library</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek wird aufgeräumt</translation>
     </message>
     <message>
         <source>Click or Return takes the window · Tab goes on · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Klick oder Eingabe nimmt das Fenster auf · Tab geht weiter · Esc bricht ab</translation>
     </message>
     <message>
         <source>Click to cancel.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Abbrechen klicken.</translation>
     </message>
     <message>
         <source>Click to export what is selected, or drag it to where the files are to go.</source>
-        <translation type="unfinished"></translation>
+        <translation>Klicken, um die Auswahl zu exportieren, oder dorthin ziehen, wo die Dateien hin sollen.</translation>
     </message>
     <message>
         <source>Click, then press the keys. Backspace clears.</source>
-        <translation type="unfinished"></translation>
+        <translation>Klicken, dann die Tasten drücken. Rücktaste löscht.</translation>
     </message>
     <message>
         <source>Client &amp;ID</source>
-        <translation type="unfinished"></translation>
+        <translation>Client-&amp;ID</translation>
     </message>
     <message>
         <source>Close</source>
-        <translation type="unfinished"></translation>
+        <translation>Schließen</translation>
     </message>
     <message>
         <source>Close Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab schließen</translation>
     </message>
     <message>
         <source>Cloud</source>
-        <translation type="unfinished"></translation>
+        <translation>Cloud</translation>
     </message>
     <message>
         <source>Cloud preferences…</source>
-        <translation type="unfinished"></translation>
+        <translation>Cloud-Einstellungen…</translation>
     </message>
     <message>
         <source>CloudApp when an account is connected, else Dropbox when it is linked, else Imgur. Now: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>CloudApp, wenn ein Konto verbunden ist, sonst Dropbox, wenn sie verknüpft ist, sonst Imgur. Derzeit: %@.</translation>
     </message>
     <message>
         <source>Collapse All Groups</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Gruppen einklappen</translation>
     </message>
     <message>
         <source>Collapse Group</source>
-        <translation type="unfinished"></translation>
+        <translation>Gruppe einklappen</translation>
     </message>
     <message>
         <source>Color</source>
-        <translation type="unfinished"></translation>
+        <translation>Farbe</translation>
     </message>
     <message>
         <source>Color is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Farbe ist „%@“</translation>
     </message>
     <message>
         <source>Columns</source>
-        <translation type="unfinished"></translation>
+        <translation>Spalten</translation>
     </message>
     <message>
         <source>Comma-separated values</source>
-        <translation type="unfinished"></translation>
+        <translation>Kommagetrennte Werte</translation>
     </message>
     <message>
         <source>Connect it again before you go on. What you change until then cannot be kept.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbinden Sie es wieder, bevor Sie weitermachen. Was Sie bis dahin ändern, kann nicht gespeichert werden.</translation>
     </message>
     <message>
         <source>Connect its disk, or choose another folder.</source>
@@ -1705,31 +1709,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Connect the account again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbinden Sie das Konto in den Einstellungen unter „Cloud“ noch einmal.</translation>
     </message>
     <message>
         <source>Connect the volume it is on, or choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbinden Sie den Datenträger, auf dem sie liegt, oder wählen Sie eine andere Bibliothek.</translation>
     </message>
     <message>
         <source>Connect this computer to a network, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbinden Sie diesen Rechner mit einem Netzwerk, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Connect your CloudApp account in the preferences, under Cloud. Who has none makes one at %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbinden Sie Ihr CloudApp-Konto in den Einstellungen unter „Cloud“. Falls Sie keines haben, können Sie es auf %@ anlegen.</translation>
     </message>
     <message>
         <source>Connected as %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Verbunden als %@</translation>
     </message>
     <message>
         <source>Continue</source>
-        <translation type="unfinished"></translation>
+        <translation>Fortfahren</translation>
     </message>
     <message>
         <source>Copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopieren</translation>
     </message>
     <message>
         <source>Copy Link</source>
@@ -1737,15 +1741,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Copy the template's file there with `zelto import`.</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopieren Sie die Datei der Vorlage mit `zelto import` dorthin.</translation>
     </message>
     <message>
         <source>Copying files…</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien werden kopiert…</translation>
     </message>
     <message>
         <source>Copying items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden kopiert…</translation>
     </message>
     <message>
         <source>Copying the database</source>
@@ -1753,15 +1757,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Could not be read, at least: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht gelesen werden konnten mindestens: %@.</translation>
     </message>
     <message>
         <source>Could not save changes while quitting.  Quit anyway?</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Änderungen konnten beim Beenden nicht gesichert werden. Trotzdem beenden?</translation>
     </message>
     <message>
         <source>Counting…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird gezählt…</translation>
     </message>
     <message>
         <source>Crash report</source>
@@ -1769,15 +1773,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Created</source>
-        <translation type="unfinished"></translation>
+        <translation>Erstellt</translation>
     </message>
     <message>
         <source>Created before (&lt;), on (=) or since (&gt;) the date, that day included</source>
-        <translation type="unfinished"></translation>
+        <translation>Erstellt vor (&lt;), an (=) oder seit (&gt;) dem Datum, dieser Tag eingeschlossen</translation>
     </message>
     <message>
         <source>Creation date</source>
-        <translation type="unfinished"></translation>
+        <translation>Erstellungsdatum</translation>
     </message>
     <message>
         <source>Ctrl</source>
@@ -1785,31 +1789,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>DISKS THAT TELL OF NO CHANGES</source>
-        <translation type="unfinished"></translation>
+        <translation>DATENTRÄGER, DIE KEINE ÄNDERUNGEN MELDEN</translation>
     </message>
     <message>
         <source>Dark Theme</source>
-        <translation type="unfinished"></translation>
+        <translation>Dunkles Thema</translation>
     </message>
     <message>
         <source>Delete</source>
-        <translation type="unfinished"></translation>
+        <translation>Löschen</translation>
     </message>
     <message>
         <source>Delete %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ löschen</translation>
     </message>
     <message>
         <source>Delete %@ and Content</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ samt Inhalt löschen</translation>
     </message>
     <message>
         <source>Delete Preset</source>
-        <translation type="unfinished"></translation>
+        <translation>Voreinstellung löschen</translation>
     </message>
     <message>
         <source>Delete from Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus Bibliothek löschen</translation>
     </message>
     <message>
         <source>Deleted and not yet removed: %@</source>
@@ -1817,47 +1821,47 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Deleting files…</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien werden gelöscht…</translation>
     </message>
     <message>
         <source>Deleting items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden gelöscht…</translation>
     </message>
     <message>
         <source>Descending</source>
-        <translation type="unfinished"></translation>
+        <translation>Absteigend</translation>
     </message>
     <message>
         <source>Digest is %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfsumme ist %@</translation>
     </message>
     <message>
         <source>Digital negative image</source>
-        <translation type="unfinished"></translation>
+        <translation>Digital-Negative-Bild</translation>
     </message>
     <message>
         <source>Disable</source>
-        <translation type="unfinished"></translation>
+        <translation>Deaktivieren</translation>
     </message>
     <message>
         <source>Discard</source>
-        <translation type="unfinished"></translation>
+        <translation>Verwerfen</translation>
     </message>
     <message>
         <source>Discard the new copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Neue Kopie verwerfen</translation>
     </message>
     <message>
         <source>Do not ask again</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht mehr fragen</translation>
     </message>
     <message>
         <source>Do you want to switch library and quit Zelto?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie die Bibliothek wechseln und Zelto beenden?</translation>
     </message>
     <message>
         <source>Document</source>
-        <translation type="unfinished"></translation>
+        <translation>Dokument</translation>
     </message>
     <message>
         <source>Don't Look</source>
@@ -1865,7 +1869,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Double resolution</source>
-        <translation type="unfinished"></translation>
+        <translation>Doppelte Auflösung</translation>
     </message>
     <message>
         <source>Down</source>
@@ -1873,67 +1877,67 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Downloading images</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder werden heruntergeladen</translation>
     </message>
     <message>
         <source>Drag it to another place, or press Delete to remove it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Umordnen ziehen, zum Entfernen Entf drücken.</translation>
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Bereich aufziehen oder Pfeiltaste drücken · Esc bricht ab</translation>
     </message>
     <message>
         <source>Drawing</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeichnung</translation>
     </message>
     <message>
         <source>Drop folders here, or press +</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner hier ablegen oder + drücken</translation>
     </message>
     <message>
         <source>Drop images here, or press Ctrl+I</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder hier ablegen oder Strg+I drücken</translation>
     </message>
     <message>
         <source>Drop to create a live folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Ablegen, um einen Live-Ordner anzulegen</translation>
     </message>
     <message>
         <source>Drop to create a project</source>
-        <translation type="unfinished"></translation>
+        <translation>Ablegen, um ein Projekt anzulegen</translation>
     </message>
     <message>
         <source>Dropbox</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox</translation>
     </message>
     <message>
         <source>Dropbox answered without what lets Zelto in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox hat ohne das geantwortet, was Zelto Zugang gibt.</translation>
     </message>
     <message>
         <source>Dropbox needs an app key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox braucht einen App-Schlüssel.</translation>
     </message>
     <message>
         <source>Dropbox no longer lets Zelto in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox gewährt Zelto keinen Zugang mehr.</translation>
     </message>
     <message>
         <source>Dropbox says: “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox meldet: „%@“.</translation>
     </message>
     <message>
         <source>Dropbox was not linked: it was not allowed in the web browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox wurde nicht verknüpft: Es wurde im Webbrowser nicht erlaubt.</translation>
     </message>
     <message>
         <source>Dropped file</source>
-        <translation type="unfinished"></translation>
+        <translation>Abgelegte Datei</translation>
     </message>
     <message>
         <source>Duplicate</source>
-        <translation type="unfinished"></translation>
+        <translation>Duplizieren</translation>
     </message>
     <message>
         <source>Duplicates: %@</source>
@@ -1941,51 +1945,51 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Duplicating items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden dupliziert…</translation>
     </message>
     <message>
         <source>EPS %@ is not a valid image</source>
-        <translation type="unfinished"></translation>
+        <translation>EPS-Datei %@ ist kein gültiges Bild</translation>
     </message>
     <message>
         <source>Each upload goes into a folder of its own in your Dropbox. What lets Zelto in is kept in the desktop's keyring and nowhere else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Jedes Hochladen erhält einen eigenen Ordner in Ihrer Dropbox. Was Zelto Zugang gibt, wird nur im Schlüsselbund der Arbeitsumgebung aufbewahrt.</translation>
     </message>
     <message>
         <source>Edit</source>
-        <translation type="unfinished"></translation>
+        <translation>Bearbeiten</translation>
     </message>
     <message>
         <source>Edit Search…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche bearbeiten…</translation>
     </message>
     <message>
         <source>Edit Search… in its menu gives it another text.</source>
-        <translation type="unfinished"></translation>
+        <translation>„Suche bearbeiten…“ in seinem Menü gibt ihm einen anderen Text.</translation>
     </message>
     <message>
         <source>Edit presets</source>
-        <translation type="unfinished"></translation>
+        <translation>Voreinstellungen bearbeiten</translation>
     </message>
     <message>
         <source>Edit presets…</source>
-        <translation type="unfinished"></translation>
+        <translation>Voreinstellungen bearbeiten…</translation>
     </message>
     <message>
         <source>Empty the search field</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchfeld leeren</translation>
     </message>
     <message>
         <source>Enable</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktivieren</translation>
     </message>
     <message>
         <source>Enable this live folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Diesen Live-Ordner aktivieren</translation>
     </message>
     <message>
         <source>Encapsulated PostScript image</source>
-        <translation type="unfinished"></translation>
+        <translation>Encapsulated-PostScript-Bild</translation>
     </message>
     <message>
         <source>End</source>
@@ -1993,43 +1997,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Enter</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingabe</translation>
     </message>
     <message>
         <source>Enter a Dropbox app key in the preferences, under Cloud, and link your Dropbox.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie in den Einstellungen unter „Cloud“ einen Dropbox-App-Schlüssel ein, und verknüpfen Sie Ihre Dropbox.</translation>
     </message>
     <message>
         <source>Enter it in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tragen Sie die Angabe in den Einstellungen unter „Cloud“ ein.</translation>
     </message>
     <message>
         <source>Enter names with “/” between them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie Namen mit „/“ dazwischen ein.</translation>
     </message>
     <message>
         <source>Enter the address of “%@” without a login and without “?” and “#”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie die Adresse von „%@“ ohne Zugangsdaten und ohne „?“ und „#“ ein.</translation>
     </message>
     <message>
         <source>Enter the public address of the folder in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie in den Einstellungen unter „Cloud“ die öffentliche Adresse des Ordners ein.</translation>
     </message>
     <message>
         <source>Enter them anew in the preferences, under Cloud. A server with a second factor wants an “app password” from its security settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie beides in den Einstellungen unter „Cloud“ neu ein. Ein Server mit zweitem Faktor verlangt ein „App-Passwort“ aus seinen Sicherheitseinstellungen.</translation>
     </message>
     <message>
         <source>Enter what the service gave you.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie ein, was Sie vom Dienst erhalten haben.</translation>
     </message>
     <message>
         <source>Enter your server, your name and your password there in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie in den Einstellungen unter „Cloud“ Ihren Server, Ihren Namen und Ihr Passwort dort ein.</translation>
     </message>
     <message>
         <source>Esc</source>
-        <translation type="unfinished"></translation>
+        <translation>Esc</translation>
     </message>
     <message>
         <source>Every day</source>
@@ -2041,27 +2045,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Everything is in the library already. Choose a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist bereits alles in der Bibliothek. Wählen Sie ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>Expand All Groups</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Gruppen ausklappen</translation>
     </message>
     <message>
         <source>Expand Group</source>
-        <translation type="unfinished"></translation>
+        <translation>Gruppe ausklappen</translation>
     </message>
     <message>
         <source>Export</source>
-        <translation type="unfinished"></translation>
+        <translation>Exportieren</translation>
     </message>
     <message>
         <source>Export as Layered PSD</source>
-        <translation type="unfinished"></translation>
+        <translation>Als PSD mit Ebenen exportieren</translation>
     </message>
     <message>
         <source>Export as Layered PSD…</source>
-        <translation type="unfinished"></translation>
+        <translation>Als PSD mit Ebenen exportieren…</translation>
     </message>
     <message numerus="yes">
         <source>Export incomplete
@@ -2069,134 +2073,136 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <comment>counted</comment>
         <extracomment>for one: Export incomplete
  %d original file is missing!</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Export unvollständig
+%d Originaldatei fehlt!</numerusform>
+            <numerusform>Export unvollständig
+%d Originaldateien fehlen!</numerusform>
         </translation>
     </message>
     <message>
         <source>Export operation</source>
-        <translation type="unfinished"></translation>
+        <translation>Exportvorgang</translation>
     </message>
     <message>
         <source>Exporting %@ of %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ von %@ wird exportiert</translation>
     </message>
     <message>
         <source>Exporting layers…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ebenen werden exportiert…</translation>
     </message>
     <message>
         <source>Export…</source>
-        <translation type="unfinished"></translation>
+        <translation>Exportieren…</translation>
     </message>
     <message>
         <source>Extension</source>
-        <translation type="unfinished"></translation>
+        <translation>Endung</translation>
     </message>
     <message>
         <source>Extension is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Endung ist „%@“</translation>
     </message>
     <message>
         <source>F10</source>
-        <translation type="unfinished"></translation>
+        <translation>F10</translation>
     </message>
     <message>
         <source>FILES OPENED WITH ZELTO</source>
-        <translation type="unfinished"></translation>
+        <translation>MIT ZELTO GEÖFFNETE DATEIEN</translation>
     </message>
     <message>
         <source>FLAC audio</source>
-        <translation type="unfinished"></translation>
+        <translation>FLAC-Audio</translation>
     </message>
     <message>
         <source>FOLDERS OF THE DISK</source>
-        <translation type="unfinished"></translation>
+        <translation>ORDNER DES DATENTRÄGERS</translation>
     </message>
     <message>
         <source>FROM EACH FILE</source>
-        <translation type="unfinished"></translation>
+        <translation>AUS JEDER DATEI</translation>
     </message>
     <message>
         <source>Failed to initialize the store</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank konnte nicht initialisiert werden</translation>
     </message>
     <message>
         <source>Fewer, as many or more stars</source>
-        <translation type="unfinished"></translation>
+        <translation>Weniger, genauso viele oder mehr Sterne</translation>
     </message>
     <message>
         <source>File</source>
-        <translation type="unfinished"></translation>
+        <translation>Datei</translation>
     </message>
     <message>
         <source>File names</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateinamen</translation>
     </message>
     <message>
         <source>Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien</translation>
     </message>
     <message>
         <source>Files before it are missing, and took the names. Export it by itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien davor fehlen, und ihre Namen sind belegt. Exportieren Sie das Objekt einzeln.</translation>
     </message>
     <message>
         <source>Files of this kind are not taken, as the preferences say. Have them taken there (Import), or convert it to PNG or JPEG.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien dieser Art werden laut Einstellungen nicht angenommen. Lassen Sie sie dort zu (Import), oder wandeln Sie die Datei in PNG oder JPEG um.</translation>
     </message>
     <message>
         <source>Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien dieser Art können nicht importiert werden. Wandeln Sie die Datei zuerst in ein Bild, ein PDF oder ein SVG um.</translation>
     </message>
     <message>
         <source>Files of this kind, as PNG or font</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien dieser Art, zum Beispiel PNG oder font</translation>
     </message>
     <message>
         <source>Files that were not imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht importierte Dateien</translation>
     </message>
     <message>
         <source>Files with this extension; * and ? are wildcards</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien mit dieser Endung; * und ? sind Platzhalter</translation>
     </message>
     <message>
         <source>Find</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen</translation>
     </message>
     <message>
         <source>Find in %@</source>
-        <translation type="unfinished"></translation>
+        <translation>In %@ suchen</translation>
     </message>
     <message>
         <source>Finds files that were changed; takes a while.</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet geänderte Dateien; dauert eine Weile.</translation>
     </message>
     <message>
         <source>Finds what both sides find</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet, was beide Seiten finden</translation>
     </message>
     <message>
         <source>Finds what one of both sides finds</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet, was eine der beiden Seiten findet</translation>
     </message>
     <message>
         <source>Find…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen…</translation>
     </message>
     <message>
         <source>Fit</source>
-        <translation type="unfinished"></translation>
+        <translation>Einpassen</translation>
     </message>
     <message>
         <source>Fit (Ctrl+0)</source>
-        <translation type="unfinished"></translation>
+        <translation>Einpassen (Strg+0)</translation>
     </message>
     <message>
         <source>Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner</translation>
     </message>
     <message>
         <source>Folders</source>
@@ -2204,135 +2210,135 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Folders of the disk whose files are shown here and stay where they are</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner des Datenträgers, deren Dateien hier gezeigt werden und bleiben, wo sie sind</translation>
     </message>
     <message>
         <source>Folders on a network, for example, are looked at in intervals, and a clock marks them in the sidebar. That shows which files came and went; files that changed within are seen every hour.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner in einem Netzwerk werden zum Beispiel in Abständen durchgesehen; in der Seitenleiste sind sie mit einer Uhr markiert. So zeigt sich, welche Dateien kamen und gingen; Änderungen in den Dateien werden stündlich bemerkt.</translation>
     </message>
     <message>
         <source>Font</source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift</translation>
     </message>
     <message>
         <source>Forget</source>
-        <translation type="unfinished"></translation>
+        <translation>Verwerfen</translation>
     </message>
     <message>
         <source>Format</source>
-        <translation type="unfinished"></translation>
+        <translation>Format</translation>
     </message>
     <message>
         <source>Frame %d of %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Einzelbild %d von %d</translation>
     </message>
     <message>
         <source>Free some space there and look at its permissions.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie dort Platz frei, und prüfen Sie die Zugriffsrechte.</translation>
     </message>
     <message>
         <source>Free some space, or check the permissions of the settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie Platz frei, oder prüfen Sie die Zugriffsrechte der Einstellungen.</translation>
     </message>
     <message>
         <source>Free some space, then save again; nothing of your changes is lost.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie Platz frei, und speichern Sie dann noch einmal; von Ihren Änderungen geht nichts verloren.</translation>
     </message>
     <message>
         <source>Full Screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Vollbild</translation>
     </message>
     <message>
         <source>GIF image</source>
-        <translation type="unfinished"></translation>
+        <translation>GIF-Bild</translation>
     </message>
     <message>
         <source>GIMP image</source>
-        <translation type="unfinished"></translation>
+        <translation>GIMP-Bild</translation>
     </message>
     <message>
         <source>GZIP archive</source>
-        <translation type="unfinished"></translation>
+        <translation>GZIP-Archiv</translation>
     </message>
     <message>
         <source>General</source>
-        <translation type="unfinished"></translation>
+        <translation>Allgemein</translation>
     </message>
     <message>
         <source>Give the title or the identifier of something in the sidebar.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie den Titel oder die Kennung eines Eintrags der Seitenleiste an.</translation>
     </message>
     <message>
         <source>Go on only if you asked for this in the browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>Fahren Sie nur fort, wenn Sie dies im Browser angefordert haben.</translation>
     </message>
     <message>
         <source>Go on only if you asked for this in the browser. You will not be asked again for this page's host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Fahren Sie nur fort, wenn Sie dies im Browser angefordert haben. Für den Server dieser Seite werden Sie nicht noch einmal gefragt.</translation>
     </message>
     <message>
         <source>Go to Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Tab wechseln</translation>
     </message>
     <message>
         <source>Green</source>
-        <translation type="unfinished"></translation>
+        <translation>Grün</translation>
     </message>
     <message>
         <source>Group</source>
-        <translation type="unfinished"></translation>
+        <translation>Gruppieren</translation>
     </message>
     <message>
         <source>Group by</source>
-        <translation type="unfinished"></translation>
+        <translation>Gruppieren nach</translation>
     </message>
     <message>
         <source>Group: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Gruppierung: %@</translation>
     </message>
     <message>
         <source>HEIC image</source>
-        <translation type="unfinished"></translation>
+        <translation>HEIC-Bild</translation>
     </message>
     <message>
         <source>HTML document</source>
-        <translation type="unfinished"></translation>
+        <translation>HTML-Dokument</translation>
     </message>
     <message>
         <source>Has no tag at all</source>
-        <translation type="unfinished"></translation>
+        <translation>Hat gar kein Schlagwort</translation>
     </message>
     <message>
         <source>Has no tag of yours</source>
-        <translation type="unfinished"></translation>
+        <translation>Hat kein von Ihnen vergebenes Schlagwort</translation>
     </message>
     <message>
         <source>Has the tag “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Hat das Schlagwort „%@“</translation>
     </message>
     <message>
         <source>Has the tag; * and ? are wildcards</source>
-        <translation type="unfinished"></translation>
+        <translation>Hat das Schlagwort; * und ? sind Platzhalter</translation>
     </message>
     <message>
         <source>Have the smart folder find what is shown (Ctrl+Shift+S)</source>
-        <translation type="unfinished"></translation>
+        <translation>Den intelligenten Ordner finden lassen, was angezeigt wird (Strg+Umschalt+S)</translation>
     </message>
     <message>
         <source>Height</source>
-        <translation type="unfinished"></translation>
+        <translation>Höhe</translation>
     </message>
     <message>
         <source>Help</source>
-        <translation type="unfinished"></translation>
+        <translation>Hilfe</translation>
     </message>
     <message>
         <source>Hiding items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden ausgeblendet…</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Halten Sie dazu Strg, Alt oder Super gedrückt: Allein brauchen andere Programme diese Taste.</translation>
     </message>
     <message>
         <source>Home</source>
@@ -2340,7 +2346,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>How files are called: {title}, {index}, {width}, {height} and {date} stand for what each file has. Empty: the title.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wie Dateien heißen: {title}, {index}, {width}, {height} und {date} stehen für das, was jede Datei hat. Leer: der Titel.</translation>
     </message>
     <message>
         <source>How many backups stay</source>
@@ -2352,99 +2358,99 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>IN FILES</source>
-        <translation type="unfinished"></translation>
+        <translation>IN DATEIEN</translation>
     </message>
     <message>
         <source>IS EVERYTHING THERE?</source>
-        <translation type="unfinished"></translation>
+        <translation>IST ALLES DA?</translation>
     </message>
     <message>
         <source>ITEMS</source>
-        <translation type="unfinished"></translation>
+        <translation>OBJEKTE</translation>
     </message>
     <message>
         <source>Icon image</source>
-        <translation type="unfinished"></translation>
+        <translation>Symbolbild</translation>
     </message>
     <message>
         <source>Illustrator image</source>
-        <translation type="unfinished"></translation>
+        <translation>Illustrator-Bild</translation>
     </message>
     <message>
         <source>Image</source>
-        <translation type="unfinished"></translation>
+        <translation>Bild</translation>
     </message>
     <message>
         <source>Images cannot be downloaded now. Restart Zelto, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder können jetzt nicht heruntergeladen werden. Starten Sie Zelto neu, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Images get this tag by themselves when they are imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder erhalten dieses Schlagwort beim Import von selbst.</translation>
     </message>
     <message>
         <source>Imgur asks every program for an identifier, and limits what comes with each. Register one of your own, choose “OAuth 2 authorization without a callback URL”, and paste the Client ID that it shows, 15 letters and digits, here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur verlangt von jedem Programm eine Kennung und begrenzt, was mit jeder kommt. Registrieren Sie eine eigene, wählen Sie „OAuth 2 authorization without a callback URL“, und fügen Sie die angezeigte Client-ID, 15 Buchstaben und Ziffern, hier ein.</translation>
     </message>
     <message>
         <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur möchte wissen, welches Programm hochlädt. Registrieren Sie auf api.imgur.com/oauth2/addclient ein eigenes als „OAuth 2 authorization without a callback URL“, und geben Sie die erhaltene Client-ID in den Einstellungen unter „Cloud“ ein.</translation>
     </message>
     <message>
         <source>Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Importieren</translation>
     </message>
     <message>
         <source>Import %d images from the page at “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Bilder von der Seite unter „%@“ importieren?</translation>
     </message>
     <message>
         <source>Import Invalid</source>
-        <translation type="unfinished"></translation>
+        <translation>Import nicht möglich</translation>
     </message>
     <message>
         <source>Import Successful</source>
-        <translation type="unfinished"></translation>
+        <translation>Import erfolgreich</translation>
     </message>
     <message>
         <source>Import an image from the page at “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Bild von der Seite unter „%@“ importieren?</translation>
     </message>
     <message>
         <source>Import anyway</source>
-        <translation type="unfinished"></translation>
+        <translation>Trotzdem importieren</translation>
     </message>
     <message>
         <source>Import cancelled</source>
-        <translation type="unfinished"></translation>
+        <translation>Import abgebrochen</translation>
     </message>
     <message>
         <source>Import date</source>
-        <translation type="unfinished"></translation>
+        <translation>Importdatum</translation>
     </message>
     <message>
         <source>Import files here</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien hier importieren</translation>
     </message>
     <message>
         <source>Import operation successful</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Import war erfolgreich</translation>
     </message>
     <message>
         <source>Import the description again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Importieren Sie die Beschreibung in den Einstellungen unter „Cloud“ noch einmal.</translation>
     </message>
     <message>
         <source>Import the missing files again, and remove that file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Importieren Sie die fehlenden Dateien noch einmal, und entfernen Sie diese Datei.</translation>
     </message>
     <message>
         <source>Imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Importiert</translation>
     </message>
     <message>
         <source>Imported before (&lt;), on (=) or since (&gt;) the date, that day included</source>
-        <translation type="unfinished"></translation>
+        <translation>Importiert vor (&lt;), an (=) oder seit (&gt;) dem Datum, dieser Tag eingeschlossen</translation>
     </message>
     <message>
         <source>Imported in</source>
@@ -2452,43 +2458,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Importing %@ of %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ von %@ wird importiert</translation>
     </message>
     <message>
         <source>Importing…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird importiert…</translation>
     </message>
     <message>
         <source>Import…</source>
-        <translation type="unfinished"></translation>
+        <translation>Importieren…</translation>
     </message>
     <message>
         <source>Import… (Ctrl+I)</source>
-        <translation type="unfinished"></translation>
+        <translation>Importieren… (Strg+I)</translation>
     </message>
     <message>
         <source>In a live folder</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Live-Ordner</translation>
     </message>
     <message>
         <source>In a live folder named “%@”, or below it</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Live-Ordner namens „%@“ oder darunter</translation>
     </message>
     <message>
         <source>In a live folder of this name, or below it</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Live-Ordner dieses Namens oder darunter</translation>
     </message>
     <message>
         <source>In a live folder: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Live-Ordner: %@</translation>
     </message>
     <message>
         <source>In a project named “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Projekt namens „%@“</translation>
     </message>
     <message>
         <source>In a project whose name contains the text</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Projekt, dessen Name den Text enthält</translation>
     </message>
     <message>
         <source>In live folders: %@</source>
@@ -2496,31 +2502,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>In no project</source>
-        <translation type="unfinished"></translation>
+        <translation>In keinem Projekt</translation>
     </message>
     <message>
         <source>In the desktop's keyboard settings keys can be bound to “zelto snap area”, “zelto snap window” and “zelto snap full”.</source>
-        <translation type="unfinished"></translation>
+        <translation>In den Tastatureinstellungen der Arbeitsumgebung können Tasten mit „zelto snap area“, „zelto snap window“ und „zelto snap full“ belegt werden.</translation>
     </message>
     <message>
         <source>In your library since %@</source>
-        <translation type="unfinished"></translation>
+        <translation>In Ihrer Bibliothek seit %@</translation>
     </message>
     <message>
         <source>InDesign document</source>
-        <translation type="unfinished"></translation>
+        <translation>InDesign-Dokument</translation>
     </message>
     <message>
         <source>Info</source>
-        <translation type="unfinished"></translation>
+        <translation>Info</translation>
     </message>
     <message>
         <source>Info Panel</source>
-        <translation type="unfinished"></translation>
+        <translation>Infobereich</translation>
     </message>
     <message>
         <source>Info Panel (Ctrl+Shift+I)</source>
-        <translation type="unfinished"></translation>
+        <translation>Infobereich (Strg+Umschalt+I)</translation>
     </message>
     <message>
         <source>Insert</source>
@@ -2528,15 +2534,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Install one, such as GNOME Keyring or KWallet, log in to the desktop again, and try once more. Nothing was stored.</source>
-        <translation type="unfinished"></translation>
+        <translation>Installieren Sie einen, etwa GNOME Keyring oder KWallet, melden Sie sich neu an der Arbeitsumgebung an, und versuchen Sie es noch einmal. Es wurde nichts gespeichert.</translation>
     </message>
     <message>
         <source>Install the application again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Installieren Sie die Anwendung noch einmal.</translation>
     </message>
     <message>
         <source>Install the newer version to open it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Installieren Sie die neuere Version, um sie zu öffnen.</translation>
     </message>
     <message>
         <source>It asks its makers' server once a day which version is the newest. Nothing about you or your library is sent, and nothing is installed by itself.</source>
@@ -2544,103 +2550,103 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It belongs to the system. Add the folders with your pictures instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er gehört zum System. Fügen Sie stattdessen die Ordner mit Ihren Bildern hinzu.</translation>
     </message>
     <message>
         <source>It can't be encoded.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild kann nicht kodiert werden.</translation>
     </message>
     <message>
         <source>It cannot be read. Allow reading it, then add it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er kann nicht gelesen werden. Erlauben Sie das Lesen, und fügen Sie ihn dann noch einmal hinzu.</translation>
     </message>
     <message>
         <source>It cannot be read. Change its permissions, or unlock it, and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei kann nicht gelesen werden. Ändern Sie ihre Zugriffsrechte, oder entsperren Sie sie, und importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>It cannot be read: %@. What the library has of it stays as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei kann nicht gelesen werden: %@. Was die Bibliothek davon hat, bleibt, wie es ist.</translation>
     </message>
     <message>
         <source>It cannot be told whether the library has it already, since the library cannot be read. Import it again once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es lässt sich nicht feststellen, ob die Datei schon in der Bibliothek ist, weil die Bibliothek nicht gelesen werden kann. Importieren Sie sie noch einmal, sobald das behoben ist.</translation>
     </message>
     <message>
         <source>It cannot be unpacked into the folder for temporary files: %@. Check that folder and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Archiv kann nicht in den Ordner für temporäre Dateien entpackt werden: %@. Prüfen Sie diesen Ordner, und importieren Sie es noch einmal.</translation>
     </message>
     <message>
         <source>It cannot be unpacked, since no temporary folder can be made. Free some space there, or name another folder in TMPDIR, and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Archiv kann nicht entpackt werden, weil kein temporärer Ordner angelegt werden kann. Geben Sie dort Platz frei, oder nennen Sie einen anderen Ordner in TMPDIR, und importieren Sie es noch einmal.</translation>
     </message>
     <message>
         <source>It counts as one document. Import it, or add the folder it is in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er gilt als ein einziges Dokument. Importieren Sie ihn, oder fügen Sie den Ordner hinzu, in dem er liegt.</translation>
     </message>
     <message>
         <source>It does not exist or you don't have the permission to read it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist nicht vorhanden, oder Sie haben keine Berechtigung, sie zu lesen.</translation>
     </message>
     <message>
         <source>It goes to the trash, and the library takes its place.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Vorhandene kommt in den Papierkorb, und die Bibliothek tritt an seine Stelle.</translation>
     </message>
     <message>
         <source>It has no frame %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt kein Einzelbild %d.</translation>
     </message>
     <message>
         <source>It has to begin with http:// or https://.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Webadresse muss mit http:// oder https:// beginnen.</translation>
     </message>
     <message>
         <source>It has too many pixels (%d × %d). Make it smaller and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild hat zu viele Pixel (%d × %d). Verkleinern Sie es, und importieren Sie es noch einmal.</translation>
     </message>
     <message>
         <source>It holds everything of this computer. Add the folders with your pictures instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er enthält alles auf diesem Rechner. Fügen Sie stattdessen die Ordner mit Ihren Bildern hinzu.</translation>
     </message>
     <message>
         <source>It holds no picture of itself. Save it again in its own application and import it anew.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei enthält kein Bild von sich. Speichern Sie sie noch einmal in ihrer eigenen Anwendung, und importieren Sie sie neu.</translation>
     </message>
     <message>
         <source>It holds no preview.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist keine Vorschau enthalten.</translation>
     </message>
     <message>
         <source>It holds no preview. Open it in Sketch, save it again and import it anew, or export it as PNG, SVG or PDF and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist keine Vorschau enthalten. Öffnen Sie die Datei in Sketch, speichern Sie sie noch einmal, und importieren Sie sie neu; oder exportieren Sie sie als PNG, SVG oder PDF, und importieren Sie das Ergebnis.</translation>
     </message>
     <message>
         <source>It holds the library itself. Add the folders beside the library instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er enthält die Bibliothek selbst. Fügen Sie stattdessen die Ordner neben der Bibliothek hinzu.</translation>
     </message>
     <message>
         <source>It is a document of a newer Sketch, which cannot be imported. Export it from Sketch as PNG, SVG or PDF and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument stammt aus einer neueren Version von Sketch und kann nicht importiert werden. Exportieren Sie es aus Sketch als PNG, SVG oder PDF, und importieren Sie das Ergebnis.</translation>
     </message>
     <message>
         <source>It is a folder. Import it into a folder of the sidebar, or into PROJECTS.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist ein Ordner. Importieren Sie ihn in einen Ordner der Seitenleiste oder in PROJEKTE.</translation>
     </message>
     <message>
         <source>It is a link. Import what it leads to.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist eine Verknüpfung. Importieren Sie, worauf sie verweist.</translation>
     </message>
     <message>
         <source>It is a part of the library itself. Add a folder outside of it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er ist ein Teil der Bibliothek selbst. Fügen Sie einen Ordner außerhalb der Bibliothek hinzu.</translation>
     </message>
     <message>
         <source>It is added where the import goes; the new copy is discarded.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wird dort hinzugefügt, wohin importiert wird; die neue Kopie wird verworfen.</translation>
     </message>
     <message>
         <source>It is empty, or too large for a PNG file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild ist leer oder zu groß für eine PNG-Datei.</translation>
     </message>
     <message>
         <source>It is in Screenshots.</source>
@@ -2648,115 +2654,115 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It is in the trash. Restore it first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er liegt im Papierkorb. Stellen Sie ihn zuerst wieder her.</translation>
     </message>
     <message>
         <source>It is incomplete: only a part of it can be drawn. Import it again from where it came.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild ist unvollständig: Nur ein Teil davon kann gezeichnet werden. Importieren Sie es noch einmal von dort, woher es kam.</translation>
     </message>
     <message>
         <source>It is larger than %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist größer als %@.</translation>
     </message>
     <message>
         <source>It is locked against every change. Unlock it, or import a copy of it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist gegen jede Änderung gesperrt. Entsperren Sie sie, oder importieren Sie eine Kopie davon.</translation>
     </message>
     <message>
         <source>It is locked, or you have no permission to read it. Unlock it and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist gesperrt, oder Sie haben keine Berechtigung, sie zu lesen. Entsperren Sie sie, und importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>It is locked, or you may not change its folder. Unlock it, or change the folder's permissions, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist gesperrt, oder Sie dürfen ihren Ordner nicht ändern. Entsperren Sie sie, oder ändern Sie die Zugriffsrechte des Ordners, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>It is mounted read-only.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger ist schreibgeschützt eingehängt.</translation>
     </message>
     <message>
         <source>It is no folder. Add the folder it is in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist kein Ordner. Fügen Sie den Ordner hinzu, in dem die Datei liegt.</translation>
     </message>
     <message>
         <source>It is no live folder of its own. Choose one that stands below LIVE FOLDERS.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist kein eigener Live-Ordner. Wählen Sie einen, der unter LIVE-ORDNER steht.</translation>
     </message>
     <message>
         <source>It is no picture that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist kein Bild, das importiert werden kann.</translation>
     </message>
     <message>
         <source>It is no regular file. Import a copy of what it gives.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist keine gewöhnliche Datei. Importieren Sie eine Kopie ihres Inhalts.</translation>
     </message>
     <message>
         <source>It is not a picture of a known kind.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist kein Bild einer bekannten Art.</translation>
     </message>
     <message>
         <source>It is not encrypted on its way.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Übertragung ist nicht verschlüsselt.</translation>
     </message>
     <message>
         <source>It is not in the library any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Objekt ist nicht mehr in der Bibliothek.</translation>
     </message>
     <message>
         <source>It is not missing, so nothing has to be taken for it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er fehlt nicht, daher muss kein anderer an seine Stelle treten.</translation>
     </message>
     <message>
         <source>It is not there any more. Look where it went and import it from there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist nicht mehr da. Suchen Sie, wo sie jetzt ist, und importieren Sie sie von dort.</translation>
     </message>
     <message>
         <source>It is not there any more. Look whether it was moved or deleted, or whether its disk is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist nicht mehr da. Prüfen Sie, ob sie verschoben oder gelöscht wurde oder ob ihr Datenträger fehlt.</translation>
     </message>
     <message>
         <source>It is too large for the disk it is to go to. Use another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist zu groß für den Datenträger, auf den sie soll. Verwenden Sie einen anderen.</translation>
     </message>
     <message>
         <source>It is your whole home folder, with what programs keep there. Add the folders with your pictures instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Er ist Ihr ganzer persönlicher Ordner mit allem, was Programme dort ablegen. Fügen Sie stattdessen die Ordner mit Ihren Bildern hinzu.</translation>
     </message>
     <message>
         <source>It may have been uploaded all the same. Try again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei wurde womöglich trotzdem hochgeladen. Versuchen Sie es später noch einmal.</translation>
     </message>
     <message>
         <source>It must be one line of plain letters, digits and signs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es muss eine Zeile aus einfachen Buchstaben, Ziffern und Zeichen sein.</translation>
     </message>
     <message>
         <source>It takes the place of the one of that name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie ersetzt die Beschreibung dieses Namens.</translation>
     </message>
     <message>
         <source>It takes too long to read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Lesen dauert zu lange.</translation>
     </message>
     <message>
         <source>It was changed since. Delete it if you do not need it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei wurde seither geändert. Löschen Sie sie, wenn Sie sie nicht brauchen.</translation>
     </message>
     <message>
         <source>It was left out. Import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei wurde ausgelassen. Importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>It would have %d x %d pixels, and this format has at most %d a side. Choose a smaller size or another format.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild hätte %d x %d Pixel, und dieses Format erlaubt höchstens %d je Seite. Wählen Sie eine kleinere Größe oder ein anderes Format.</translation>
     </message>
     <message>
         <source>It would have %d x %d pixels, which is too big. Choose a smaller size.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild hätte %d x %d Pixel und wäre damit zu groß. Wählen Sie eine kleinere Größe.</translation>
     </message>
     <message>
         <source>Items</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte</translation>
     </message>
     <message>
         <source>Items: %@</source>
@@ -2768,171 +2774,171 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Its Info.plist is damaged. Get the snap once more, or import the picture in it alone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Info.plist ist beschädigt. Beschaffen Sie die Aufnahme noch einmal, oder importieren Sie nur das Bild darin.</translation>
     </message>
     <message>
         <source>Its Info.plist is missing or cannot be read. Get the snap once more, or import the picture in it alone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Info.plist fehlt oder kann nicht gelesen werden. Beschaffen Sie die Aufnahme noch einmal, oder importieren Sie nur das Bild darin.</translation>
     </message>
     <message>
         <source>Its Info.plist names no picture (imageGrabPath). Export the picture from the program that made the snap and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Info.plist nennt kein Bild (imageGrabPath). Exportieren Sie das Bild aus dem Programm, das die Aufnahme gemacht hat, und importieren Sie es.</translation>
     </message>
     <message>
         <source>Its PostScript can't be drawn; Ghostscript (gs) must be installed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das PostScript kann nicht gezeichnet werden; Ghostscript (gs) muss installiert sein.</translation>
     </message>
     <message>
         <source>Its bounding box is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Begrenzungsrahmen ist leer.</translation>
     </message>
     <message>
         <source>Its database is damaged. Everything that can still be read can be recovered into a new one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank ist beschädigt. Alles, was noch lesbar ist, kann in eine neue übernommen werden.</translation>
     </message>
     <message>
         <source>Its disk cannot read it. Check the disk, or import it from a copy.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger kann die Datei nicht lesen. Prüfen Sie den Datenträger, oder importieren Sie eine Kopie.</translation>
     </message>
     <message>
         <source>Its disk tells of no changes, so it is looked at in intervals.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger meldet keine Änderungen, daher wird in Abständen nachgesehen.</translation>
     </message>
     <message>
         <source>Its file ends too early: the rest of the picture is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei endet zu früh: Der Rest des Bildes ist leer.</translation>
     </message>
     <message>
         <source>Its file may not be read. Change its permissions, and export it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei darf nicht gelesen werden. Ändern Sie ihre Zugriffsrechte, und exportieren Sie das Objekt noch einmal.</translation>
     </message>
     <message>
         <source>Its file system keeps no extended attributes. Files on a disk formatted as ext4, Btrfs or XFS do.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dateisystem kennt keine erweiterten Attribute. Dateien auf einem mit ext4, Btrfs oder XFS formatierten Datenträger haben sie.</translation>
     </message>
     <message>
         <source>Its file system tells of no changes, so that it is looked at in intervals.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dateisystem meldet keine Änderungen, daher wird in Abständen nachgesehen.</translation>
     </message>
     <message>
         <source>Its file went, or could not be read any more. Look where it is, and export it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist verschwunden oder war nicht mehr lesbar. Suchen Sie, wo sie ist, und exportieren Sie das Objekt noch einmal.</translation>
     </message>
     <message>
         <source>Its folder cannot be found. Connect the drive it is on, or put the folder back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner ist nicht zu finden. Verbinden Sie das Laufwerk, auf dem er liegt, oder legen Sie den Ordner zurück.</translation>
     </message>
     <message>
         <source>Its folder cannot be read: %@. Allow reading it, or connect its drive again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner kann nicht gelesen werden: %@. Erlauben Sie das Lesen, oder verbinden Sie das Laufwerk wieder.</translation>
     </message>
     <message>
         <source>Its folder is empty, though it was not before. Connect the drive it is on, or put the files back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner ist leer, war es vorher aber nicht. Verbinden Sie das Laufwerk, auf dem er liegt, oder legen Sie die Dateien zurück.</translation>
     </message>
     <message>
         <source>Its folder is in the trash. Restore it there, or remove the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner ist im Papierkorb. Stellen Sie ihn dort wieder her, oder entfernen Sie den Live-Ordner.</translation>
     </message>
     <message>
         <source>Its images come from %@ and %d other hosts.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bilder kommen von %@ und %d weiteren Servern.</translation>
     </message>
     <message>
         <source>Its images come from %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bilder kommen von %@.</translation>
     </message>
     <message>
         <source>Its items are kept, and come back with it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Objekte bleiben erhalten und kommen mit ihm zurück.</translation>
     </message>
     <message>
         <source>Its live folder “%@” is disabled. Enable it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Live-Ordner „%@“ ist deaktiviert. Aktivieren Sie ihn, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Its name is not valid text. Rename it and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Name ist kein gültiger Text. Benennen Sie die Datei um, und importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>Its name is too long for the disk it is to go to. Rename it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Name ist zu lang für den Datenträger, auf den die Datei soll. Benennen Sie sie um, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Its original file is missing. Look whether it was moved or deleted, or whether its disk is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Originaldatei fehlt. Prüfen Sie, ob sie verschoben oder gelöscht wurde oder ob ihr Datenträger fehlt.</translation>
     </message>
     <message>
         <source>Its picture “%@” does not lie in the package itself. Import that picture alone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ liegt nicht im Paket selbst. Importieren Sie nur dieses Bild.</translation>
     </message>
     <message>
         <source>Its picture “%@” is missing from the package. Get the snap once more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ fehlt im Paket. Beschaffen Sie die Aufnahme noch einmal.</translation>
     </message>
     <message>
         <source>Its picture “%@” is of a kind that cannot be imported. Convert it to PNG or JPEG and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ ist von einer Art, die nicht importiert werden kann. Wandeln Sie es in PNG oder JPEG um, und importieren Sie das Ergebnis.</translation>
     </message>
     <message>
         <source>Its place is mounted read-only. Mount it so that it can be written to, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ort ist schreibgeschützt eingehängt. Hängen Sie ihn beschreibbar ein, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Its preview is too large. Export it from Sketch as PNG, SVG or PDF and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Vorschau ist zu groß. Exportieren Sie das Dokument aus Sketch als PNG, SVG oder PDF, und importieren Sie das Ergebnis.</translation>
     </message>
     <message>
         <source>Its size of %ld x %ld pixels is too big.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Größe von %ld x %ld Pixeln ist zu viel.</translation>
     </message>
     <message>
         <source>JPEG 2000 image</source>
-        <translation type="unfinished"></translation>
+        <translation>JPEG-2000-Bild</translation>
     </message>
     <message>
         <source>JPEG XL image</source>
-        <translation type="unfinished"></translation>
+        <translation>JPEG-XL-Bild</translation>
     </message>
     <message>
         <source>JPEG image</source>
-        <translation type="unfinished"></translation>
+        <translation>JPEG-Bild</translation>
     </message>
     <message>
         <source>JSON document</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dokument</translation>
     </message>
     <message>
         <source>Jpeg export</source>
-        <translation type="unfinished"></translation>
+        <translation>JPEG-Export</translation>
     </message>
     <message>
         <source>KINDS OF FILES</source>
-        <translation type="unfinished"></translation>
+        <translation>DATEIARTEN</translation>
     </message>
     <message>
         <source>Keep</source>
-        <translation type="unfinished"></translation>
+        <translation>Behalten</translation>
     </message>
     <message>
         <source>Keep in Pictures</source>
-        <translation type="unfinished"></translation>
+        <translation>In „Bilder“ aufbewahren</translation>
     </message>
     <message>
         <source>Keyboard</source>
-        <translation type="unfinished"></translation>
+        <translation>Tastatur</translation>
     </message>
     <message>
         <source>Kind</source>
-        <translation type="unfinished"></translation>
+        <translation>Art</translation>
     </message>
     <message>
         <source>Kind is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Art ist „%@“</translation>
     </message>
     <message>
         <source>Kind of file</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateiart</translation>
     </message>
     <message>
         <source>Kinds</source>
@@ -2940,27 +2946,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Krita document</source>
-        <translation type="unfinished"></translation>
+        <translation>Krita-Dokument</translation>
     </message>
     <message>
         <source>LATEST UPLOADS</source>
-        <translation type="unfinished"></translation>
+        <translation>ZULETZT HOCHGELADEN</translation>
     </message>
     <message>
         <source>LIBRARY</source>
-        <translation type="unfinished"></translation>
+        <translation>BIBLIOTHEK</translation>
     </message>
     <message>
         <source>LIVE FOLDERS</source>
-        <translation type="unfinished"></translation>
+        <translation>LIVE-ORDNER</translation>
     </message>
     <message>
         <source>Label</source>
-        <translation type="unfinished"></translation>
+        <translation>Beschriftung</translation>
     </message>
     <message>
         <source>Larger Thumbnails</source>
-        <translation type="unfinished"></translation>
+        <translation>Größere Miniaturen</translation>
     </message>
     <message>
         <source>Largest files</source>
@@ -2968,35 +2974,35 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Last Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzter Import</translation>
     </message>
     <message>
         <source>Last Import: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzter Import: %@</translation>
     </message>
     <message>
         <source>Later</source>
-        <translation type="unfinished"></translation>
+        <translation>Später</translation>
     </message>
     <message>
         <source>Latest Uploads…</source>
-        <translation type="unfinished"></translation>
+        <translation>Zuletzt hochgeladen…</translation>
     </message>
     <message>
         <source>Latest uploads</source>
-        <translation type="unfinished"></translation>
+        <translation>Zuletzt hochgeladen</translation>
     </message>
     <message>
         <source>Layer %d of %d…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ebene %d von %d…</translation>
     </message>
     <message>
         <source>Layers (PSD)</source>
-        <translation type="unfinished"></translation>
+        <translation>Ebenen (PSD)</translation>
     </message>
     <message>
         <source>Leaves out what stands behind it</source>
-        <translation type="unfinished"></translation>
+        <translation>Lässt aus, was dahinter steht</translation>
     </message>
     <message>
         <source>Left</source>
@@ -3004,11 +3010,11 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Left out was %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ausgelassen wurde %@.</translation>
     </message>
     <message>
         <source>Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek</translation>
     </message>
     <message>
         <source>Library Statistics</source>
@@ -3020,67 +3026,67 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>License</source>
-        <translation type="unfinished"></translation>
+        <translation>Lizenz</translation>
     </message>
     <message>
         <source>Line %d: %s</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeile %d: %s</translation>
     </message>
     <message>
         <source>Link it again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verknüpfen Sie sie in den Einstellungen unter „Cloud“ noch einmal.</translation>
     </message>
     <message>
         <source>Link one in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verknüpfen Sie eine in den Einstellungen unter „Cloud“.</translation>
     </message>
     <message>
         <source>Link to “%@” copied to clipboard!</source>
-        <translation type="unfinished"></translation>
+        <translation>Link zu „%@“ in die Zwischenablage kopiert!</translation>
     </message>
     <message>
         <source>Link your Dropbox in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verknüpfen Sie Ihre Dropbox in den Einstellungen unter „Cloud“.</translation>
     </message>
     <message>
         <source>Linked</source>
-        <translation type="unfinished"></translation>
+        <translation>Verknüpft</translation>
     </message>
     <message>
         <source>Linked with %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Verknüpft mit %@</translation>
     </message>
     <message>
         <source>Linking was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Verknüpfen wurde abgebrochen.</translation>
     </message>
     <message>
         <source>Live Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner</translation>
     </message>
     <message>
         <source>Live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner</translation>
     </message>
     <message>
         <source>Live folders are not kept in step here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner werden hier nicht abgeglichen.</translation>
     </message>
     <message>
         <source>Live folders do not unpack archives. Unpack it, and copy what was in it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner entpacken keine Archive. Entpacken Sie es, und kopieren Sie den Inhalt.</translation>
     </message>
     <message>
         <source>Load</source>
-        <translation type="unfinished"></translation>
+        <translation>Laden</translation>
     </message>
     <message>
         <source>Loading the page…</source>
-        <translation type="unfinished"></translation>
+        <translation>Seite wird geladen…</translation>
     </message>
     <message>
         <source>Loading…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird geladen…</translation>
     </message>
     <message>
         <source>Look Once a Day</source>
@@ -3088,31 +3094,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Look at its permissions.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Zugriffsrechte.</translation>
     </message>
     <message>
         <source>Look at the address, and at the clock of this computer.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Adresse und die Uhr dieses Rechners.</translation>
     </message>
     <message>
         <source>Look at the address.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Adresse.</translation>
     </message>
     <message>
         <source>Look at the network settings of the desktop.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie die Netzwerkeinstellungen der Arbeitsumgebung.</translation>
     </message>
     <message>
         <source>Look at them again, then repeat your change.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sehen Sie sie sich noch einmal an, und wiederholen Sie dann Ihre Änderung.</translation>
     </message>
     <message>
         <source>Look for them in the project “Recovered”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen Sie sie im Projekt „Wiederhergestellt“.</translation>
     </message>
     <message>
         <source>Look whether it is unlocked, in the desktop's program for passwords, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie in der Passwortverwaltung der Arbeitsumgebung, ob er entsperrt ist, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
@@ -3120,7 +3126,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Looking at the store…</source>
-        <translation type="unfinished"></translation>
+        <translation>Datenbank wird geprüft…</translation>
     </message>
     <message>
         <source>Looking at what changed</source>
@@ -3128,55 +3134,55 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Lower, as high or higher</source>
-        <translation type="unfinished"></translation>
+        <translation>Niedriger, genauso hoch oder höher</translation>
     </message>
     <message>
         <source>MENU</source>
-        <translation type="unfinished"></translation>
+        <translation>MENÜ</translation>
     </message>
     <message>
         <source>MP3 audio</source>
-        <translation type="unfinished"></translation>
+        <translation>MP3-Audio</translation>
     </message>
     <message>
         <source>MPEG-4 audio</source>
-        <translation type="unfinished"></translation>
+        <translation>MPEG-4-Audio</translation>
     </message>
     <message>
         <source>MPEG-4 movie</source>
-        <translation type="unfinished"></translation>
+        <translation>MPEG-4-Film</translation>
     </message>
     <message>
         <source>Make a preset, or move and delete those above.</source>
-        <translation type="unfinished"></translation>
+        <translation>Legen Sie eine Voreinstellung an, oder bewegen und löschen Sie die oben stehenden.</translation>
     </message>
     <message>
         <source>Make an app at dropbox.com</source>
-        <translation type="unfinished"></translation>
+        <translation>App auf dropbox.com anlegen</translation>
     </message>
     <message>
         <source>Make room in it and share the files again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Schaffen Sie darin Platz, und teilen Sie die Dateien noch einmal.</translation>
     </message>
     <message>
         <source>Make room there and share the files again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Schaffen Sie dort Platz, und teilen Sie die Dateien noch einmal.</translation>
     </message>
     <message>
         <source>Make that file and its folder writable and see that there is room on the disk, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Machen Sie diese Datei und ihren Ordner beschreibbar, achten Sie auf freien Platz auf dem Datenträger, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Manual order</source>
-        <translation type="unfinished"></translation>
+        <translation>Manuelle Reihenfolge</translation>
     </message>
     <message>
         <source>Markdown document</source>
-        <translation type="unfinished"></translation>
+        <translation>Markdown-Dokument</translation>
     </message>
     <message>
         <source>Matroska movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Matroska-Film</translation>
     </message>
     <message>
         <source>May Zelto look for new versions?</source>
@@ -3184,19 +3190,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Media</source>
-        <translation type="unfinished"></translation>
+        <translation>Medien</translation>
     </message>
     <message>
         <source>Menu</source>
-        <translation type="unfinished"></translation>
+        <translation>Menü</translation>
     </message>
     <message>
         <source>Menu (F10)</source>
-        <translation type="unfinished"></translation>
+        <translation>Menü (F10)</translation>
     </message>
     <message>
         <source>Meta data is too big - size as binary plist must be less than (perhaps 4k?) some number of bytes</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Metadaten sind zu groß – als binäre plist müssen sie kleiner sein als eine bestimmte Zahl von Bytes (vielleicht 4k?)</translation>
     </message>
     <message>
         <source>Missing files: %@</source>
@@ -3204,55 +3210,55 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Modification date</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderungsdatum</translation>
     </message>
     <message>
         <source>Modified</source>
-        <translation type="unfinished"></translation>
+        <translation>Geändert</translation>
     </message>
     <message>
         <source>Modified before (&lt;), on (=) or since (&gt;) the date, that day included</source>
-        <translation type="unfinished"></translation>
+        <translation>Geändert vor (&lt;), an (=) oder seit (&gt;) dem Datum, dieser Tag eingeschlossen</translation>
     </message>
     <message>
         <source>Mostly of this color</source>
-        <translation type="unfinished"></translation>
+        <translation>Überwiegend in dieser Farbe</translation>
     </message>
     <message>
         <source>Move</source>
-        <translation type="unfinished"></translation>
+        <translation>Verschieben</translation>
     </message>
     <message>
         <source>Move Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek verschieben…</translation>
     </message>
     <message>
         <source>Move it away, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Räumen Sie es aus dem Weg, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Move it out of the library, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verschieben Sie es aus der Bibliothek, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film</translation>
     </message>
     <message>
         <source>Moving items back…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden zurückbewegt…</translation>
     </message>
     <message>
         <source>Moving the library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek wird verschoben…</translation>
     </message>
     <message>
         <source>Multiple values</source>
-        <translation type="unfinished"></translation>
+        <translation>Mehrere Werte</translation>
     </message>
     <message>
         <source>NEW PRESET</source>
-        <translation type="unfinished"></translation>
+        <translation>NEUE VOREINSTELLUNG</translation>
     </message>
     <message>
         <source>NEW VERSIONS</source>
@@ -3260,19 +3266,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>NOTES</source>
-        <translation type="unfinished"></translation>
+        <translation>NOTIZEN</translation>
     </message>
     <message>
         <source>Name</source>
-        <translation type="unfinished"></translation>
+        <translation>Name</translation>
     </message>
     <message>
         <source>Name one with --library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nennen Sie eine mit --library.</translation>
     </message>
     <message>
         <source>Narrower, as wide or wider</source>
-        <translation type="unfinished"></translation>
+        <translation>Schmaler, genauso breit oder breiter</translation>
     </message>
     <message>
         <source>Never</source>
@@ -3280,83 +3286,83 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>New</source>
-        <translation type="unfinished"></translation>
+        <translation>Neu</translation>
     </message>
     <message>
         <source>New Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Neuer Ordner</translation>
     </message>
     <message>
         <source>New Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Neue Bibliothek…</translation>
     </message>
     <message>
         <source>New Preset like This…</source>
-        <translation type="unfinished"></translation>
+        <translation>Neue Voreinstellung wie diese…</translation>
     </message>
     <message>
         <source>New Project</source>
-        <translation type="unfinished"></translation>
+        <translation>Neues Projekt</translation>
     </message>
     <message>
         <source>New Project (Ctrl+N)</source>
-        <translation type="unfinished"></translation>
+        <translation>Neues Projekt (Strg+N)</translation>
     </message>
     <message>
         <source>New Smart Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Neuer intelligenter Ordner</translation>
     </message>
     <message>
         <source>New Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Neuer Tab</translation>
     </message>
     <message>
         <source>New Tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Neues Schlagwort</translation>
     </message>
     <message>
         <source>New from Template</source>
-        <translation type="unfinished"></translation>
+        <translation>Neu aus Vorlage</translation>
     </message>
     <message>
         <source>New from Template…</source>
-        <translation type="unfinished"></translation>
+        <translation>Neu aus Vorlage…</translation>
     </message>
     <message>
         <source>New live folder created</source>
-        <translation type="unfinished"></translation>
+        <translation>Neuer Live-Ordner angelegt</translation>
     </message>
     <message>
         <source>New project created</source>
-        <translation type="unfinished"></translation>
+        <translation>Neues Projekt angelegt</translation>
     </message>
     <message>
         <source>New, from %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Neu, aus %@</translation>
     </message>
     <message>
         <source>Next</source>
-        <translation type="unfinished"></translation>
+        <translation>Weiter</translation>
     </message>
     <message>
         <source>Next Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Nächster Tab</translation>
     </message>
     <message>
         <source>Next page (Page Down)</source>
-        <translation type="unfinished"></translation>
+        <translation>Nächste Seite (Bild ab)</translation>
     </message>
     <message>
         <source>No Dropbox is linked.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist keine Dropbox verknüpft.</translation>
     </message>
     <message>
         <source>No answer came from the web browser. Start again, and allow it there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vom Webbrowser kam keine Antwort. Beginnen Sie noch einmal, und erlauben Sie es dort.</translation>
     </message>
     <message>
         <source>No asset could be made of the template “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus der Vorlage „%@“ konnte kein Objekt erstellt werden.</translation>
     </message>
     <message>
         <source>No backup was made. %@</source>
@@ -3368,91 +3374,91 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>No item directory can be made in the library. Check that the library can be written and has space left.</source>
-        <translation type="unfinished"></translation>
+        <translation>In der Bibliothek kann kein Ordner für das Objekt angelegt werden. Prüfen Sie, ob in die Bibliothek geschrieben werden kann und noch Platz ist.</translation>
     </message>
     <message>
         <source>No keys</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Tasten</translation>
     </message>
     <message>
         <source>No picture can be made of it. Open it in another program to see whether it is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Davon kann kein Bild erstellt werden. Öffnen Sie die Datei in einem anderen Programm, um zu sehen, ob sie beschädigt ist.</translation>
     </message>
     <message>
         <source>No rating</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Bewertung</translation>
     </message>
     <message>
         <source>No temporary folder can be made. Free some space there, or name another folder in TMPDIR, and try again (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>Es kann kein temporärer Ordner angelegt werden. Geben Sie dort Platz frei, oder nennen Sie einen anderen Ordner in TMPDIR, und versuchen Sie es noch einmal (%@).</translation>
     </message>
     <message>
         <source>No uploads yet</source>
-        <translation type="unfinished"></translation>
+        <translation>Noch nichts hochgeladen</translation>
     </message>
     <message>
         <source>No web browser could be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es konnte kein Webbrowser geöffnet werden.</translation>
     </message>
     <message>
         <source>No web browser could be opened. The address is %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Es konnte kein Webbrowser geöffnet werden. Die Adresse ist %@</translation>
     </message>
     <message>
         <source>None</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine</translation>
     </message>
     <message>
         <source>None given</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht angegeben</translation>
     </message>
     <message>
         <source>None of these can be read as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts davon kann als Bild gelesen werden.</translation>
     </message>
     <message>
         <source>None of this can be imported into a live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts davon kann in einen Live-Ordner importiert werden.</translation>
     </message>
     <message>
         <source>None of this can be imported into a project.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts davon kann in ein Projekt importiert werden.</translation>
     </message>
     <message>
         <source>None of this can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts davon kann importiert werden.</translation>
     </message>
     <message>
         <source>Not Now</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht jetzt</translation>
     </message>
     <message>
         <source>Not every file of the live folders could be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht jede Datei der Live-Ordner konnte gelesen werden.</translation>
     </message>
     <message>
         <source>Not written: %@, and %d more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht geschrieben: %@ und %d weitere.</translation>
     </message>
     <message>
         <source>Not written: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht geschrieben: %@.</translation>
     </message>
     <message>
         <source>Notes</source>
-        <translation type="unfinished"></translation>
+        <translation>Notizen</translation>
     </message>
     <message>
         <source>Notes contain the text</source>
-        <translation type="unfinished"></translation>
+        <translation>Notizen enthalten den Text</translation>
     </message>
     <message>
         <source>Notes contain “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Notizen enthalten „%@“</translation>
     </message>
     <message>
         <source>Nothing</source>
-        <translation type="unfinished"></translation>
+        <translation>Keinen Dienst</translation>
     </message>
     <message>
         <source>Nothing about you or your library is sent, and nothing is installed.</source>
@@ -3465,48 +3471,50 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     <message>
         <source>Nothing could be read from the damaged library, which is kept as %@
 The files in it come back into the project “Recovered” when it is opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus der beschädigten Bibliothek konnte nichts gelesen werden; sie wird als %@ aufbewahrt
+Die Dateien darin kommen in das Projekt „Wiederhergestellt“ zurück, wenn sie geöffnet wird.</translation>
     </message>
     <message>
         <source>Nothing has this tag. Drop images here, or drag items onto it in the sidebar.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts hat dieses Schlagwort. Legen Sie hier Bilder ab, oder ziehen Sie Objekte auf das Schlagwort in der Seitenleiste.</translation>
     </message>
     <message>
         <source>Nothing in the library matches "%@".</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts in der Bibliothek passt zu „%@“.</translation>
     </message>
     <message>
         <source>Nothing in “%@” can be shown yet.
 What is saved there comes here, or drop images.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus „%@“ kann noch nichts angezeigt werden.
+Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translation>
     </message>
     <message>
         <source>Nothing is damaged; the library was left as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts ist beschädigt; die Bibliothek blieb, wie sie war.</translation>
     </message>
     <message>
         <source>Nothing is known to be lost.</source>
-        <translation type="unfinished"></translation>
+        <translation>Soweit bekannt, ist nichts verloren.</translation>
     </message>
     <message>
         <source>Nothing matches "%@". Press Esc in the search field to show everything.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts passt zu „%@“. Drücken Sie Esc im Suchfeld, um alles anzuzeigen.</translation>
     </message>
     <message>
         <source>Nothing selected</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts ausgewählt</translation>
     </message>
     <message>
         <source>Nothing to import</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts zu importieren</translation>
     </message>
     <message>
         <source>Nothing to import!</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts zu importieren!</translation>
     </message>
     <message>
         <source>Nothing was added or changed in the last days.</source>
-        <translation type="unfinished"></translation>
+        <translation>In den letzten Tagen wurde nichts hinzugefügt oder geändert.</translation>
     </message>
     <message>
         <source>Nothing was counted.</source>
@@ -3514,7 +3522,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Nothing was taken from “%@”, since you said no a moment ago. Try again in a few seconds.</source>
-        <translation type="unfinished"></translation>
+        <translation>Von „%@“ wurde nichts angenommen, weil Sie eben abgelehnt haben. Versuchen Sie es in einigen Sekunden noch einmal.</translation>
     </message>
     <message>
         <source>Numbers of the library</source>
@@ -3522,23 +3530,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>OK</source>
-        <translation type="unfinished"></translation>
+        <translation>OK</translation>
     </message>
     <message>
         <source>Objects cannot be sorted by "%@".</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte können nicht nach „%@“ sortiert werden.</translation>
     </message>
     <message>
         <source>Of some pictures, “%@” for one, only a part was exported. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Von einigen Bildern, zum Beispiel „%@“, wurde nur ein Teil exportiert. %@</translation>
     </message>
     <message>
         <source>Of this size class</source>
-        <translation type="unfinished"></translation>
+        <translation>Von dieser Größenklasse</translation>
     </message>
     <message>
         <source>Of “%@” only a part was exported. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Von „%@“ wurde nur ein Teil exportiert. %@</translation>
     </message>
     <message>
         <source>Older backup removed: %@</source>
@@ -3546,7 +3554,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Only a part of the picture is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist nur ein Teil des Bildes da.</translation>
     </message>
     <message>
         <source>Only data goes to standard output; errors go to standard error.</source>
@@ -3554,19 +3562,19 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Only the first %@ files can go to another program at once</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur die ersten %@ Dateien können auf einmal an ein anderes Programm gehen</translation>
     </message>
     <message>
         <source>Only the first frame of it. Export it as it is to keep all.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur das erste Einzelbild davon. Exportieren Sie das Original, um alle zu behalten.</translation>
     </message>
     <message>
         <source>Open</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnen</translation>
     </message>
     <message>
         <source>Open %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ öffnen</translation>
     </message>
     <message>
         <source>Open Download Page</source>
@@ -3574,99 +3582,99 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Open Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek öffnen…</translation>
     </message>
     <message>
         <source>Open Meta parameter error</source>
-        <translation type="unfinished"></translation>
+        <translation>Fehler: ungültiger OpenMeta-Parameter</translation>
     </message>
     <message>
         <source>Open Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto öffnen</translation>
     </message>
     <message>
         <source>Open it once with migration allowed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnen Sie sie einmal mit erlaubter Migration.</translation>
     </message>
     <message>
         <source>Open or create a library first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnen oder erstellen Sie zuerst eine Bibliothek.</translation>
     </message>
     <message>
         <source>Open with Default Program</source>
-        <translation type="unfinished"></translation>
+        <translation>Mit Standardprogramm öffnen</translation>
     </message>
     <message>
         <source>OpenEXR image</source>
-        <translation type="unfinished"></translation>
+        <translation>OpenEXR-Bild</translation>
     </message>
     <message>
         <source>OpenType font</source>
-        <translation type="unfinished"></translation>
+        <translation>OpenType-Schrift</translation>
     </message>
     <message>
         <source>Opening a new library requires Zelto to relaunch</source>
-        <translation type="unfinished"></translation>
+        <translation>Um eine neue Bibliothek zu öffnen, muss Zelto neu gestartet werden</translation>
     </message>
     <message>
         <source>Optional: Shared/Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>Optional: Shared/Zelto</translation>
     </message>
     <message>
         <source>Optional: https://files.example.org</source>
-        <translation type="unfinished"></translation>
+        <translation>Optional: https://files.example.org</translation>
     </message>
     <message>
         <source>Orange</source>
-        <translation type="unfinished"></translation>
+        <translation>Orange</translation>
     </message>
     <message>
         <source>Original</source>
-        <translation type="unfinished"></translation>
+        <translation>Original</translation>
     </message>
     <message>
         <source>Original size</source>
-        <translation type="unfinished"></translation>
+        <translation>Originalgröße</translation>
     </message>
     <message>
         <source>Other format</source>
-        <translation type="unfinished"></translation>
+        <translation>Anderes Format</translation>
     </message>
     <message>
         <source>Other services</source>
-        <translation type="unfinished"></translation>
+        <translation>Andere Dienste</translation>
     </message>
     <message>
         <source>Others</source>
-        <translation type="unfinished"></translation>
+        <translation>Andere</translation>
     </message>
     <message>
         <source>Otherwise pictures of up to 256 KiB are shown from their own file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sonst werden Bilder bis 256 KiB aus ihrer eigenen Datei angezeigt.</translation>
     </message>
     <message>
         <source>Own server</source>
-        <translation type="unfinished"></translation>
+        <translation>Eigener Server</translation>
     </message>
     <message>
         <source>Own server (WebDAV)</source>
-        <translation type="unfinished"></translation>
+        <translation>Eigener Server (WebDAV)</translation>
     </message>
     <message>
         <source>PDF document</source>
-        <translation type="unfinished"></translation>
+        <translation>PDF-Dokument</translation>
     </message>
     <message>
         <source>PNG image</source>
-        <translation type="unfinished"></translation>
+        <translation>PNG-Bild</translation>
     </message>
     <message>
         <source>Package</source>
-        <translation type="unfinished"></translation>
+        <translation>Paket</translation>
     </message>
     <message>
         <source>Page %d of %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Seite %d von %d</translation>
     </message>
     <message>
         <source>Page Down</source>
@@ -3678,19 +3686,19 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Panes</source>
-        <translation type="unfinished"></translation>
+        <translation>Bereiche</translation>
     </message>
     <message>
         <source>Paste</source>
-        <translation type="unfinished"></translation>
+        <translation>Einfügen</translation>
     </message>
     <message>
         <source>Pasted image</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingefügtes Bild</translation>
     </message>
     <message>
         <source>Path of the library</source>
-        <translation type="unfinished"></translation>
+        <translation>Pfad der Bibliothek</translation>
     </message>
     <message>
         <source>Pause</source>
@@ -3698,47 +3706,47 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Pause (P)</source>
-        <translation type="unfinished"></translation>
+        <translation>Anhalten (P)</translation>
     </message>
     <message>
         <source>Percentage</source>
-        <translation type="unfinished"></translation>
+        <translation>Prozentsatz</translation>
     </message>
     <message>
         <source>Photoshop brush</source>
-        <translation type="unfinished"></translation>
+        <translation>Photoshop-Pinsel</translation>
     </message>
     <message>
         <source>Photoshop image</source>
-        <translation type="unfinished"></translation>
+        <translation>Photoshop-Bild</translation>
     </message>
     <message>
         <source>Picture (PNG)</source>
-        <translation type="unfinished"></translation>
+        <translation>Bild (PNG)</translation>
     </message>
     <message>
         <source>Pictures are uploaded without an account: whoever has the link sees them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder werden ohne Konto hochgeladen: Wer den Link hat, sieht sie.</translation>
     </message>
     <message>
         <source>Pixelmator image</source>
-        <translation type="unfinished"></translation>
+        <translation>Pixelmator-Bild</translation>
     </message>
     <message>
         <source>Pixen image</source>
-        <translation type="unfinished"></translation>
+        <translation>Pixen-Bild</translation>
     </message>
     <message>
         <source>Plain text document</source>
-        <translation type="unfinished"></translation>
+        <translation>Reines Textdokument</translation>
     </message>
     <message>
         <source>Play (P)</source>
-        <translation type="unfinished"></translation>
+        <translation>Abspielen (P)</translation>
     </message>
     <message>
         <source>Please choose the Folder you want to add</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie bitte den Ordner, den Sie hinzufügen möchten</translation>
     </message>
     <message>
         <source>Please choose the folder for backups</source>
@@ -3746,71 +3754,71 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Please choose the library that you want to open</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie bitte die Bibliothek, die Sie öffnen möchten</translation>
     </message>
     <message>
         <source>Please choose the location where the images will be saved</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie bitte den Ort, an dem die Bilder gespeichert werden sollen</translation>
     </message>
     <message>
         <source>Please choose where to move your library</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie bitte, wohin Ihre Bibliothek verschoben werden soll</translation>
     </message>
     <message>
         <source>Please pick a name!</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte wählen Sie einen Namen!</translation>
     </message>
     <message>
         <source>Please re-open Zelto for applying the new settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte öffnen Sie Zelto neu, damit die neuen Einstellungen wirksam werden.</translation>
     </message>
     <message>
         <source>Please select some items!</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte wählen Sie einige Objekte aus!</translation>
     </message>
     <message>
         <source>Png export</source>
-        <translation type="unfinished"></translation>
+        <translation>PNG-Export</translation>
     </message>
     <message>
         <source>Portable bitmap image</source>
-        <translation type="unfinished"></translation>
+        <translation>Portable-Bitmap-Bild</translation>
     </message>
     <message>
         <source>PostScript document</source>
-        <translation type="unfinished"></translation>
+        <translation>PostScript-Dokument</translation>
     </message>
     <message>
         <source>Preferences</source>
-        <translation type="unfinished"></translation>
+        <translation>Einstellungen</translation>
     </message>
     <message>
         <source>Preferences…</source>
-        <translation type="unfinished"></translation>
+        <translation>Einstellungen…</translation>
     </message>
     <message>
         <source>Presentation</source>
-        <translation type="unfinished"></translation>
+        <translation>Präsentation</translation>
     </message>
     <message>
         <source>Press keys…</source>
-        <translation type="unfinished"></translation>
+        <translation>Tasten drücken…</translation>
     </message>
     <message>
         <source>Preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorschau</translation>
     </message>
     <message>
         <source>Previous</source>
-        <translation type="unfinished"></translation>
+        <translation>Zurück</translation>
     </message>
     <message>
         <source>Previous Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorheriger Tab</translation>
     </message>
     <message>
         <source>Previous page (Page Up)</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorherige Seite (Bild auf)</translation>
     </message>
     <message>
         <source>Print</source>
@@ -3826,59 +3834,59 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Project</source>
-        <translation type="unfinished"></translation>
+        <translation>Projekt</translation>
     </message>
     <message>
         <source>Projects</source>
-        <translation type="unfinished"></translation>
+        <translation>Projekte</translation>
     </message>
     <message>
         <source>Property list</source>
-        <translation type="unfinished"></translation>
+        <translation>Eigenschaftsliste</translation>
     </message>
     <message>
         <source>Pu&amp;blic address</source>
-        <translation type="unfinished"></translation>
+        <translation>Ö&amp;ffentliche Adresse</translation>
     </message>
     <message>
         <source>Put everything into one zip archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles in ein Zip-Archiv packen</translation>
     </message>
     <message>
         <source>Put it back, and open it then.</source>
-        <translation type="unfinished"></translation>
+        <translation>Legen Sie sie zurück, und öffnen Sie sie dann.</translation>
     </message>
     <message>
         <source>Puts the template into the trash (Del)</source>
-        <translation type="unfinished"></translation>
+        <translation>Legt die Vorlage in den Papierkorb (Entf)</translation>
     </message>
     <message>
         <source>Quality</source>
-        <translation type="unfinished"></translation>
+        <translation>Qualität</translation>
     </message>
     <message>
         <source>Quick Export</source>
-        <translation type="unfinished"></translation>
+        <translation>Schnellexport</translation>
     </message>
     <message>
         <source>Quick Export (Ctrl+E)</source>
-        <translation type="unfinished"></translation>
+        <translation>Schnellexport (Strg+E)</translation>
     </message>
     <message>
         <source>Quick Look</source>
-        <translation type="unfinished"></translation>
+        <translation>Schnellansicht</translation>
     </message>
     <message>
         <source>Quick export</source>
-        <translation type="unfinished"></translation>
+        <translation>Schnellexport</translation>
     </message>
     <message>
         <source>QuickTime movie</source>
-        <translation type="unfinished"></translation>
+        <translation>QuickTime-Film</translation>
     </message>
     <message>
         <source>Quit</source>
-        <translation type="unfinished"></translation>
+        <translation>Beenden</translation>
     </message>
     <message>
         <source>Quit Zelto and run `zelto recover`; older backups are as they were.</source>
@@ -3886,47 +3894,47 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Quit Zelto, then recover it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Beenden Sie Zelto, und stellen Sie sie dann wieder her.</translation>
     </message>
     <message>
         <source>Quit anyway</source>
-        <translation type="unfinished"></translation>
+        <translation>Trotzdem beenden</translation>
     </message>
     <message>
         <source>Quit the other one, or choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Beenden Sie das andere Programm, oder wählen Sie eine andere Bibliothek.</translation>
     </message>
     <message>
         <source>Quitting now will lose any changes you have made since the last successful save</source>
-        <translation type="unfinished"></translation>
+        <translation>Wenn Sie jetzt beenden, gehen alle Änderungen seit dem letzten erfolgreichen Sichern verloren</translation>
     </message>
     <message>
         <source>RAR archive</source>
-        <translation type="unfinished"></translation>
+        <translation>RAR-Archiv</translation>
     </message>
     <message>
         <source>Radiance image</source>
-        <translation type="unfinished"></translation>
+        <translation>Radiance-Bild</translation>
     </message>
     <message>
         <source>Rating</source>
-        <translation type="unfinished"></translation>
+        <translation>Bewertung</translation>
     </message>
     <message>
         <source>Rating: %@ of 5</source>
-        <translation type="unfinished"></translation>
+        <translation>Bewertung: %@ von 5</translation>
     </message>
     <message>
         <source>Rating: Multiple values</source>
-        <translation type="unfinished"></translation>
+        <translation>Bewertung: Mehrere Werte</translation>
     </message>
     <message>
         <source>Rating…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bewertung…</translation>
     </message>
     <message>
         <source>Reading live folders…</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner werden gelesen…</translation>
     </message>
     <message>
         <source>Reading the backup again</source>
@@ -3934,87 +3942,87 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Reading…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird gelesen…</translation>
     </message>
     <message>
         <source>Reasons…</source>
-        <translation type="unfinished"></translation>
+        <translation>Gründe…</translation>
     </message>
     <message>
         <source>Recent</source>
-        <translation type="unfinished"></translation>
+        <translation>Neueste</translation>
     </message>
     <message>
         <source>Recent shows what is new by itself. Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>„Neueste“ zeigt von selbst, was neu ist. Wählen Sie die Bibliothek, ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>Recover</source>
-        <translation type="unfinished"></translation>
+        <translation>Wiederherstellen</translation>
     </message>
     <message>
         <source>Recover it with `zelto recover`, or put back a copy from a backup.</source>
-        <translation type="unfinished"></translation>
+        <translation>Stellen Sie sie mit `zelto recover` wieder her, oder spielen Sie eine Sicherungskopie zurück.</translation>
     </message>
     <message>
         <source>Recover the damaged library</source>
-        <translation type="unfinished"></translation>
+        <translation>Beschädigte Bibliothek wiederherstellen</translation>
     </message>
     <message>
         <source>Recovered</source>
-        <translation type="unfinished"></translation>
+        <translation>Wiederhergestellt</translation>
     </message>
     <message>
         <source>Recovered: %@ items, %@ sidebar entries, %@ tags, %@ memberships.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wiederhergestellt: %@ Objekte, %@ Einträge der Seitenleiste, %@ Schlagwörter, %@ Zuordnungen.</translation>
     </message>
     <message>
         <source>Recover…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wiederherstellen…</translation>
     </message>
     <message>
         <source>Red</source>
-        <translation type="unfinished"></translation>
+        <translation>Rot</translation>
     </message>
     <message>
         <source>Redo</source>
-        <translation type="unfinished"></translation>
+        <translation>Wiederholen</translation>
     </message>
     <message>
         <source>Redo %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Wiederholen: %@</translation>
     </message>
     <message>
         <source>Reduced to 8 bits a channel. Export it as it is to keep all.</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf 8 Bit je Kanal verringert. Unverändert exportieren, um alles zu behalten.</translation>
     </message>
     <message>
         <source>Refine</source>
-        <translation type="unfinished"></translation>
+        <translation>Filtern</translation>
     </message>
     <message>
         <source>Refine Bar</source>
-        <translation type="unfinished"></translation>
+        <translation>Filterleiste</translation>
     </message>
     <message>
         <source>Register at imgur.com</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf imgur.com registrieren</translation>
     </message>
     <message>
         <source>Remove</source>
-        <translation type="unfinished"></translation>
+        <translation>Entfernen</translation>
     </message>
     <message>
         <source>Remove from %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus %@ entfernen</translation>
     </message>
     <message>
         <source>Remove from Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus Bibliothek entfernen</translation>
     </message>
     <message>
         <source>Remove one first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Entfernen Sie zuerst eine.</translation>
     </message>
     <message>
         <source>Remove something there, as old backups, or choose another disk.</source>
@@ -4022,31 +4030,31 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Remove the tag %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwort %@ entfernen</translation>
     </message>
     <message>
         <source>Remove what is not needed there, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Entfernen Sie dort, was nicht gebraucht wird, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Remove “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ entfernen?</translation>
     </message>
     <message>
         <source>Removing items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden entfernt…</translation>
     </message>
     <message>
         <source>Rename</source>
-        <translation type="unfinished"></translation>
+        <translation>Umbenennen</translation>
     </message>
     <message>
         <source>Reopen Closed Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Geschlossenen Tab wieder öffnen</translation>
     </message>
     <message>
         <source>Replace</source>
-        <translation type="unfinished"></translation>
+        <translation>Ersetzen</translation>
     </message>
     <message>
         <source>Report copied to clipboard!</source>
@@ -4058,7 +4066,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Restoring items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte werden wiederhergestellt…</translation>
     </message>
     <message>
         <source>Return</source>
@@ -4066,11 +4074,11 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Return takes it · Esc leaves · arrows move, Shift by 10</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingabetaste nimmt auf · Esc bricht ab · Pfeiltasten verschieben, mit Umschalt um 10</translation>
     </message>
     <message>
         <source>Rich text document</source>
-        <translation type="unfinished"></translation>
+        <translation>Formatierter Text</translation>
     </message>
     <message>
         <source>Right</source>
@@ -4078,31 +4086,31 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>SHA-1</source>
-        <translation type="unfinished"></translation>
+        <translation>SHA-1</translation>
     </message>
     <message>
         <source>SHA-1_SHA-1…</source>
-        <translation type="unfinished"></translation>
+        <translation>SHA-1_SHA-1…</translation>
     </message>
     <message>
         <source>SIDEBAR</source>
-        <translation type="unfinished"></translation>
+        <translation>SEITENLEISTE</translation>
     </message>
     <message>
         <source>SVG %@ is not a valid image</source>
-        <translation type="unfinished"></translation>
+        <translation>SVG %@ ist kein gültiges Bild</translation>
     </message>
     <message>
         <source>Sample project</source>
-        <translation type="unfinished"></translation>
+        <translation>Beispielprojekt</translation>
     </message>
     <message>
         <source>Sample tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Beispielschlagwort</translation>
     </message>
     <message>
         <source>Save</source>
-        <translation type="unfinished"></translation>
+        <translation>Speichern</translation>
     </message>
     <message>
         <source>Save Report</source>
@@ -4110,79 +4118,79 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Save Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche speichern</translation>
     </message>
     <message>
         <source>Save Search…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche speichern…</translation>
     </message>
     <message>
         <source>Save the search as a smart folder (Ctrl+S)</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche als intelligenten Ordner speichern (Strg+S)</translation>
     </message>
     <message>
         <source>Save to Screenshots</source>
-        <translation type="unfinished"></translation>
+        <translation>In „Bildschirmfotos“ speichern</translation>
     </message>
     <message>
         <source>Saved to Screenshots.</source>
-        <translation type="unfinished"></translation>
+        <translation>In „Bildschirmfotos“ gespeichert.</translation>
     </message>
     <message>
         <source>Saving to Screenshots…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird in „Bildschirmfotos“ gespeichert…</translation>
     </message>
     <message>
         <source>Scalable vector graphic</source>
-        <translation type="unfinished"></translation>
+        <translation>Skalierbare Vektorgrafik</translation>
     </message>
     <message>
         <source>Screenshots</source>
-        <translation type="unfinished"></translation>
+        <translation>Bildschirmfotos</translation>
     </message>
     <message>
         <source>Screenshots is for captures. Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>„Bildschirmfotos“ ist für Aufnahmen bestimmt. Wählen Sie die Bibliothek, ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen</translation>
     </message>
     <message>
         <source>Search for %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach %@ suchen</translation>
     </message>
     <message>
         <source>Search for less at once.</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen Sie nach weniger auf einmal.</translation>
     </message>
     <message>
         <source>Search or #token</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche oder #token</translation>
     </message>
     <message>
         <source>Search: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche: %@</translation>
     </message>
     <message>
         <source>Searched as one</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird als Ganzes gesucht</translation>
     </message>
     <message>
         <source>Select All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles auswählen</translation>
     </message>
     <message>
         <source>Select items to export them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie Objekte aus, um sie zu exportieren.</translation>
     </message>
     <message>
         <source>Select items to share them. A right click shows the latest uploads.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie Objekte aus, um sie zu teilen. Ein Rechtsklick zeigt, was zuletzt hochgeladen wurde.</translation>
     </message>
     <message>
         <source>Select something in the sidebar.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie etwas in der Seitenleiste aus.</translation>
     </message>
     <message>
         <source>Sen&amp;d</source>
@@ -4194,31 +4202,31 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Set up…</source>
-        <translation type="unfinished"></translation>
+        <translation>Einrichten…</translation>
     </message>
     <message>
         <source>Share</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen</translation>
     </message>
     <message>
         <source>Share (Ctrl+Shift+C)</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen (Strg+Umschalt+C)</translation>
     </message>
     <message>
         <source>Share it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>Share it with another service, or drop a preset on the cloud button that makes it smaller.</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen Sie sie über einen anderen Dienst, oder ziehen Sie eine Voreinstellung auf den Cloud-Knopf, die sie verkleinert.</translation>
     </message>
     <message>
         <source>Share to</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen über</translation>
     </message>
     <message>
         <source>Sharing %@ of %@…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird geteilt: %@ von %@…</translation>
     </message>
     <message>
         <source>Sharing done</source>
@@ -4226,7 +4234,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Sharing…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird geteilt…</translation>
     </message>
     <message>
         <source>Shift</source>
@@ -4234,7 +4242,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Show</source>
-        <translation type="unfinished"></translation>
+        <translation>Anzeigen</translation>
     </message>
     <message>
         <source>Show &amp;Zelto</source>
@@ -4242,15 +4250,15 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Show &amp;titles below thumbnails</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Titel unter Miniaturen anzeigen</translation>
     </message>
     <message>
         <source>Show All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle anzeigen</translation>
     </message>
     <message>
         <source>Show Imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Importierte anzeigen</translation>
     </message>
     <message>
         <source>Show Last &amp;Report…</source>
@@ -4258,67 +4266,67 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Show Library in Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek im Dateimanager zeigen</translation>
     </message>
     <message>
         <source>Show Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto anzeigen</translation>
     </message>
     <message>
         <source>Show all</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle anzeigen</translation>
     </message>
     <message>
         <source>Show e&amp;xtensions</source>
-        <translation type="unfinished"></translation>
+        <translation>Datei&amp;endungen anzeigen</translation>
     </message>
     <message>
         <source>Show everything, without the search</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles ohne die Suche anzeigen</translation>
     </message>
     <message>
         <source>Show how &amp;many items each row has</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Anzahl der Objekte je Zeile anzeigen</translation>
     </message>
     <message>
         <source>Show in Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Im Dateimanager zeigen</translation>
     </message>
     <message>
         <source>Show in Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Im Ordner zeigen</translation>
     </message>
     <message>
         <source>Show the folder that is now in the place of “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Ordner anzeigen, der jetzt an der Stelle von „%@“ liegt?</translation>
     </message>
     <message>
         <source>Show the status &amp;icon</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Statussymbol anzeigen</translation>
     </message>
     <message>
         <source>Sidebar</source>
-        <translation type="unfinished"></translation>
+        <translation>Seitenleiste</translation>
     </message>
     <message>
         <source>Sidebar (Ctrl+B)</source>
-        <translation type="unfinished"></translation>
+        <translation>Seitenleiste (Strg+B)</translation>
     </message>
     <message>
         <source>Sidebar item</source>
-        <translation type="unfinished"></translation>
+        <translation>Eintrag der Seitenleiste</translation>
     </message>
     <message>
         <source>Sidebar order</source>
-        <translation type="unfinished"></translation>
+        <translation>Reihenfolge der Seitenleiste</translation>
     </message>
     <message>
         <source>Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe</translation>
     </message>
     <message>
         <source>Size class is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Größenklasse ist „%@“</translation>
     </message>
     <message>
         <source>Size of the originals: %@</source>
@@ -4330,7 +4338,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Sketch document</source>
-        <translation type="unfinished"></translation>
+        <translation>Sketch-Dokument</translation>
     </message>
     <message>
         <source>Skip This Version</source>
@@ -4338,67 +4346,67 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Smaller Thumbnails</source>
-        <translation type="unfinished"></translation>
+        <translation>Kleinere Miniaturen</translation>
     </message>
     <message>
         <source>Smart Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Intelligenter Ordner</translation>
     </message>
     <message>
         <source>Some of the changed objects were changed elsewhere in the meantime.</source>
-        <translation type="unfinished"></translation>
+        <translation>Einige der geänderten Objekte wurden inzwischen an anderer Stelle geändert.</translation>
     </message>
     <message>
         <source>Some of the files are unreadable by Zelto and can't be imported!</source>
-        <translation type="unfinished"></translation>
+        <translation>Einige der Dateien sind für Zelto nicht lesbar und können nicht importiert werden!</translation>
     </message>
     <message>
         <source>Something follows the end.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach dem Ende folgt noch etwas.</translation>
     </message>
     <message>
         <source>Sort</source>
-        <translation type="unfinished"></translation>
+        <translation>Sortieren</translation>
     </message>
     <message>
         <source>Sort by</source>
-        <translation type="unfinished"></translation>
+        <translation>Sortieren nach</translation>
     </message>
     <message>
         <source>Sort by %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach %@ sortieren</translation>
     </message>
     <message>
         <source>Sort by Hand</source>
-        <translation type="unfinished"></translation>
+        <translation>Von Hand sortieren</translation>
     </message>
     <message>
         <source>Sort by Title</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach Titel sortieren</translation>
     </message>
     <message>
         <source>Sort: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Sortierung: %@</translation>
     </message>
     <message>
         <source>Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle</translation>
     </message>
     <message>
         <source>Space</source>
-        <translation type="unfinished"></translation>
+        <translation>Leertaste</translation>
     </message>
     <message>
         <source>Spreadsheet</source>
-        <translation type="unfinished"></translation>
+        <translation>Tabelle</translation>
     </message>
     <message>
         <source>Starting the browser…</source>
-        <translation type="unfinished"></translation>
+        <translation>Browser wird gestartet…</translation>
     </message>
     <message>
         <source>Sto&amp;p</source>
-        <translation type="unfinished"></translation>
+        <translation>An&amp;halten</translation>
     </message>
     <message>
         <source>Stop &amp;Backup</source>
@@ -4406,23 +4414,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Stop Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Import anhalten</translation>
     </message>
     <message>
         <source>Stop Syncing</source>
-        <translation type="unfinished"></translation>
+        <translation>Abgleich anhalten</translation>
     </message>
     <message>
         <source>Stopped</source>
-        <translation type="unfinished"></translation>
+        <translation>Angehalten</translation>
     </message>
     <message>
         <source>Stopping…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird angehalten…</translation>
     </message>
     <message>
         <source>Style sheet</source>
-        <translation type="unfinished"></translation>
+        <translation>Stylesheet</translation>
     </message>
     <message>
         <source>Super</source>
@@ -4430,55 +4438,55 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Supported files (%@)</source>
-        <translation type="unfinished"></translation>
+        <translation>Unterstützte Dateien (%@)</translation>
     </message>
     <message>
         <source>Sync now</source>
-        <translation type="unfinished"></translation>
+        <translation>Jetzt abgleichen</translation>
     </message>
     <message>
         <source>Syncing %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ wird abgeglichen</translation>
     </message>
     <message>
         <source>Syncing did not come to its end. Sync now goes on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Abgleich wurde nicht beendet. „Jetzt abgleichen“ setzt ihn fort.</translation>
     </message>
     <message>
         <source>Syncing did not come to its end: %@ of %@ files were taken. Sync now goes on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Abgleich wurde nicht beendet: %@ von %@ Dateien wurden übernommen. „Jetzt abgleichen“ setzt ihn fort.</translation>
     </message>
     <message>
         <source>Syncing: %@ files</source>
-        <translation type="unfinished"></translation>
+        <translation>Abgleich: %@ Dateien</translation>
     </message>
     <message>
         <source>Syncing: %@ of %@ files</source>
-        <translation type="unfinished"></translation>
+        <translation>Abgleich: %@ von %@ Dateien</translation>
     </message>
     <message>
         <source>Syncing…</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird abgeglichen…</translation>
     </message>
     <message>
         <source>TAGS</source>
-        <translation type="unfinished"></translation>
+        <translation>SCHLAGWÖRTER</translation>
     </message>
     <message>
         <source>TAGS THAT ZELTO ADDS</source>
-        <translation type="unfinished"></translation>
+        <translation>SCHLAGWÖRTER, DIE ZELTO HINZUFÜGT</translation>
     </message>
     <message>
         <source>TGA image</source>
-        <translation type="unfinished"></translation>
+        <translation>TGA-Bild</translation>
     </message>
     <message>
         <source>THEME</source>
-        <translation type="unfinished"></translation>
+        <translation>ERSCHEINUNGSBILD</translation>
     </message>
     <message>
         <source>TIFF image</source>
-        <translation type="unfinished"></translation>
+        <translation>TIFF-Bild</translation>
     </message>
     <message>
         <source>Tab</source>
@@ -4486,55 +4494,55 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Tab %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab %d</translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Tabulatortaste führt zum nächsten Fenster</translation>
     </message>
     <message>
         <source>Tabs</source>
-        <translation type="unfinished"></translation>
+        <translation>Tabs</translation>
     </message>
     <message>
         <source>Tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwort</translation>
     </message>
     <message>
         <source>Tag already exist!</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Schlagwort gibt es bereits!</translation>
     </message>
     <message>
         <source>Tag needs a name!</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Schlagwort braucht einen Namen!</translation>
     </message>
     <message>
         <source>Tagging…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwörter werden vergeben…</translation>
     </message>
     <message>
         <source>Tags</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwörter</translation>
     </message>
     <message>
         <source>Take Back</source>
-        <translation type="unfinished"></translation>
+        <translation>Wieder aufnehmen</translation>
     </message>
     <message>
         <source>Take Screenshot</source>
-        <translation type="unfinished"></translation>
+        <translation>Bildschirmfoto aufnehmen</translation>
     </message>
     <message>
         <source>Take a picture of a window</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Fenster aufnehmen</translation>
     </message>
     <message>
         <source>Take a picture of an area of the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Einen Bereich des Bildschirms aufnehmen</translation>
     </message>
     <message>
         <source>Take a picture of the whole screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Den ganzen Bildschirm aufnehmen</translation>
     </message>
     <message>
         <source>Take part in &amp;beta versions</source>
@@ -4542,63 +4550,63 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Take the &amp;keywords of pictures as tags</source>
-        <translation type="unfinished"></translation>
+        <translation>Stich&amp;wörter aus Bildern als Schlagwörter übernehmen</translation>
     </message>
     <message>
         <source>Taking files of the library back…</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien der Bibliothek werden wieder aufgenommen…</translation>
     </message>
     <message>
         <source>Taking the picture…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bildschirmfoto wird aufgenommen…</translation>
     </message>
     <message>
         <source>Tape archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Tar-Archiv</translation>
     </message>
     <message>
         <source>Templates</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorlagen</translation>
     </message>
     <message>
         <source>Test and &amp;Connect</source>
-        <translation type="unfinished"></translation>
+        <translation>Testen und &amp;verbinden</translation>
     </message>
     <message>
         <source>Text</source>
-        <translation type="unfinished"></translation>
+        <translation>Text</translation>
     </message>
     <message>
         <source>Text document</source>
-        <translation type="unfinished"></translation>
+        <translation>Textdokument</translation>
     </message>
     <message>
         <source>That area lies on no screen. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieser Bereich liegt auf keinem Bildschirm. Wählen Sie einen anderen.</translation>
     </message>
     <message>
         <source>That was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Vorgang wurde abgebrochen.</translation>
     </message>
     <message>
         <source>That window was closed or hidden before it could be taken. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Fenster wurde geschlossen oder ausgeblendet, bevor es aufgenommen werden konnte. Wählen Sie ein anderes.</translation>
     </message>
     <message>
         <source>The Zelto that has this library open ended before it answered.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Zelto, in dem diese Bibliothek geöffnet ist, wurde beendet, bevor es antwortete.</translation>
     </message>
     <message>
         <source>The Zelto that has this library open is ending.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Zelto, in dem diese Bibliothek geöffnet ist, wird gerade beendet.</translation>
     </message>
     <message>
         <source>The address is too long for a web page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Adresse ist zu lang für eine Webseite.</translation>
     </message>
     <message>
         <source>The address says that it holds a picture and does not.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Adresse gibt an, ein Bild zu enthalten, enthält aber keines.</translation>
     </message>
     <message>
         <source>The announcement of versions is for another program or channel. Check again later.</source>
@@ -4614,27 +4622,27 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The answer of Dropbox cannot be understood.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Antwort von Dropbox ist nicht verständlich.</translation>
     </message>
     <message>
         <source>The answer of Dropbox cannot be understood. Check the address that stands in the settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Antwort von Dropbox ist nicht verständlich. Prüfen Sie die Adresse in den Einstellungen.</translation>
     </message>
     <message>
         <source>The app key does not allow that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der App-Schlüssel erlaubt das nicht.</translation>
     </message>
     <message>
         <source>The archive could not be written to “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Archiv konnte nicht nach „%@“ geschrieben werden.</translation>
     </message>
     <message>
         <source>The archive holds nothing that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Archiv enthält nichts, was importiert werden kann.</translation>
     </message>
     <message>
         <source>The archive is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Archiv ist beschädigt.</translation>
     </message>
     <message>
         <source>The backup lacks something: %@</source>
@@ -4650,47 +4658,47 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The browser can't capture this page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Browser kann diese Seite nicht aufnehmen.</translation>
     </message>
     <message>
         <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Browser, der die Seite darstellt, wurde unerwartet beendet. Versuchen Sie es noch einmal; geschieht es jedes Mal, prüfen Sie, ob chromium allein startet.</translation>
     </message>
     <message>
         <source>The browser took too long with this page. Try again, or capture only the visible area.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Browser hat für diese Seite zu lange gebraucht. Versuchen Sie es noch einmal, oder nehmen Sie nur den sichtbaren Bereich auf.</translation>
     </message>
     <message>
         <source>The browser “%@” that the setting WebCaptureBrowser names can't be run: install chromium, or change the setting.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Browser „%@“, den die Einstellung WebCaptureBrowser nennt, kann nicht ausgeführt werden: Installieren Sie chromium, oder ändern Sie die Einstellung.</translation>
     </message>
     <message>
         <source>The capture was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Aufnahme wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The captured picture can be written neither into the library nor into Pictures. Zelto holds it until it quits, and asks about it then: make room before.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Aufnahme kann weder in die Bibliothek noch in den Ordner „Bilder“ geschrieben werden. Zelto behält sie bis zum Beenden und fragt dann danach: Schaffen Sie vorher Platz.</translation>
     </message>
     <message>
         <source>The captured picture can't be stored</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Aufnahme kann nicht gespeichert werden</translation>
     </message>
     <message>
         <source>The changes cannot be saved.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Änderungen können nicht gespeichert werden.</translation>
     </message>
     <message>
         <source>The condition cannot be read at character %d:</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bedingung ist ab Zeichen %d nicht lesbar:</translation>
     </message>
     <message>
         <source>The condition is too long.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bedingung ist zu lang.</translation>
     </message>
     <message>
         <source>The copy was cancelled</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Kopieren wurde abgebrochen</translation>
     </message>
     <message>
         <source>The counts of “%@” are damaged. Erase them to go on.</source>
@@ -4714,15 +4722,15 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The damaged store is kept as %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Die beschädigte Datenbank wird als %@ aufbewahrt</translation>
     </message>
     <message>
         <source>The data model cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Datenmodell kann nicht gelesen werden.</translation>
     </message>
     <message>
         <source>The desktop can't be asked, since there is no session bus. Start Zelto within a desktop session.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Arbeitsumgebung kann nicht gefragt werden, da es keinen Sitzungsbus gibt. Starten Sie Zelto in einer grafischen Sitzung.</translation>
     </message>
     <message>
         <source>The desktop did not allow it. Its settings say which programs may start by themselves.</source>
@@ -4730,23 +4738,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The desktop did not give these keys. Choose them in the desktop's keyboard settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Arbeitsumgebung hat diese Tasten nicht freigegeben. Wählen Sie sie in den Tastatureinstellungen der Arbeitsumgebung.</translation>
     </message>
     <message>
         <source>The desktop gives no keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Arbeitsumgebung gibt keine Tasten frei.</translation>
     </message>
     <message>
         <source>The desktop refused.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Arbeitsumgebung hat abgelehnt.</translation>
     </message>
     <message>
         <source>The desktop took a picture, and it can't be read. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Arbeitsumgebung hat ein Bildschirmfoto aufgenommen, das sich nicht lesen lässt. Versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>The desktop's portal ended before it answered. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Portal der Arbeitsumgebung wurde beendet, bevor es antwortete. Versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
@@ -4754,11 +4762,11 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The disk is full. Free some space and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger ist voll. Geben Sie Speicherplatz frei, und importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>The disk is full. Make room on it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger ist voll. Schaffen Sie dort Platz, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>The disk may be failing; use another one. Older backups are as they were.</source>
@@ -4766,11 +4774,11 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The disk reported an error while the library was used.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger hat einen Fehler gemeldet, während die Bibliothek verwendet wurde.</translation>
     </message>
     <message>
         <source>The disk reports an error. Check the disk and its connection before anything else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger meldet einen Fehler. Prüfen Sie zuallererst den Datenträger und seine Verbindung.</translation>
     </message>
     <message>
         <source>The disk takes no files of that size or that name, as those with the file system FAT; choose a folder on one with ext4, Btrfs or XFS.</source>
@@ -4778,103 +4786,103 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The disk with the temporary files is full. Free some space, or name another folder for them in TMPDIR, and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger mit den temporären Dateien ist voll. Geben Sie Speicherplatz frei, oder nennen Sie in TMPDIR einen anderen Ordner dafür, und importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>The display gave no picture. Try again; if it stays so, log out and in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Anzeige hat kein Bild geliefert. Versuchen Sie es noch einmal; bleibt es dabei, melden Sie sich ab und wieder an.</translation>
     </message>
     <message>
         <source>The display is gone. Start Zelto again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Anzeige ist nicht mehr da. Starten Sie Zelto neu.</translation>
     </message>
     <message>
         <source>The document would be larger than 2 GB, which other programs do not open: make it smaller, or of fewer layers.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument wäre größer als 2 GB, was andere Programme nicht öffnen: Verkleinern Sie es, oder verwenden Sie weniger Ebenen.</translation>
     </message>
     <message>
         <source>The drive with the library is gone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Laufwerk mit der Bibliothek ist nicht mehr da.</translation>
     </message>
     <message>
         <source>The existing item stays where it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das vorhandene Objekt bleibt, wo es ist.</translation>
     </message>
     <message>
         <source>The export to “%@” was stopped: %d of %d files were written.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Export nach „%@“ wurde angehalten: %d von %d Dateien wurden geschrieben.</translation>
     </message>
     <message>
         <source>The export was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Export wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The file is damaged or incomplete.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist beschädigt oder unvollständig.</translation>
     </message>
     <message>
         <source>The file is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist leer.</translation>
     </message>
     <message>
         <source>The file is empty. Save it again in the program that made it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist leer. Speichern Sie sie noch einmal in dem Programm, aus dem sie stammt.</translation>
     </message>
     <message>
         <source>The file is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei fehlt.</translation>
     </message>
     <message>
         <source>The file is missing. Put it back where it was, or import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei fehlt. Legen Sie sie an ihren Ort zurück, oder importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>The file is not a library database.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei ist keine Bibliotheksdatenbank.</translation>
     </message>
     <message>
         <source>The file of "%@" is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei von „%@“ fehlt.</translation>
     </message>
     <message>
         <source>The file was uploaded, but your server makes no link: “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei wurde hochgeladen, aber Ihr Server erstellt keinen Link: „%@“.</translation>
     </message>
     <message>
         <source>The file was uploaded, but your server makes no links.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei wurde hochgeladen, aber Ihr Server erstellt keine Links.</translation>
     </message>
     <message>
         <source>The file with this digest</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei mit dieser Prüfsumme</translation>
     </message>
     <message>
         <source>The file “%@” cannot be made</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei „%@“ kann nicht angelegt werden</translation>
     </message>
     <message>
         <source>The first of them is “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Das erste davon ist „%@“: %@</translation>
     </message>
     <message>
         <source>The folder cannot be opened. Change its permissions and import it again</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner kann nicht geöffnet werden. Ändern Sie seine Zugriffsrechte, und importieren Sie ihn noch einmal</translation>
     </message>
     <message>
         <source>The folder for “%@” does not exist.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner für „%@“ existiert nicht.</translation>
     </message>
     <message>
         <source>The folder holds nothing that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner enthält nichts, was importiert werden kann.</translation>
     </message>
     <message>
         <source>The folder of the library does not exist.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner der Bibliothek existiert nicht.</translation>
     </message>
     <message>
         <source>The folder “%@” cannot be made</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner „%@“ kann nicht angelegt werden</translation>
     </message>
     <message>
         <source>The folder “%@” could not be made</source>
@@ -4882,55 +4890,55 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The folder “%@” is in the trash. Put it back, and its items come back with it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner „%@“ liegt im Papierkorb. Stellen Sie ihn wieder her, dann kommen auch seine Objekte zurück.</translation>
     </message>
     <message>
         <source>The header “%@” cannot be sent: it has a line break, or no name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Kopfzeile „%@“ kann nicht gesendet werden: Sie enthält einen Zeilenumbruch oder hat keinen Namen.</translation>
     </message>
     <message>
         <source>The images of %d pages are still being downloaded. Try again when some are done.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bilder von %d Seiten werden noch heruntergeladen. Versuchen Sie es noch einmal, wenn einige fertig sind.</translation>
     </message>
     <message>
         <source>The images that a page has imported at once may have %@ together.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bilder, die eine Seite auf einmal importieren lässt, dürfen zusammen %@ groß sein.</translation>
     </message>
     <message>
         <source>The import is kept: go on with it once that is mended, or forget it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Import bleibt erhalten: Setzen Sie ihn fort, sobald das behoben ist, oder verwerfen Sie ihn.</translation>
     </message>
     <message>
         <source>The import was cancelled. Import it again if you want it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Import wurde abgebrochen. Importieren Sie sie noch einmal, wenn Sie sie behalten möchten.</translation>
     </message>
     <message>
         <source>The internet connection seem to be unavailable.</source>
-        <translation type="unfinished"></translation>
+        <translation>Anscheinend besteht keine Internetverbindung.</translation>
     </message>
     <message>
         <source>The items could not be counted</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Objekte konnten nicht gezählt werden</translation>
     </message>
     <message>
         <source>The items it finds will still remain inside your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die gefundenen Objekte bleiben in Ihrer Bibliothek.</translation>
     </message>
     <message>
         <source>The key path "%@" leads nowhere:</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Schlüsselpfad „%@“ führt nirgendwohin:</translation>
     </message>
     <message>
         <source>The keyring cannot be used: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Schlüsselbund kann nicht verwendet werden: %@</translation>
     </message>
     <message>
         <source>The keyring has no password for “%@” any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Schlüsselbund enthält kein Passwort für „%@“ mehr.</translation>
     </message>
     <message>
         <source>The keyring with your passwords is locked.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Schlüsselbund mit Ihren Passwörtern ist gesperrt.</translation>
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
@@ -4938,71 +4946,71 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The last seven days</source>
-        <translation type="unfinished"></translation>
+        <translation>Die letzten sieben Tage</translation>
     </message>
     <message>
         <source>The layered document takes its place.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument mit Ebenen tritt an seine Stelle.</translation>
     </message>
     <message>
         <source>The library cannot be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek kann nicht geöffnet werden.</translation>
     </message>
     <message>
         <source>The library cannot be opened: there is something that is no file in the place of one of its files.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek kann nicht geöffnet werden: An der Stelle einer ihrer Dateien liegt etwas, das keine Datei ist.</translation>
     </message>
     <message>
         <source>The library cannot be written.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek kann nicht geschrieben werden.</translation>
     </message>
     <message>
         <source>The library could not be brought to this version; it is unchanged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek konnte nicht auf diese Version gebracht werden; sie ist unverändert.</translation>
     </message>
     <message>
         <source>The library could not be read</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek konnte nicht gelesen werden</translation>
     </message>
     <message>
         <source>The library could not be saved yet. Delete the original once it is, if you do not need it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek konnte noch nicht gespeichert werden. Löschen Sie das Original erst danach, wenn Sie es nicht mehr brauchen.</translation>
     </message>
     <message>
         <source>The library could not be saved: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek konnte nicht gespeichert werden: %@</translation>
     </message>
     <message>
         <source>The library could not be saved: %@ Import it again once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek konnte nicht gespeichert werden: %@ Importieren Sie sie noch einmal, sobald das behoben ist.</translation>
     </message>
     <message>
         <source>The library has it already, as “%@”; that item was put in its place.</source>
-        <translation type="unfinished"></translation>
+        <translation>In der Bibliothek gibt es sie bereits als „%@“; dieses Objekt wurde stattdessen verwendet.</translation>
     </message>
     <message>
         <source>The library has it already, as “%@”; the new copy was discarded.</source>
-        <translation type="unfinished"></translation>
+        <translation>In der Bibliothek gibt es sie bereits als „%@“; die neue Kopie wurde verworfen.</translation>
     </message>
     <message>
         <source>The library has no data model.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek hat kein Datenmodell.</translation>
     </message>
     <message>
         <source>The library has no items of this kind.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek enthält keine Objekte dieser Art.</translation>
     </message>
     <message>
         <source>The library is at “%@” already.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek liegt bereits unter „%@“.</translation>
     </message>
     <message>
         <source>The library is being written by another process.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein anderer Prozess schreibt gerade in die Bibliothek.</translation>
     </message>
     <message>
         <source>The library is damaged</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek ist beschädigt</translation>
     </message>
     <message>
         <source>The library is inside “%@” itself.</source>
@@ -5010,59 +5018,59 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The library is inside “%@”, which it would replace.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek liegt in „%@“ und würde es ersetzen.</translation>
     </message>
     <message>
         <source>The library is not open. Open it and add the folder again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek ist nicht geöffnet. Öffnen Sie sie, und fügen Sie den Ordner noch einmal hinzu.</translation>
     </message>
     <message>
         <source>The library is not open. The picture lies in “%@” until Zelto quits.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek ist nicht geöffnet. Das Bildschirmfoto liegt in „%@“, bis Zelto beendet wird.</translation>
     </message>
     <message>
         <source>The library is open.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek ist geöffnet.</translation>
     </message>
     <message>
         <source>The library then holds both.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek enthält dann beide.</translation>
     </message>
     <message>
         <source>The library was closed. Open it and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek wurde geschlossen. Öffnen Sie sie, und importieren Sie die Datei noch einmal.</translation>
     </message>
     <message>
         <source>The library was made by a newer version of the application.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek wurde mit einer neueren Version des Programms erstellt.</translation>
     </message>
     <message>
         <source>The library was made by an older version of the application.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek wurde mit einer älteren Version des Programms erstellt.</translation>
     </message>
     <message>
         <source>The library was not moved.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek wurde nicht verschoben.</translation>
     </message>
     <message>
         <source>The library was recovered</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek wurde wiederhergestellt</translation>
     </message>
     <message>
         <source>The library “%@” can't be created.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek „%@“ kann nicht erstellt werden.</translation>
     </message>
     <message>
         <source>The library “%@” can't be written: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek „%@“ kann nicht geschrieben werden: %@.</translation>
     </message>
     <message>
         <source>The library “%@” is in the trash.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek „%@“ liegt im Papierkorb.</translation>
     </message>
     <message>
         <source>The library “%@” is in use by another Zelto.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek „%@“ wird von einem anderen Zelto verwendet.</translation>
     </message>
     <message>
         <source>The library “%@” is not there any more.</source>
@@ -5070,15 +5078,15 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The library's database cannot be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank der Bibliothek kann nicht geöffnet werden.</translation>
     </message>
     <message>
         <source>The library's database is damaged from its first byte.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank der Bibliothek ist vom ersten Byte an beschädigt.</translation>
     </message>
     <message>
         <source>The library's database is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank der Bibliothek ist beschädigt.</translation>
     </message>
     <message>
         <source>The library's database is damaged: %@</source>
@@ -5086,7 +5094,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The library's database reported an error.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank der Bibliothek hat einen Fehler gemeldet.</translation>
     </message>
     <message>
         <source>The library, unless another one was chosen; ~/.local/share without the variable.</source>
@@ -5094,127 +5102,127 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The live folder is not in the sidebar any more. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Live-Ordner ist nicht mehr in der Seitenleiste. Wählen Sie einen anderen.</translation>
     </message>
     <message>
         <source>The longer side of each size, at most. Everything above is large.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die längere Seite jeder Größe, höchstens. Alles darüber ist groß.</translation>
     </message>
     <message>
         <source>The method must be “POST”, “PUT” or “PATCH”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Methode muss „POST“, „PUT“ oder „PATCH“ sein.</translation>
     </message>
     <message>
         <source>The name is empty. Please type a name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Name ist leer. Bitte geben Sie einen Namen ein.</translation>
     </message>
     <message>
         <source>The name is too long. Please use a shorter name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Name ist zu lang. Bitte verwenden Sie einen kürzeren.</translation>
     </message>
     <message>
         <source>The name must be one line of letters and signs, without “/”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Name muss aus einer Zeile mit Buchstaben und Zeichen bestehen, ohne „/“.</translation>
     </message>
     <message>
         <source>The original folders will still remain on your disk.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die ursprünglichen Ordner bleiben auf Ihrem Datenträger.</translation>
     </message>
     <message>
         <source>The other program did not save “%@”. Save it there as a file, and drop that here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das andere Programm hat „%@“ nicht gespeichert. Speichern Sie es dort als Datei, und ziehen Sie diese hierher.</translation>
     </message>
     <message>
         <source>The page at “%@” names an image on this computer or in its own network (“%@”), so nothing was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite unter „%@“ nennt ein Bild auf diesem Computer oder in seinem eigenen Netzwerk („%@“), daher wurde nichts importiert</translation>
     </message>
     <message>
         <source>The page crashed in the browser. Try again, or capture only the visible area.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite ist im Browser abgestürzt. Versuchen Sie es noch einmal, oder nehmen Sie nur den sichtbaren Bereich auf.</translation>
     </message>
     <message>
         <source>The page did not load in full; this is what was there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite wurde nicht vollständig geladen; dies war vorhanden.</translation>
     </message>
     <message>
         <source>The page has more elements than layers are useful; %d small ones are on the layers of what they lie in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite hat mehr Elemente, als Ebenen sinnvoll sind; %d kleine liegen auf den Ebenen dessen, worin sie sich befinden.</translation>
     </message>
     <message>
         <source>The page is being captured.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite wird aufgenommen.</translation>
     </message>
     <message>
         <source>The page is longer than %d pixels; what is below was cut off.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite ist länger als %d Pixel; was darunter liegt, wurde abgeschnitten.</translation>
     </message>
     <message>
         <source>The page sends its visitors around in a circle.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seite leitet ihre Besucher im Kreis.</translation>
     </message>
     <message>
         <source>The password is kept in the desktop's keyring and nowhere else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Passwort wird nur im Schlüsselbund der Arbeitsumgebung aufbewahrt.</translation>
     </message>
     <message>
         <source>The password of your server is not known.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Passwort Ihres Servers ist nicht bekannt.</translation>
     </message>
     <message>
         <source>The passwords for “%@” are not known any more. Import its description again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Passwörter für „%@“ sind nicht mehr bekannt. Importieren Sie die Beschreibung noch einmal in den Einstellungen unter „Cloud“.</translation>
     </message>
     <message>
         <source>The passwords that were entered for it are forgotten, too. What was uploaded stays where it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Auch die dafür eingegebenen Passwörter werden vergessen. Was hochgeladen wurde, bleibt, wo es ist.</translation>
     </message>
     <message>
         <source>The picture "%@" can't be converted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ kann nicht umgewandelt werden.</translation>
     </message>
     <message>
         <source>The picture "%@" can't be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ kann nicht geöffnet werden.</translation>
     </message>
     <message>
         <source>The picture "%@" could not be drawn: it needs too much memory.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ konnte nicht gezeichnet werden: Es braucht zu viel Speicher.</translation>
     </message>
     <message>
         <source>The picture "%@" could not be drawn: it took too long.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ konnte nicht gezeichnet werden: Es hat zu lange gedauert.</translation>
     </message>
     <message>
         <source>The picture "%@" could not be drawn: the renderer stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ konnte nicht gezeichnet werden: Das Zeichenprogramm wurde beendet.</translation>
     </message>
     <message>
         <source>The picture "%@" was not drawn: that was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild „%@“ wurde nicht gezeichnet: Der Vorgang wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The picture can't be written to “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild kann nicht nach „%@“ geschrieben werden.</translation>
     </message>
     <message>
         <source>The picture in the address is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild in der Adresse ist beschädigt.</translation>
     </message>
     <message>
         <source>The picture is not in the library yet: Zelto goes on with its import when it opens the library the next time.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild ist noch nicht in der Bibliothek: Zelto setzt seinen Import fort, wenn es die Bibliothek das nächste Mal öffnet.</translation>
     </message>
     <message>
         <source>The picture is not in the library. It lies in “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Bild ist nicht in der Bibliothek. Es liegt in „%@“.</translation>
     </message>
     <message>
         <source>The preferences can't be written, so the library would not be found.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Einstellungen können nicht geschrieben werden, daher würde die Bibliothek nicht gefunden.</translation>
     </message>
     <message>
         <source>The preferences could not be written (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Einstellungen konnten nicht geschrieben werden (%@).</translation>
     </message>
     <message>
         <source>The preferences, which `zelto defaults` reads and changes; ~/.config without the variable.</source>
@@ -5222,35 +5230,35 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures can't be started: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Programm „zelto-render“, das Bilder zeichnet, kann nicht gestartet werden: %@.</translation>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures ends as soon as it is started.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Programm „zelto-render“, das Bilder zeichnet, wird sofort nach dem Start beendet.</translation>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures is missing; install Zelto again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Programm „zelto-render“, das Bilder zeichnet, fehlt; installieren Sie Zelto noch einmal.</translation>
     </message>
     <message>
         <source>The project items will still remain inside your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Objekte des Projekts bleiben in Ihrer Bibliothek.</translation>
     </message>
     <message>
         <source>The projects of this folder are empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Projekte dieses Ordners sind leer.</translation>
     </message>
     <message>
         <source>The property list cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Eigenschaftsliste kann nicht gelesen werden.</translation>
     </message>
     <message>
         <source>The proxy does not lead to %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Proxy führt nicht zu %@: %@</translation>
     </message>
     <message>
         <source>The recovered library could not be put in place.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die wiederhergestellte Bibliothek konnte nicht an ihren Platz gebracht werden.</translation>
     </message>
     <message>
         <source>The report could not be removed: %@</source>
@@ -5262,31 +5270,31 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The request cannot be carried out.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Anfrage kann nicht ausgeführt werden.</translation>
     </message>
     <message>
         <source>The request was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Anfrage wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The same file more than once</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieselbe Datei mehrfach</translation>
     </message>
     <message>
         <source>The same file more than once, with one of these digests</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieselbe Datei mehrfach, mit einer dieser Prüfsummen</translation>
     </message>
     <message>
         <source>The search of this smart folder cannot be understood.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Suche dieses intelligenten Ordners ist nicht verständlich.</translation>
     </message>
     <message>
         <source>The server broke off the connection.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server hat die Verbindung abgebrochen.</translation>
     </message>
     <message>
         <source>The server did not answer in time.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server hat nicht rechtzeitig geantwortet.</translation>
     </message>
     <message>
         <source>The server of the announcements leads to an address that is not encrypted, which Zelto does not go to. Check again later.</source>
@@ -5298,135 +5306,135 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The server sends on to “%@”, for which the passwords are not meant.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server leitet zu „%@“ weiter, wofür die Passwörter nicht bestimmt sind.</translation>
     </message>
     <message>
         <source>The server sends on to “%@”, which is not for the public.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server leitet zu „%@“ weiter, das nicht öffentlich ist.</translation>
     </message>
     <message>
         <source>The server sent nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server hat nichts gesendet.</translation>
     </message>
     <message>
         <source>The server takes no connections.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server nimmt keine Verbindungen an.</translation>
     </message>
     <message>
         <source>The server's certificate is not valid, so that nobody can tell whose page it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Zertifikat des Servers ist nicht gültig, daher lässt sich nicht sagen, wessen Seite es ist.</translation>
     </message>
     <message>
         <source>The service did not say where the file is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Dienst hat nicht mitgeteilt, wo die Datei liegt.</translation>
     </message>
     <message>
         <source>The service that was chosen for uploads is not there any more. Choose another one in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der zum Hochladen gewählte Dienst ist nicht mehr vorhanden. Wählen Sie in den Einstellungen unter „Cloud“ einen anderen.</translation>
     </message>
     <message>
         <source>The service that was chosen is not there any more. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der gewählte Dienst ist nicht mehr vorhanden. Wählen Sie einen anderen.</translation>
     </message>
     <message>
         <source>The sidebar item it was to go to does not exist any more. Import it into another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Eintrag der Seitenleiste, in den sie kommen sollte, gibt es nicht mehr. Importieren Sie sie in einen anderen.</translation>
     </message>
     <message>
         <source>The smart folder looks in the whole library: it finds %@, and shows %@ of those that are shown here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der intelligente Ordner durchsucht die ganze Bibliothek: Er findet %@; von den hier gezeigten enthält er %@.</translation>
     </message>
     <message>
         <source>The smart folder looks in the whole library: it finds %@; %@ are shown here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der intelligente Ordner durchsucht die ganze Bibliothek: Er findet %@; hier werden %@ gezeigt.</translation>
     </message>
     <message>
         <source>The smart folder looks in the whole library: it finds %@; 1 is shown here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der intelligente Ordner durchsucht die ganze Bibliothek: Er findet %@; hier wird 1 gezeigt.</translation>
     </message>
     <message>
         <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das System kann nicht alle Ordner überwachen, daher wird dieser in Abständen durchgesehen. Erhöhen Sie fs.inotify.max_user_watches auf %d.</translation>
     </message>
     <message>
         <source>The tags of “%@” could not be written to the file; the library keeps them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Schlagwörter von „%@“ konnten nicht in die Datei geschrieben werden; die Bibliothek behält sie.</translation>
     </message>
     <message>
         <source>The tags or the notes of a file are too long for it. Use fewer or shorter ones.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Schlagwörter oder die Notizen einer Datei sind zu lang für sie. Verwenden Sie weniger oder kürzere.</translation>
     </message>
     <message>
         <source>The template “%@” holds nothing that can be an asset</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Vorlage „%@“ enthält nichts, was ein Objekt werden kann</translation>
     </message>
     <message>
         <source>The trash holds too many files named “%@”. Empty it and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Papierkorb enthält zu viele Dateien mit dem Namen „%@“. Leeren Sie ihn, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>The value cannot be archived.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Wert kann nicht archiviert werden.</translation>
     </message>
     <message>
         <source>The value cannot be written as a property list.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Wert kann nicht als Eigenschaftsliste geschrieben werden.</translation>
     </message>
     <message>
         <source>The value of “%@” cannot be sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Wert von „%@“ kann nicht gesendet werden.</translation>
     </message>
     <message>
         <source>Their files come back into the project “Recovered”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Dateien kommen in das Projekt „Wiederhergestellt“ zurück.</translation>
     </message>
     <message>
         <source>Their files stay where they are, and are followed as they change. What many files leave at once is asked about, and what is on a disk that is away is kept until it is back. Keywords, tags and thumbnails are as set for imports.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Dateien bleiben, wo sie sind, und Änderungen daran werden übernommen. Verschwinden viele Dateien auf einmal, wird nachgefragt; was auf einem nicht verbundenen Datenträger liegt, bleibt erhalten, bis er wieder da ist. Stichwörter, Schlagwörter und Miniaturen richten sich nach den Einstellungen für Importe.</translation>
     </message>
     <message>
         <source>There are %d services already.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt bereits %d Dienste.</translation>
     </message>
     <message>
         <source>There are no presets. Make one below.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keine Voreinstellungen. Erstellen Sie unten eine.</translation>
     </message>
     <message>
         <source>There are no templates yet. Add files that you begin with again and again, or open one whose name ends in .zttemplate with Zelto.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt noch keine Vorlagen. Fügen Sie Dateien hinzu, mit denen Sie immer wieder beginnen, oder öffnen Sie mit Zelto eine, deren Name auf .zttemplate endet.</translation>
     </message>
     <message>
         <source>There are too many brackets in brackets.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es sind zu viele Klammern ineinander verschachtelt.</translation>
     </message>
     <message>
         <source>There is a file of that name already. Share it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Datei dieses Namens gibt es bereits. Teilen Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>There is a file “%@” already.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Datei „%@“ gibt es bereits.</translation>
     </message>
     <message>
         <source>There is a template “%@” already. Rename the new one, or remove the other one, and open it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Vorlage „%@“ gibt es bereits. Benennen Sie die neue um, oder entfernen Sie die andere, und öffnen Sie sie dann noch einmal.</translation>
     </message>
     <message>
         <source>There is a “\” that means nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein „\“ steht da, das nichts bedeutet.</translation>
     </message>
     <message>
         <source>There is half a character in a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Text steht ein halbes Zeichen.</translation>
     </message>
     <message>
         <source>There is no "%@" in this library.</source>
-        <translation type="unfinished"></translation>
+        <translation>In dieser Bibliothek gibt es kein „%@“.</translation>
     </message>
     <message>
         <source>There is no WebDAV folder at “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Unter „%@“ gibt es keinen WebDAV-Ordner.</translation>
     </message>
     <message>
         <source>There is no backup of this library in that folder.</source>
@@ -5434,23 +5442,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>There is no connection to the internet.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es besteht keine Verbindung zum Internet.</translation>
     </message>
     <message>
         <source>There is no connection to the network.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es besteht keine Verbindung zum Netzwerk.</translation>
     </message>
     <message>
         <source>There is no display here that could be captured. Start Zelto within a desktop session.</source>
-        <translation type="unfinished"></translation>
+        <translation>Hier gibt es keine Anzeige, die aufgenommen werden könnte. Starten Sie Zelto in einer grafischen Sitzung.</translation>
     </message>
     <message>
         <source>There is no folder at “%@”. Connect its drive, or put the folder back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Unter „%@“ gibt es keinen Ordner. Verbinden Sie das Laufwerk, oder legen Sie den Ordner zurück.</translation>
     </message>
     <message>
         <source>There is no folder to download into.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keinen Ordner zum Herunterladen.</translation>
     </message>
     <message>
         <source>There is no folder “%@” for backups.</source>
@@ -5458,91 +5466,91 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>There is no folder “%@”. Choose another one, or look whether its disk is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Ordner „%@“ gibt es nicht. Wählen Sie einen anderen, oder prüfen Sie, ob der Datenträger da ist.</translation>
     </message>
     <message>
         <source>There is no format with the number %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt kein Format mit der Nummer %d.</translation>
     </message>
     <message>
         <source>There is no keyring in which a password could be kept safely.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keinen Schlüsselbund, in dem ein Passwort sicher aufbewahrt werden könnte.</translation>
     </message>
     <message>
         <source>There is no library at “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Unter „%@“ gibt es keine Bibliothek.</translation>
     </message>
     <message>
         <source>There is no library database at this place.</source>
-        <translation type="unfinished"></translation>
+        <translation>An diesem Ort gibt es keine Bibliotheksdatenbank.</translation>
     </message>
     <message>
         <source>There is no library to import into.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keine Bibliothek, in die importiert werden könnte.</translation>
     </message>
     <message>
         <source>There is no open library to draw.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keine geöffnete Bibliothek, die gezeichnet werden könnte.</translation>
     </message>
     <message>
         <source>There is no picture of it. Export it as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt kein Bild davon. Exportieren Sie es unverändert.</translation>
     </message>
     <message>
         <source>There is no picture or file on the clipboard</source>
-        <translation type="unfinished"></translation>
+        <translation>In der Zwischenablage ist weder ein Bild noch eine Datei</translation>
     </message>
     <message>
         <source>There is no picture to write.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt kein Bild, das geschrieben werden könnte.</translation>
     </message>
     <message>
         <source>There is no room left for attributes. Use fewer or shorter tags and notes, or free some space.</source>
-        <translation type="unfinished"></translation>
+        <translation>Für Attribute ist kein Platz mehr. Verwenden Sie weniger oder kürzere Schlagwörter und Notizen, oder geben Sie Speicherplatz frei.</translation>
     </message>
     <message>
         <source>There is no screen that could be captured</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keinen Bildschirm, der aufgenommen werden könnte</translation>
     </message>
     <message>
         <source>There is no server named %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keinen Server namens %@.</translation>
     </message>
     <message>
         <source>There is no such file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei gibt es nicht.</translation>
     </message>
     <message>
         <source>There is no such file. Check its name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei gibt es nicht. Prüfen Sie ihren Namen.</translation>
     </message>
     <message>
         <source>There is no such folder. Check its name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Ordner gibt es nicht. Prüfen Sie seinen Namen.</translation>
     </message>
     <message>
         <source>There is no such server: see whether the address is written right.</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Server gibt es nicht: Prüfen Sie, ob die Adresse richtig geschrieben ist.</translation>
     </message>
     <message>
         <source>There is no token “%@”. Put it in quotes to find it as a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Token „%@“ gibt es nicht. Setzen Sie es in Anführungszeichen, um es als Text zu finden.</translation>
     </message>
     <message>
         <source>There is no window to take · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Kein Fenster zum Aufnehmen vorhanden · Esc bricht ab</translation>
     </message>
     <message>
         <source>There is not enough memory for a picture of this page. Capture only the visible area, or a smaller width.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Speicher reicht für ein Bild dieser Seite nicht aus. Nehmen Sie nur den sichtbaren Bereich oder eine geringere Breite auf.</translation>
     </message>
     <message>
         <source>There is not enough memory to convert it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Speicher reicht zum Umwandeln nicht aus.</translation>
     </message>
     <message>
         <source>There is not enough memory to show it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Speicher reicht zum Anzeigen nicht aus.</translation>
     </message>
     <message>
         <source>There is not enough memory.</source>
@@ -5550,51 +5558,51 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>There is not enough room on the disk to save.</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf dem Datenträger ist nicht genug Platz zum Speichern.</translation>
     </message>
     <message>
         <source>There is nothing between the brackets.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zwischen den Klammern steht nichts.</translation>
     </message>
     <message>
         <source>There is nothing between the quotes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zwischen den Anführungszeichen steht nichts.</translation>
     </message>
     <message>
         <source>There is nothing here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Hier gibt es nichts.</translation>
     </message>
     <message>
         <source>There is too little free space in “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>In „%@“ ist zu wenig Speicherplatz frei.</translation>
     </message>
     <message>
         <source>There was an error building up the data file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Beim Aufbau der Datendatei ist ein Fehler aufgetreten.</translation>
     </message>
     <message>
         <source>These files were not imported, or not wholly</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Dateien wurden nicht oder nicht vollständig importiert</translation>
     </message>
     <message>
         <source>These keys can't be taken from other programs. Choose keys with Ctrl, Alt or Super, or a function key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Tasten können anderen Programmen nicht entzogen werden. Wählen Sie Tasten mit Strg, Alt oder Super oder eine Funktionstaste.</translation>
     </message>
     <message>
         <source>They may be what is left of imports that were cut off, or belong to items that the library lost. Zelto can take them back into the project “Recovered”, where you can look at them, or remove them with the files in them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie können von abgebrochenen Importen übrig sein oder zu Objekten gehören, die der Bibliothek verloren gegangen sind. Zelto kann sie in das Projekt „Wiederhergestellt“ aufnehmen, wo Sie sie ansehen können, oder sie samt den Dateien darin entfernen.</translation>
     </message>
     <message>
         <source>They stay as they are in %@. What is in them is damaged, or of no kind that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie bleiben unverändert in %@. Was sie enthalten, ist beschädigt oder von einer Art, die nicht importiert werden kann.</translation>
     </message>
     <message>
         <source>They travel with a file, and an import takes those it brings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie begleiten die Datei, und ein Import übernimmt, was sie mitbringt.</translation>
     </message>
     <message>
         <source>They were deleted, or moved to where Zelto does not look. If you remove them from the library, they leave their projects too. If a drive is not connected, keep them: they are there again when it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie wurden gelöscht oder dorthin verschoben, wo Zelto nicht nachsieht. Wenn Sie sie aus der Bibliothek entfernen, verlassen sie auch ihre Projekte. Ist ein Laufwerk nicht verbunden, behalten Sie sie: Sie sind wieder da, sobald es verbunden ist.</translation>
     </message>
     <message>
         <source>This Zelto was built without an address that announces new versions. Look where you got it.</source>
@@ -5602,55 +5610,55 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>This bracket closes nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Klammer schließt nichts.</translation>
     </message>
     <message>
         <source>This bracket is not closed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Klammer ist nicht geschlossen.</translation>
     </message>
     <message>
         <source>This desktop lets no program choose a part of its screen. Choose it in the desktop's own dialog, which Capture Area opens.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Arbeitsumgebung lässt kein Programm einen Teil ihres Bildschirms wählen. Wählen Sie ihn in ihrem eigenen Dialog, den „Bereich aufnehmen“ öffnet.</translation>
     </message>
     <message>
         <source>This desktop offers no such service. Install xdg-desktop-portal and the part of it for your desktop, as xdg-desktop-portal-gnome, -kde or -wlr, and log in again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Arbeitsumgebung bietet keinen solchen Dienst. Installieren Sie xdg-desktop-portal und dessen Teil für Ihre Arbeitsumgebung, etwa xdg-desktop-portal-gnome, -kde oder -wlr, und melden Sie sich neu an.</translation>
     </message>
     <message>
         <source>This display lets no program take keys. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Anzeige lässt kein Programm Tasten belegen. %@</translation>
     </message>
     <message>
         <source>This file cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Datei kann nicht gelesen werden.</translation>
     </message>
     <message>
         <source>This file cannot be shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Datei kann nicht angezeigt werden.</translation>
     </message>
     <message>
         <source>This file is too large to be a description.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Datei ist zu groß für eine Beschreibung.</translation>
     </message>
     <message>
         <source>This format is not known; only 1 is. A newer version of Zelto may know it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Format ist nicht bekannt, nur 1. Eine neuere Version von Zelto kennt es vielleicht.</translation>
     </message>
     <message>
         <source>This is more than can be searched at once; from here on it is left out.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das ist mehr, als auf einmal gesucht werden kann; ab hier bleibt es unberücksichtigt.</translation>
     </message>
     <message>
         <source>This is no text in UTF-8.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dies ist kein Text in UTF-8.</translation>
     </message>
     <message>
         <source>This is not the address of an upload; it begins with https:// and has no placeholders.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dies ist keine Adresse zum Hochladen; sie beginnt mit https:// und hat keine Platzhalter.</translation>
     </message>
     <message>
         <source>This is not the answer that Zelto is waiting for.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dies ist nicht die Antwort, auf die Zelto wartet.</translation>
     </message>
     <message>
         <source>This is the whole report. It says where in the program it happened, and nothing of your library. Copy or save it to pass it on.</source>
@@ -5662,111 +5670,111 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>This key can't be used. Take a letter, a digit or a function key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Taste kann nicht verwendet werden. Nehmen Sie einen Buchstaben, eine Ziffer oder eine Funktionstaste.</translation>
     </message>
     <message>
         <source>This keyboard has no %@. Choose other keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf dieser Tastatur gibt es %@ nicht. Wählen Sie andere Tasten.</translation>
     </message>
     <message>
         <source>This live folder is off: Enable in its menu has it looked at again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieser Live-Ordner ist deaktiviert: „Aktivieren“ in seinem Menü lässt ihn wieder durchsehen.</translation>
     </message>
     <message>
         <source>This live folder is off: what is in “%@” is neither looked at nor shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieser Live-Ordner ist deaktiviert: Was in „%@“ liegt, wird weder durchgesehen noch angezeigt.</translation>
     </message>
     <message>
         <source>This month</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieser Monat</translation>
     </message>
     <message>
         <source>This page has too many elements to be captured in layers. Capture it as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Seite hat zu viele Elemente, um in Ebenen aufgenommen zu werden. Nehmen Sie sie als Bild auf.</translation>
     </message>
     <message>
         <source>This quote is not closed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Anführungszeichen ist nicht geschlossen.</translation>
     </message>
     <message>
         <source>This smart folder has nothing to search for.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieser intelligente Ordner hat nichts, wonach er suchen kann.</translation>
     </message>
     <message>
         <source>This system cannot keep programs that draw pictures away from your files.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses System kann Programme, die Bilder zeichnen, nicht von Ihren Dateien fernhalten.</translation>
     </message>
     <message>
         <source>This system has neither Landlock nor seccomp to keep what reads it from your files. Use a Linux kernel that has them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses System hat weder Landlock noch seccomp, um das lesende Programm von Ihren Dateien fernzuhalten. Verwenden Sie einen Linux-Kernel, der sie hat.</translation>
     </message>
     <message>
         <source>This year</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Jahr</translation>
     </message>
     <message>
         <source>Thumbnail size</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe der Miniaturen</translation>
     </message>
     <message>
         <source>Title</source>
-        <translation type="unfinished"></translation>
+        <translation>Titel</translation>
     </message>
     <message>
         <source>Title contains the text</source>
-        <translation type="unfinished"></translation>
+        <translation>Titel enthält den Text</translation>
     </message>
     <message>
         <source>Title contains “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Titel enthält „%@“</translation>
     </message>
     <message>
         <source>Today, %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Heute, %@</translation>
     </message>
     <message>
         <source>Too many brackets stand in these; what they hold is left out.</source>
-        <translation type="unfinished"></translation>
+        <translation>Darin stehen zu viele Klammern; was sie enthalten, bleibt unberücksichtigt.</translation>
     </message>
     <message>
         <source>Too many requests came from the browser at once; some were left out. Try again in a few seconds.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vom Browser kamen zu viele Anfragen auf einmal; einige wurden ausgelassen. Versuchen Sie es in einigen Sekunden noch einmal.</translation>
     </message>
     <message>
         <source>TrueType font</source>
-        <translation type="unfinished"></translation>
+        <translation>TrueType-Schrift</translation>
     </message>
     <message>
         <source>Try Again</source>
-        <translation type="unfinished"></translation>
+        <translation>Noch einmal versuchen</translation>
     </message>
     <message>
         <source>Try again in %d minutes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Versuchen Sie es in %d Minuten noch einmal.</translation>
     </message>
     <message>
         <source>Try again in a minute.</source>
-        <translation type="unfinished"></translation>
+        <translation>Versuchen Sie es in einer Minute noch einmal.</translation>
     </message>
     <message>
         <source>Try again later, or look whether the host in the preferences is the right one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Versuchen Sie es später noch einmal, oder prüfen Sie, ob der Host in den Einstellungen der richtige ist.</translation>
     </message>
     <message>
         <source>Try again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>Versuchen Sie es später noch einmal.</translation>
     </message>
     <message>
         <source>Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Type an address and press Enter to see the page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie eine Adresse ein, und drücken Sie die Eingabetaste, um die Seite zu sehen.</translation>
     </message>
     <message>
         <source>Type the address of a web page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Geben Sie die Adresse einer Webseite ein.</translation>
     </message>
     <message>
         <source>USAGE</source>
@@ -5774,23 +5782,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Undo</source>
-        <translation type="unfinished"></translation>
+        <translation>Rückgängig</translation>
     </message>
     <message>
         <source>Undo %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Rückgängig: %@</translation>
     </message>
     <message>
         <source>Unknown</source>
-        <translation type="unfinished"></translation>
+        <translation>Unbekannt</translation>
     </message>
     <message>
         <source>Unlock it and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Entsperren Sie ihn, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Untitled</source>
-        <translation type="unfinished"></translation>
+        <translation>Unbenannt</translation>
     </message>
     <message>
         <source>Up</source>
@@ -5798,51 +5806,51 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Update Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche aktualisieren</translation>
     </message>
     <message>
         <source>Updating your library</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Bibliothek wird aktualisiert</translation>
     </message>
     <message>
         <source>Upload cancelled</source>
-        <translation type="unfinished"></translation>
+        <translation>Hochladen abgebrochen</translation>
     </message>
     <message>
         <source>Upload done, url copied to clipboard!</source>
-        <translation type="unfinished"></translation>
+        <translation>Hochladen abgeschlossen, Adresse in die Zwischenablage kopiert!</translation>
     </message>
     <message>
         <source>Uploaded %d files to the cloud!</source>
-        <translation type="unfinished"></translation>
+        <translation>%d Dateien in die Cloud hochgeladen!</translation>
     </message>
     <message>
         <source>Uploading to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird zu %@ hochgeladen</translation>
     </message>
     <message>
         <source>Uploads what is selected and copies the link. A preset dropped here exports it first. A right click shows the latest uploads.</source>
-        <translation type="unfinished"></translation>
+        <translation>Lädt die Auswahl hoch und kopiert den Link. Eine hierher gezogene Voreinstellung exportiert sie zuvor. Ein Rechtsklick zeigt, was zuletzt hochgeladen wurde.</translation>
     </message>
     <message>
         <source>Use This Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Diesen Ordner verwenden</translation>
     </message>
     <message>
         <source>Use an address that begins with https://.</source>
-        <translation type="unfinished"></translation>
+        <translation>Verwenden Sie eine Adresse, die mit https:// beginnt.</translation>
     </message>
     <message>
         <source>Use the existing item here</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorhandenes Objekt hier verwenden</translation>
     </message>
     <message>
         <source>Use the folder that is in the place of this one</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Ordner verwenden, der an der Stelle von diesem liegt</translation>
     </message>
     <message>
         <source>Username or Password are invalid</source>
-        <translation type="unfinished"></translation>
+        <translation>Benutzername oder Passwort ist ungültig</translation>
     </message>
     <message>
         <source>Verify Library…</source>
@@ -5850,19 +5858,19 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>View</source>
-        <translation type="unfinished"></translation>
+        <translation>Ansicht</translation>
     </message>
     <message>
         <source>Violet</source>
-        <translation type="unfinished"></translation>
+        <translation>Violett</translation>
     </message>
     <message>
         <source>Visible area</source>
-        <translation type="unfinished"></translation>
+        <translation>Sichtbarer Bereich</translation>
     </message>
     <message>
         <source>Wait until it has finished, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Warten Sie, bis es fertig ist, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Wait until it is done, then try again.</source>
@@ -5870,43 +5878,43 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Wait until tomorrow or upgrade your CloudApp account.</source>
-        <translation type="unfinished"></translation>
+        <translation>Warten Sie bis morgen, oder erweitern Sie Ihr CloudApp-Konto.</translation>
     </message>
     <message>
         <source>Waiting for you to allow it in the web browser…</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wird gewartet, bis Sie es im Webbrowser erlauben…</translation>
     </message>
     <message>
         <source>Waveform audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Waveform-Audio</translation>
     </message>
     <message>
         <source>Web Page…</source>
-        <translation type="unfinished"></translation>
+        <translation>Webseite…</translation>
     </message>
     <message>
         <source>Web page</source>
-        <translation type="unfinished"></translation>
+        <translation>Webseite</translation>
     </message>
     <message>
         <source>Web pages cannot be captured now. Restart Zelto, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Webseiten können jetzt nicht aufgenommen werden. Starten Sie Zelto neu, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>WebM movie</source>
-        <translation type="unfinished"></translation>
+        <translation>WebM-Film</translation>
     </message>
     <message>
         <source>WebP image</source>
-        <translation type="unfinished"></translation>
+        <translation>WebP-Bild</translation>
     </message>
     <message>
         <source>WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files.</source>
-        <translation type="unfinished"></translation>
+        <translation>WebP, HEIC, AVIF, JPEG XL und Sketch-Dokumente, die einzelne Dateien sind.</translation>
     </message>
     <message>
         <source>What a page sent is too long. Choose fewer images.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was eine Seite gesendet hat, ist zu lang. Wählen Sie weniger Bilder.</translation>
     </message>
     <message>
         <source>What came is no announcement of versions. If you are in a network that asks for a login first, log in and check again.</source>
@@ -5914,23 +5922,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>What is captured</source>
-        <translation type="unfinished"></translation>
+        <translation>Was aufgenommen wird</translation>
     </message>
     <message>
         <source>What is left of an import cannot be read: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was von einem Import übrig ist, kann nicht gelesen werden: %@.</translation>
     </message>
     <message>
         <source>What is mounted there is out of reach. Connect its drive again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was dort eingehängt ist, ist nicht erreichbar. Verbinden Sie das Laufwerk wieder.</translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Auswahl in der Seitenleiste ist leer.</translation>
     </message>
     <message>
         <source>What is to be sent cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was gesendet werden soll, kann nicht gelesen werden.</translation>
     </message>
     <message>
         <source>What was counted</source>
@@ -5938,27 +5946,27 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>What was found</source>
-        <translation type="unfinished"></translation>
+        <translation>Was gefunden wurde</translation>
     </message>
     <message>
         <source>What was imported cannot be noted in %@: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was importiert wurde, kann nicht in %@ vermerkt werden: %@.</translation>
     </message>
     <message>
         <source>What was imported cannot be read from %@: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was importiert wurde, kann nicht aus %@ gelesen werden: %@.</translation>
     </message>
     <message>
         <source>What was imported could not be looked up: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Was importiert wurde, konnte nicht nachgeschlagen werden: %@</translation>
     </message>
     <message>
         <source>What was imported was deleted since.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was importiert wurde, ist seither gelöscht worden.</translation>
     </message>
     <message>
         <source>What you capture of the screen comes here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was Sie vom Bildschirm aufnehmen, kommt hierher.</translation>
     </message>
     <message>
         <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
@@ -5974,11 +5982,11 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Whole Screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Ganzer Bildschirm</translation>
     </message>
     <message>
         <source>Whole page</source>
-        <translation type="unfinished"></translation>
+        <translation>Ganze Seite</translation>
     </message>
     <message>
         <source>Whole scr&amp;een</source>
@@ -5986,31 +5994,31 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Width</source>
-        <translation type="unfinished"></translation>
+        <translation>Breite</translation>
     </message>
     <message>
         <source>Width and height</source>
-        <translation type="unfinished"></translation>
+        <translation>Breite und Höhe</translation>
     </message>
     <message>
         <source>Width of the page in pixels</source>
-        <translation type="unfinished"></translation>
+        <translation>Breite der Seite in Pixeln</translation>
     </message>
     <message>
         <source>Window</source>
-        <translation type="unfinished"></translation>
+        <translation>Fenster</translation>
     </message>
     <message>
         <source>Window to capture</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufzunehmendes Fenster</translation>
     </message>
     <message>
         <source>Windows icon image</source>
-        <translation type="unfinished"></translation>
+        <translation>Windows-Symbolbild</translation>
     </message>
     <message>
         <source>With “raw” there is no form: leave out “file” and “fields”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Mit „raw“ gibt es kein Formular: Lassen Sie „file“ und „fields“ weg.</translation>
     </message>
     <message>
         <source>Without a command the window opens, with the files that are named. A command does one thing and exits; when a window has the library open, it runs in the window's process, so that two processes never write one library.</source>
@@ -6026,47 +6034,47 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Without its window Zelto takes no pictures of the screen.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ohne sein Fenster nimmt Zelto keine Bildschirmfotos auf.</translation>
     </message>
     <message>
         <source>Word document</source>
-        <translation type="unfinished"></translation>
+        <translation>Word-Dokument</translation>
     </message>
     <message>
         <source>Would you like to import the following duplicate image?</source>
-        <translation type="unfinished"></translation>
+        <translation>Möchten Sie das folgende Duplikat eines Bildes importieren?</translation>
     </message>
     <message>
         <source>Write &lt;, = or &gt; behind “%@”, and then what to compare with.</source>
-        <translation type="unfinished"></translation>
+        <translation>Schreiben Sie &lt;, = oder &gt; hinter „%@“ und danach, womit verglichen werden soll.</translation>
     </message>
     <message>
         <source>Writing notes…</source>
-        <translation type="unfinished"></translation>
+        <translation>Notizen werden geschrieben…</translation>
     </message>
     <message>
         <source>Writing the file…</source>
-        <translation type="unfinished"></translation>
+        <translation>Datei wird geschrieben…</translation>
     </message>
     <message>
         <source>Writing the license…</source>
-        <translation type="unfinished"></translation>
+        <translation>Lizenz wird geschrieben…</translation>
     </message>
     <message>
         <source>Writing the source…</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle wird geschrieben…</translation>
     </message>
     <message>
         <source>XML document</source>
-        <translation type="unfinished"></translation>
+        <translation>XML-Dokument</translation>
     </message>
     <message>
         <source>Yesterday, %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Gestern, %@</translation>
     </message>
     <message>
         <source>You can close this tab and go back to Zelto.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie können diesen Tab schließen und zu Zelto zurückkehren.</translation>
     </message>
     <message>
         <source>You have %@.</source>
@@ -6074,55 +6082,55 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>You have exceded your maximum daily upload limit</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie haben die tägliche Höchstgrenze zum Hochladen überschritten</translation>
     </message>
     <message>
         <source>You have no permission to read it. Change its permissions and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie haben keine Leseberechtigung. Ändern Sie die Zugriffsrechte, und importieren Sie die Datei noch einmal.</translation>
     </message>
     <message>
         <source>You may not change its folder. Change the folder's permissions, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie dürfen ihren Ordner nicht ändern. Ändern Sie die Zugriffsrechte des Ordners, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>You may not write into “%@”. Change its permissions, or choose another folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie dürfen nicht in „%@“ schreiben. Ändern Sie die Zugriffsrechte, oder wählen Sie einen anderen Ordner.</translation>
     </message>
     <message>
         <source>You may not write to the files there. Change their permissions to let their tags travel with them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie dürfen nicht in die Dateien dort schreiben. Ändern Sie deren Zugriffsrechte, damit ihre Schlagwörter sie begleiten.</translation>
     </message>
     <message>
         <source>Your Dropbox is full.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Dropbox ist voll.</translation>
     </message>
     <message>
         <source>Your desktop shows no status icons. The commands are in the menu, and as “zelto snap area”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Arbeitsumgebung zeigt keine Statussymbole. Die Befehle finden Sie im Menü und als „zelto snap area“.</translation>
     </message>
     <message>
         <source>Your desktop shows status icons. The same commands are in the menu, and as “zelto snap area”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Arbeitsumgebung zeigt Statussymbole. Dieselben Befehle finden Sie im Menü und als „zelto snap area“.</translation>
     </message>
     <message>
         <source>Your server does not accept the user name and the password.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihr Server nimmt den Benutzernamen und das Passwort nicht an.</translation>
     </message>
     <message>
         <source>Your server is full.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihr Server ist voll.</translation>
     </message>
     <message>
         <source>Your server needs the name of a user.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihr Server braucht einen Benutzernamen.</translation>
     </message>
     <message>
         <source>Your share of the disk is used up. Make room there, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihr Anteil am Datenträger ist aufgebraucht. Schaffen Sie dort Platz, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>ZIP archive</source>
-        <translation type="unfinished"></translation>
+        <translation>ZIP-Archiv</translation>
     </message>
     <message>
         <source>Zelto %@ is the newest version.</source>
@@ -6138,11 +6146,11 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Zelto can copy everything that can still be read into a new store. The damaged one is kept beside it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto kann alles noch Lesbare in eine neue Datenbank kopieren. Die beschädigte wird daneben aufbewahrt.</translation>
     </message>
     <message>
         <source>Zelto can quit, open again and copy everything that can still be read into a new store. The damaged one is kept beside it. Until then some items cannot be shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto kann sich beenden, neu öffnen und alles noch Lesbare in eine neue Datenbank kopieren. Die beschädigte wird daneben aufbewahrt. Bis dahin können einige Objekte nicht angezeigt werden.</translation>
     </message>
     <message>
         <source>Zelto could not look for new versions</source>
@@ -6154,7 +6162,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Zelto ended before all files were in the library. It can go on with those that are missing. What is in the library stays there either way.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wurde beendet, bevor alle Dateien in der Bibliothek waren. Es kann mit den fehlenden fortfahren. Was in der Bibliothek ist, bleibt in jedem Fall dort.</translation>
     </message>
     <message>
         <source>Zelto ended unexpectedly</source>
@@ -6162,23 +6170,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Zelto has the library in use but not open: answer what it asks, then try again</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto verwendet die Bibliothek, hat sie aber nicht geöffnet: Beantworten Sie seine Frage, und versuchen Sie es dann noch einmal</translation>
     </message>
     <message>
         <source>Zelto is about to quit.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wird gleich beendet.</translation>
     </message>
     <message>
         <source>Zelto is importing files</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto importiert gerade Dateien</translation>
     </message>
     <message>
         <source>Zelto is importing files, are you sure to quit?</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto importiert gerade Dateien. Wirklich beenden?</translation>
     </message>
     <message>
         <source>Zelto is quitting, and takes nothing into the library any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wird beendet und nimmt nichts mehr in die Bibliothek auf.</translation>
     </message>
     <message>
         <source>Zelto is there when you have logged in.</source>
@@ -6190,23 +6198,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Zelto is uploading files</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto lädt gerade Dateien hoch</translation>
     </message>
     <message>
         <source>Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto lädt gerade Dateien hoch. Wirklich beenden? Was noch nicht hochgeladen ist, wird es dann nicht mehr.</translation>
     </message>
     <message>
         <source>Zelto is uploading other files; try again when that is done</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto lädt gerade andere Dateien hoch; versuchen Sie es danach noch einmal</translation>
     </message>
     <message>
         <source>Zelto quit before the picture was in the library; where it was being imported, the import goes on when Zelto opens the library the next time</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wurde beendet, bevor das Bild in der Bibliothek war; lief der Import schon, wird er fortgesetzt, wenn Zelto die Bibliothek das nächste Mal öffnet</translation>
     </message>
     <message>
         <source>Zelto therefore draws no EPS and PostScript files and uses no thumbnailers of the desktop. A Linux kernel with Landlock (5.13 or newer) changes that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto zeichnet daher keine EPS- und PostScript-Dateien und verwendet keine Miniaturprogramme der Arbeitsumgebung. Ein Linux-Kernel mit Landlock (5.13 oder neuer) ändert das.</translation>
     </message>
     <message>
         <source>Zelto was installed by %@, which brings new versions, too.</source>
@@ -6214,127 +6222,127 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Zelto was quit before it could be imported. Import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wurde beendet, bevor sie importiert werden konnte. Importieren Sie sie noch einmal.</translation>
     </message>
     <message>
         <source>Zelto was quit or opened another library meanwhile; what was read before that stays, ask again for the rest</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wurde inzwischen beendet oder hat eine andere Bibliothek geöffnet; was vorher gelesen wurde, bleibt; den Rest noch einmal anfordern</translation>
     </message>
     <message>
         <source>Zelto will now quit</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wird jetzt beendet</translation>
     </message>
     <message>
         <source>Zip export</source>
-        <translation type="unfinished"></translation>
+        <translation>Zip-Export</translation>
     </message>
     <message>
         <source>Zoom</source>
-        <translation type="unfinished"></translation>
+        <translation>Zoom</translation>
     </message>
     <message>
         <source>Zoom (+ and −)</source>
-        <translation type="unfinished"></translation>
+        <translation>Zoom (+ und −)</translation>
     </message>
     <message>
         <source>Zoom In</source>
-        <translation type="unfinished"></translation>
+        <translation>Vergrößern</translation>
     </message>
     <message>
         <source>Zoom Out</source>
-        <translation type="unfinished"></translation>
+        <translation>Verkleinern</translation>
     </message>
     <message>
         <source>a comparison</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Vergleich</translation>
     </message>
     <message>
         <source>a date needs a number of seconds since 2001 within 30 000 years</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Datum braucht eine Anzahl von Sekunden seit 2001 innerhalb von 30 000 Jahren</translation>
     </message>
     <message>
         <source>a file has the name of its folder</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Datei trägt den Namen ihres Ordners</translation>
     </message>
     <message>
         <source>a file of this name is in its way</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Datei dieses Namens ist im Weg</translation>
     </message>
     <message>
         <source>a key path or a value</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Schlüsselpfad oder ein Wert</translation>
     </message>
     <message>
         <source>a list can only stand left of CONTAINS or right of IN and BETWEEN</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Liste kann nur links von CONTAINS oder rechts von IN und BETWEEN stehen</translation>
     </message>
     <message>
         <source>a list cannot hold a list</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Liste kann keine Liste enthalten</translation>
     </message>
     <message>
         <source>a malformed \u escape</source>
-        <translation type="unfinished"></translation>
+        <translation>eine fehlerhafte \u-Sequenz</translation>
     </message>
     <message>
         <source>a malformed number</source>
-        <translation type="unfinished"></translation>
+        <translation>eine fehlerhafte Zahl</translation>
     </message>
     <message>
         <source>a name and a password are needed</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Name und ein Passwort werden benötigt</translation>
     </message>
     <message>
         <source>a number</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Zahl</translation>
     </message>
     <message>
         <source>a page is captured %d to %d pixels wide</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Seite wird mit einer Breite von %d bis %d Pixeln aufgenommen</translation>
     </message>
     <message>
         <source>a quotation that is not closed</source>
-        <translation type="unfinished"></translation>
+        <translation>ein nicht geschlossenes Anführungszeichen</translation>
     </message>
     <message>
         <source>a search has at most %d characters</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Suche hat höchstens %d Zeichen</translation>
     </message>
     <message>
         <source>a server behind it does not answer</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Server dahinter antwortet nicht</translation>
     </message>
     <message>
         <source>a smart folder needs a title</source>
-        <translation type="unfinished"></translation>
+        <translation>ein intelligenter Ordner braucht einen Titel</translation>
     </message>
     <message>
         <source>a tag needs a name</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Schlagwort braucht einen Namen</translation>
     </message>
     <message>
         <source>a value of the type %@ cannot be compared</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Wert des Typs %@ kann nicht verglichen werden</translation>
     </message>
     <message>
         <source>access refused</source>
-        <translation type="unfinished"></translation>
+        <translation>Zugriff verweigert</translation>
     </message>
     <message>
         <source>add export preset</source>
-        <translation type="unfinished"></translation>
+        <translation>Export-Voreinstellung hinzufügen</translation>
     </message>
     <message>
         <source>add live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner hinzufügen</translation>
     </message>
     <message>
         <source>an address, --width, --psd and --visible are only for zelto snap web</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Adresse, --width, --psd und --visible sind nur für zelto snap web</translation>
     </message>
     <message>
         <source>an error in the server</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Fehler im Server</translation>
     </message>
     <message>
         <source>an error, in which case nothing was changed; a change of many items that fails or is cancelled keeps what was done before that</source>
@@ -6342,107 +6350,107 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>an unknown character "%@"</source>
-        <translation type="unfinished"></translation>
+        <translation>ein unbekanntes Zeichen „%@“</translation>
     </message>
     <message>
         <source>an unknown placeholder</source>
-        <translation type="unfinished"></translation>
+        <translation>ein unbekannter Platzhalter</translation>
     </message>
     <message>
         <source>and</source>
-        <translation type="unfinished"></translation>
+        <translation>und</translation>
     </message>
     <message>
         <source>and %d more</source>
-        <translation type="unfinished"></translation>
+        <translation>und %d weitere</translation>
     </message>
     <message>
         <source>at character %ld of the search, “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>bei Zeichen %ld der Suche, „%@“: %@</translation>
     </message>
     <message>
         <source>bad request</source>
-        <translation type="unfinished"></translation>
+        <translation>ungültige Anfrage</translation>
     </message>
     <message>
         <source>before %@</source>
-        <translation type="unfinished"></translation>
+        <translation>vor %@</translation>
     </message>
     <message>
         <source>belongs to no item; the next launch takes it back or removes it: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>gehört zu keinem Objekt; der nächste Start nimmt es wieder auf oder entfernt es: %@</translation>
     </message>
     <message>
         <source>black</source>
-        <translation type="unfinished"></translation>
+        <translation>schwarz</translation>
     </message>
     <message>
         <source>blue</source>
-        <translation type="unfinished"></translation>
+        <translation>blau</translation>
     </message>
     <message>
         <source>brush</source>
-        <translation type="unfinished"></translation>
+        <translation>Pinsel</translation>
     </message>
     <message>
         <source>capturing what a browser shows needs the window: run `zelto` with this address instead, or `zelto snap web` with that of the page</source>
-        <translation type="unfinished"></translation>
+        <translation>was ein Browser zeigt, kann nur mit dem Fenster aufgenommen werden: stattdessen `zelto` mit dieser Adresse ausführen oder `zelto snap web` mit der Adresse der Seite</translation>
     </message>
     <message>
         <source>change search of '%@'</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche von „%@“ ändern</translation>
     </message>
     <message>
         <source>chosen</source>
-        <translation type="unfinished"></translation>
+        <translation>ausgewählt</translation>
     </message>
     <message>
         <source>close bracket</source>
-        <translation type="unfinished"></translation>
+        <translation>Klammer zu</translation>
     </message>
     <message>
         <source>color</source>
-        <translation type="unfinished"></translation>
+        <translation>Farbe</translation>
     </message>
     <message>
         <source>copy files</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien kopieren</translation>
     </message>
     <message>
         <source>copy items</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte kopieren</translation>
     </message>
     <message>
         <source>date</source>
-        <translation type="unfinished"></translation>
+        <translation>Datum</translation>
     </message>
     <message>
         <source>delete %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ löschen</translation>
     </message>
     <message>
         <source>delete export preset</source>
-        <translation type="unfinished"></translation>
+        <translation>Export-Voreinstellung löschen</translation>
     </message>
     <message>
         <source>delete items</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte löschen</translation>
     </message>
     <message>
         <source>delete items and content</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte und Inhalt löschen</translation>
     </message>
     <message>
         <source>disable %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ deaktivieren</translation>
     </message>
     <message>
         <source>disable live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner deaktivieren</translation>
     </message>
     <message>
         <source>document</source>
-        <translation type="unfinished"></translation>
+        <translation>Dokument</translation>
     </message>
     <message>
         <source>done in part, or something was found: `verify` found something wrong, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
@@ -6454,147 +6462,147 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>duplicate items</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte duplizieren</translation>
     </message>
     <message>
         <source>edit license</source>
-        <translation type="unfinished"></translation>
+        <translation>Lizenz bearbeiten</translation>
     </message>
     <message>
         <source>edit notes</source>
-        <translation type="unfinished"></translation>
+        <translation>Notizen bearbeiten</translation>
     </message>
     <message>
         <source>edit source</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle bearbeiten</translation>
     </message>
     <message>
         <source>edit tags</source>
-        <translation type="unfinished"></translation>
+        <translation>Schlagwörter bearbeiten</translation>
     </message>
     <message>
         <source>enable %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ aktivieren</translation>
     </message>
     <message>
         <source>enable live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner aktivieren</translation>
     </message>
     <message>
         <source>expected %@, found %@</source>
-        <translation type="unfinished"></translation>
+        <translation>erwartet: %@, gefunden: %@</translation>
     </message>
     <message>
         <source>exported in part: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>teilweise exportiert: %@: %@</translation>
     </message>
     <message>
         <source>extension</source>
-        <translation type="unfinished"></translation>
+        <translation>Endung</translation>
     </message>
     <message>
         <source>files as they are keep their size; choose a --format to scale them</source>
-        <translation type="unfinished"></translation>
+        <translation>unveränderte Dateien behalten ihre Größe; zum Skalieren ein --format wählen</translation>
     </message>
     <message>
         <source>font</source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift</translation>
     </message>
     <message>
         <source>gone for good</source>
-        <translation type="unfinished"></translation>
+        <translation>endgültig entfernt</translation>
     </message>
     <message>
         <source>gray</source>
-        <translation type="unfinished"></translation>
+        <translation>grau</translation>
     </message>
     <message>
         <source>green</source>
-        <translation type="unfinished"></translation>
+        <translation>grün</translation>
     </message>
     <message>
         <source>icon</source>
-        <translation type="unfinished"></translation>
+        <translation>symbol</translation>
     </message>
     <message>
         <source>icon … vector</source>
-        <translation type="unfinished"></translation>
+        <translation>symbol … vektor</translation>
     </message>
     <message>
         <source>image</source>
-        <translation type="unfinished"></translation>
+        <translation>Bild</translation>
     </message>
     <message>
         <source>imported in part: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>teilweise importiert: %@: %@</translation>
     </message>
     <message>
         <source>in trash</source>
-        <translation type="unfinished"></translation>
+        <translation>im Papierkorb</translation>
     </message>
     <message>
         <source>is a link and no folder of an item, and stays as it is: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>ist ein Link und kein Ordner eines Objekts und bleibt unverändert: %@</translation>
     </message>
     <message>
         <source>is named like the folder of an item, in other letters, and stays as it is: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>heißt bis auf Groß- und Kleinschreibung wie der Ordner eines Objekts und bleibt unverändert: %@</translation>
     </message>
     <message>
         <source>it ends too early</source>
-        <translation type="unfinished"></translation>
+        <translation>es endet zu früh</translation>
     </message>
     <message>
         <source>it holds more than %d MB</source>
-        <translation type="unfinished"></translation>
+        <translation>es enthält mehr als %d MB</translation>
     </message>
     <message>
         <source>it holds more than %d files</source>
-        <translation type="unfinished"></translation>
+        <translation>es enthält mehr als %d Dateien</translation>
     </message>
     <message>
         <source>it is a link</source>
-        <translation type="unfinished"></translation>
+        <translation>es ist ein Link</translation>
     </message>
     <message>
         <source>it is no file that an import would leave</source>
-        <translation type="unfinished"></translation>
+        <translation>es ist keine Datei, die ein Import hinterlassen würde</translation>
     </message>
     <message>
         <source>it is no regular file</source>
-        <translation type="unfinished"></translation>
+        <translation>es ist keine gewöhnliche Datei</translation>
     </message>
     <message>
         <source>it lies in more than %d other archives</source>
-        <translation type="unfinished"></translation>
+        <translation>es liegt in mehr als %d anderen Archiven</translation>
     </message>
     <message>
         <source>it lies too deep in folders</source>
-        <translation type="unfinished"></translation>
+        <translation>es liegt zu tief in Ordnern</translation>
     </message>
     <message>
         <source>it needs too much memory</source>
-        <translation type="unfinished"></translation>
+        <translation>es braucht zu viel Speicher</translation>
     </message>
     <message>
         <source>it took too long</source>
-        <translation type="unfinished"></translation>
+        <translation>es hat zu lange gedauert</translation>
     </message>
     <message>
         <source>it was cancelled; the copied files stay, and the next `zelto sync` makes their items</source>
-        <translation type="unfinished"></translation>
+        <translation>der Vorgang wurde abgebrochen; die kopierten Dateien bleiben, und der nächste Aufruf von `zelto sync` legt ihre Objekte an</translation>
     </message>
     <message>
         <source>it was cancelled; the live folder is still there</source>
-        <translation type="unfinished"></translation>
+        <translation>der Vorgang wurde abgebrochen; der Live-Ordner ist noch da</translation>
     </message>
     <message>
         <source>it was cancelled; what was changed before that stays so</source>
-        <translation type="unfinished"></translation>
+        <translation>der Vorgang wurde abgebrochen; was vorher geändert wurde, bleibt so</translation>
     </message>
     <message>
         <source>it was cancelled; what was read before that stays in the library, and the next `zelto sync` goes on</source>
-        <translation type="unfinished"></translation>
+        <translation>der Vorgang wurde abgebrochen; was vorher gelesen wurde, bleibt in der Bibliothek, und der nächste Aufruf von `zelto sync` fährt fort</translation>
     </message>
     <message>
         <source>it was given up</source>
@@ -6602,23 +6610,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>its content has changed</source>
-        <translation type="unfinished"></translation>
+        <translation>sein Inhalt hat sich geändert</translation>
     </message>
     <message>
         <source>its content is more than %d times as large</source>
-        <translation type="unfinished"></translation>
+        <translation>sein Inhalt ist mehr als %d-mal so groß</translation>
     </message>
     <message>
         <source>its end is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>sein Ende fehlt</translation>
     </message>
     <message>
         <source>its name cannot be read</source>
-        <translation type="unfinished"></translation>
+        <translation>sein Name kann nicht gelesen werden</translation>
     </message>
     <message>
         <source>its name leads out of the archive</source>
-        <translation type="unfinished"></translation>
+        <translation>sein Name führt aus dem Archiv hinaus</translation>
     </message>
     <message>
         <source>keep a library of assets</source>
@@ -6626,75 +6634,75 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>kind</source>
-        <translation type="unfinished"></translation>
+        <translation>Art</translation>
     </message>
     <message>
         <source>large</source>
-        <translation type="unfinished"></translation>
+        <translation>groß</translation>
     </message>
     <message>
         <source>last 7 days</source>
-        <translation type="unfinished"></translation>
+        <translation>letzte 7 Tage</translation>
     </message>
     <message>
         <source>live folders are not kept in step here</source>
-        <translation type="unfinished"></translation>
+        <translation>Live-Ordner werden hier nicht abgeglichen</translation>
     </message>
     <message>
         <source>medium</source>
-        <translation type="unfinished"></translation>
+        <translation>mittel</translation>
     </message>
     <message>
         <source>missing</source>
-        <translation type="unfinished"></translation>
+        <translation>fehlt</translation>
     </message>
     <message>
         <source>missing: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>fehlt: %@: %@</translation>
     </message>
     <message>
         <source>move export preset</source>
-        <translation type="unfinished"></translation>
+        <translation>Export-Voreinstellung verschieben</translation>
     </message>
     <message>
         <source>move items</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte verschieben</translation>
     </message>
     <message>
         <source>move sidebar items</source>
-        <translation type="unfinished"></translation>
+        <translation>Einträge der Seitenleiste verschieben</translation>
     </message>
     <message>
         <source>name</source>
-        <translation type="unfinished"></translation>
+        <translation>Name</translation>
     </message>
     <message>
         <source>name at least one item, and after the items a rating from 0 to 5</source>
-        <translation type="unfinished"></translation>
+        <translation>mindestens ein Objekt angeben und nach den Objekten eine Bewertung von 0 bis 5</translation>
     </message>
     <message>
         <source>name at least one item, and after the items the text of the note</source>
-        <translation type="unfinished"></translation>
+        <translation>mindestens ein Objekt angeben und nach den Objekten den Text der Notiz</translation>
     </message>
     <message>
         <source>name the addresses of the images</source>
-        <translation type="unfinished"></translation>
+        <translation>die Adressen der Bilder angeben</translation>
     </message>
     <message>
         <source>name the items to export, or write --in with a sidebar entry</source>
-        <translation type="unfinished"></translation>
+        <translation>die zu exportierenden Objekte angeben oder --in mit einem Eintrag der Seitenleiste schreiben</translation>
     </message>
     <message>
         <source>name the items to share, or write --in with a sidebar entry</source>
-        <translation type="unfinished"></translation>
+        <translation>die zu teilenden Objekte angeben oder --in mit einem Eintrag der Seitenleiste schreiben</translation>
     </message>
     <message>
         <source>name the page, as zelto snap web https://example.org</source>
-        <translation type="unfinished"></translation>
+        <translation>die Seite angeben, etwa zelto snap web https://example.org</translation>
     </message>
     <message>
         <source>name what to import, or write --resume or --forget</source>
-        <translation type="unfinished"></translation>
+        <translation>angeben, was importiert werden soll, oder --resume oder --forget schreiben</translation>
     </message>
     <message>
         <source>new</source>
@@ -6702,303 +6710,303 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>none</source>
-        <translation type="unfinished"></translation>
+        <translation>keine</translation>
     </message>
     <message>
         <source>none of the images could be downloaded</source>
-        <translation type="unfinished"></translation>
+        <translation>keines der Bilder konnte heruntergeladen werden</translation>
     </message>
     <message>
         <source>none of the items could be exported</source>
-        <translation type="unfinished"></translation>
+        <translation>keines der Objekte konnte exportiert werden</translation>
     </message>
     <message>
         <source>none of the items has a file to share</source>
-        <translation type="unfinished"></translation>
+        <translation>keines der Objekte hat eine Datei zum Teilen</translation>
     </message>
     <message>
         <source>not</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht</translation>
     </message>
     <message>
         <source>not available at the moment</source>
-        <translation type="unfinished"></translation>
+        <translation>zurzeit nicht verfügbar</translation>
     </message>
     <message>
         <source>not available for legal reasons</source>
-        <translation type="unfinished"></translation>
+        <translation>aus rechtlichen Gründen nicht verfügbar</translation>
     </message>
     <message>
         <source>not chosen</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht ausgewählt</translation>
     </message>
     <message>
         <source>not downloaded: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht heruntergeladen: %@: %@</translation>
     </message>
     <message>
         <source>not exported: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht exportiert: %@: %@</translation>
     </message>
     <message>
         <source>not found</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht gefunden</translation>
     </message>
     <message>
         <source>not imported: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht importiert: %@: %@</translation>
     </message>
     <message>
         <source>not imported: %d files: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht importiert: %d Dateien: %@</translation>
     </message>
     <message>
         <source>not shared: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>nicht geteilt: %@: %@</translation>
     </message>
     <message>
         <source>note: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Hinweis: %@: %@</translation>
     </message>
     <message>
         <source>nothing</source>
-        <translation type="unfinished"></translation>
+        <translation>nichts</translation>
     </message>
     <message>
         <source>nothing selected</source>
-        <translation type="unfinished"></translation>
+        <translation>nichts ausgewählt</translation>
     </message>
     <message>
         <source>nothing was imported from “%@”, which nobody has agreed to yet. %@ Add --yes if you asked for this in the browser</source>
-        <translation type="unfinished"></translation>
+        <translation>von „%@“ wurde nichts importiert, da dem noch niemand zugestimmt hat. %@ Fügen Sie --yes hinzu, wenn Sie dies im Browser veranlasst haben</translation>
     </message>
     <message>
         <source>off</source>
-        <translation type="unfinished"></translation>
+        <translation>aus</translation>
     </message>
     <message>
         <source>open bracket</source>
-        <translation type="unfinished"></translation>
+        <translation>Klammer auf</translation>
     </message>
     <message>
         <source>or</source>
-        <translation type="unfinished"></translation>
+        <translation>oder</translation>
     </message>
     <message>
         <source>orange</source>
-        <translation type="unfinished"></translation>
+        <translation>orange</translation>
     </message>
     <message>
         <source>orig</source>
-        <translation type="unfinished"></translation>
+        <translation>orig</translation>
     </message>
     <message>
         <source>pink</source>
-        <translation type="unfinished"></translation>
+        <translation>rosa</translation>
     </message>
     <message>
         <source>pixels</source>
-        <translation type="unfinished"></translation>
+        <translation>Pixel</translation>
     </message>
     <message>
         <source>purple</source>
-        <translation type="unfinished"></translation>
+        <translation>lila</translation>
     </message>
     <message>
         <source>rate</source>
-        <translation type="unfinished"></translation>
+        <translation>bewerten</translation>
     </message>
     <message>
         <source>red</source>
-        <translation type="unfinished"></translation>
+        <translation>rot</translation>
     </message>
     <message>
         <source>remove items</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte entfernen</translation>
     </message>
     <message>
         <source>remove rating</source>
-        <translation type="unfinished"></translation>
+        <translation>Bewertung entfernen</translation>
     </message>
     <message>
         <source>rename '%@' in '%@'</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ in „%@“ umbenennen</translation>
     </message>
     <message>
         <source>say which tags: --add TAG, --remove TAG, or both, each as often as needed</source>
-        <translation type="unfinished"></translation>
+        <translation>die Schlagwörter angeben: --add TAG, --remove TAG oder beides, jeweils so oft wie nötig</translation>
     </message>
     <message>
         <source>small</source>
-        <translation type="unfinished"></translation>
+        <translation>klein</translation>
     </message>
     <message>
         <source>somebody else removed the live folder meanwhile</source>
-        <translation type="unfinished"></translation>
+        <translation>der Live-Ordner wurde inzwischen anderswo entfernt</translation>
     </message>
     <message>
         <source>text</source>
-        <translation type="unfinished"></translation>
+        <translation>Text</translation>
     </message>
     <message>
         <source>the Zelto that has the library “%@” open is at it; Ctrl+C stops it</source>
-        <translation type="unfinished"></translation>
+        <translation>das Zelto, in dem die Bibliothek „%@“ geöffnet ist, arbeitet daran; Strg+C hält es an</translation>
     </message>
     <message>
         <source>the argument for %@ is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>das Argument für %@ fehlt</translation>
     </message>
     <message>
         <source>the argument for %@ is not a number</source>
-        <translation type="unfinished"></translation>
+        <translation>das Argument für %@ ist keine Zahl</translation>
     </message>
     <message>
         <source>the conditions are nested too deeply</source>
-        <translation type="unfinished"></translation>
+        <translation>die Bedingungen sind zu tief verschachtelt</translation>
     </message>
     <message>
         <source>the download was cancelled; nothing was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>das Herunterladen wurde abgebrochen; nichts wurde importiert</translation>
     </message>
     <message>
         <source>the download was cancelled; what is listed was imported before that</source>
-        <translation type="unfinished"></translation>
+        <translation>das Herunterladen wurde abgebrochen; was aufgeführt ist, wurde vorher importiert</translation>
     </message>
     <message>
         <source>the end</source>
-        <translation type="unfinished"></translation>
+        <translation>das Ende</translation>
     </message>
     <message>
         <source>the export was cancelled; nothing was written</source>
-        <translation type="unfinished"></translation>
+        <translation>der Export wurde abgebrochen; nichts wurde geschrieben</translation>
     </message>
     <message>
         <source>the export was cancelled; what was written before that stays</source>
-        <translation type="unfinished"></translation>
+        <translation>der Export wurde abgebrochen; was vorher geschrieben wurde, bleibt</translation>
     </message>
     <message>
         <source>the file is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>die Datei fehlt</translation>
     </message>
     <message>
         <source>the import was cancelled; nothing was kept</source>
-        <translation type="unfinished"></translation>
+        <translation>der Import wurde abgebrochen; nichts wurde behalten</translation>
     </message>
     <message>
         <source>the import was cancelled; what is listed was imported before that</source>
-        <translation type="unfinished"></translation>
+        <translation>der Import wurde abgebrochen; was aufgeführt ist, wurde vorher importiert</translation>
     </message>
     <message>
         <source>the items can't be counted; `zelto verify` says what is wrong with the library</source>
-        <translation type="unfinished"></translation>
+        <translation>die Objekte können nicht gezählt werden; `zelto verify` sagt, was mit der Bibliothek nicht stimmt</translation>
     </message>
     <message>
         <source>the library can't be opened</source>
-        <translation type="unfinished"></translation>
+        <translation>die Bibliothek kann nicht geöffnet werden</translation>
     </message>
     <message>
         <source>the library could not be saved, so nothing was removed</source>
-        <translation type="unfinished"></translation>
+        <translation>die Bibliothek konnte nicht gespeichert werden, daher wurde nichts entfernt</translation>
     </message>
     <message>
         <source>the library is not open</source>
-        <translation type="unfinished"></translation>
+        <translation>die Bibliothek ist nicht geöffnet</translation>
     </message>
     <message>
         <source>the library is open in a window; quitting it purges</source>
-        <translation type="unfinished"></translation>
+        <translation>die Bibliothek ist in einem Fenster geöffnet; beim Beenden wird sie bereinigt</translation>
     </message>
     <message>
         <source>the list was given up</source>
-        <translation type="unfinished"></translation>
+        <translation>die Liste wurde abgebrochen</translation>
     </message>
     <message>
         <source>the option c, d or cd</source>
-        <translation type="unfinished"></translation>
+        <translation>die Option c, d oder cd</translation>
     </message>
     <message>
         <source>the pattern is invalid: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>das Muster ist ungültig: %@</translation>
     </message>
     <message>
         <source>the preference “%@” is not set</source>
-        <translation type="unfinished"></translation>
+        <translation>die Einstellung „%@“ ist nicht gesetzt</translation>
     </message>
     <message>
         <source>the request took too long</source>
-        <translation type="unfinished"></translation>
+        <translation>die Anfrage hat zu lange gedauert</translation>
     </message>
     <message>
         <source>the request was refused</source>
-        <translation type="unfinished"></translation>
+        <translation>die Anfrage wurde abgelehnt</translation>
     </message>
     <message>
         <source>the search was given up</source>
-        <translation type="unfinished"></translation>
+        <translation>die Suche wurde abgebrochen</translation>
     </message>
     <message>
         <source>the service gave no reason; try again later</source>
-        <translation type="unfinished"></translation>
+        <translation>der Dienst hat keinen Grund genannt; versuchen Sie es später noch einmal</translation>
     </message>
     <message>
         <source>the tags can't be read; `zelto verify` says what is wrong with the library</source>
-        <translation type="unfinished"></translation>
+        <translation>die Schlagwörter können nicht gelesen werden; `zelto verify` sagt, was mit der Bibliothek nicht stimmt</translation>
     </message>
     <message>
         <source>the template “%@” became no asset: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>aus der Vorlage „%@“ wurde kein Objekt: %@</translation>
     </message>
     <message>
         <source>the type "NSDate"</source>
-        <translation type="unfinished"></translation>
+        <translation>der Typ „NSDate“</translation>
     </message>
     <message>
         <source>the upload was cancelled; nothing was shared</source>
-        <translation type="unfinished"></translation>
+        <translation>das Hochladen wurde abgebrochen; nichts wurde geteilt</translation>
     </message>
     <message>
         <source>the upload was cancelled; the links above stay valid</source>
-        <translation type="unfinished"></translation>
+        <translation>das Hochladen wurde abgebrochen; die obigen Links bleiben gültig</translation>
     </message>
     <message>
         <source>the window asks whether to import the images</source>
-        <translation type="unfinished"></translation>
+        <translation>das Fenster fragt, ob die Bilder importiert werden sollen</translation>
     </message>
     <message>
         <source>there are %d presets; the panel Quick export makes more</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt %d Voreinstellungen; weitere lassen sich im Bereich „Schnellexport“ erstellen</translation>
     </message>
     <message>
         <source>there are no items to export there; of a folder of projects name one of the projects</source>
-        <translation type="unfinished"></translation>
+        <translation>dort gibt es keine Objekte zum Exportieren; bei einem Ordner mit Projekten eines der Projekte angeben</translation>
     </message>
     <message>
         <source>there are no items to share there; of a folder of projects name one of the projects</source>
-        <translation type="unfinished"></translation>
+        <translation>dort gibt es keine Objekte zum Teilen; bei einem Ordner mit Projekten eines der Projekte angeben</translation>
     </message>
     <message>
         <source>there are no templates; put files whose names end in .zttemplate into “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keine Vorlagen; legen Sie Dateien, deren Namen auf .zttemplate enden, in „%@“</translation>
     </message>
     <message>
         <source>there is no file or folder “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt weder eine Datei noch einen Ordner „%@“</translation>
     </message>
     <message>
         <source>there is no file “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keine Datei „%@“</translation>
     </message>
     <message>
         <source>there is no item “%@”; name it by its bundleID, its SHA1 or a path inside the library</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt kein Objekt „%@“; geben Sie dessen bundleID, SHA1 oder einen Pfad in der Bibliothek an</translation>
     </message>
     <message>
         <source>there is no library database “%@”; name the library with --library, or put back a copy from a backup</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keine Bibliotheksdatenbank „%@“; geben Sie die Bibliothek mit --library an, oder spielen Sie eine Sicherungskopie zurück</translation>
     </message>
     <message>
         <source>there is no preference “%@”; `zelto defaults read` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keine Einstellung „%@“; `zelto defaults read` führt sie auf</translation>
     </message>
     <message>
         <source>there is no report of a crash</source>
@@ -7006,135 +7014,135 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>there is no service “%@”; there are %@</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keinen Dienst „%@“; vorhanden sind %@</translation>
     </message>
     <message>
         <source>there is no sidebar entry “%@”; `zelto sidebar` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keinen Eintrag „%@“ in der Seitenleiste; `zelto sidebar` führt sie auf</translation>
     </message>
     <message>
         <source>there is no tag “%@”; `zelto tags` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt kein Schlagwort „%@“; `zelto tags` führt sie auf</translation>
     </message>
     <message>
         <source>there is no template “%@”; there are: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keine Vorlage „%@“; vorhanden sind: %@</translation>
     </message>
     <message>
         <source>there is nothing to search for; give a text</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt nichts, wonach gesucht werden kann; geben Sie einen Text an</translation>
     </message>
     <message>
         <source>there is nothing to search for; give a text behind the title</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt nichts, wonach gesucht werden kann; geben Sie hinter dem Titel einen Text an</translation>
     </message>
     <message>
         <source>this library has no entry “Library”; `zelto verify` checks it</source>
-        <translation type="unfinished"></translation>
+        <translation>diese Bibliothek hat keinen Eintrag „Library“; `zelto verify` prüft sie</translation>
     </message>
     <message>
         <source>this library has no entry “PROJECTS”; `zelto verify` checks it</source>
-        <translation type="unfinished"></translation>
+        <translation>diese Bibliothek hat keinen Eintrag „PROJECTS“; `zelto verify` prüft sie</translation>
     </message>
     <message>
         <source>this month</source>
-        <translation type="unfinished"></translation>
+        <translation>dieser Monat</translation>
     </message>
     <message>
         <source>this process takes no pictures of pages</source>
-        <translation type="unfinished"></translation>
+        <translation>dieser Prozess nimmt keine Seiten auf</translation>
     </message>
     <message>
         <source>this process takes no pictures of the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>dieser Prozess nimmt keine Bildschirmfotos auf</translation>
     </message>
     <message>
         <source>this program was built without a window</source>
-        <translation type="unfinished"></translation>
+        <translation>dieses Programm wurde ohne Fenster gebaut</translation>
     </message>
     <message>
         <source>this year</source>
-        <translation type="unfinished"></translation>
+        <translation>dieses Jahr</translation>
     </message>
     <message>
         <source>today</source>
-        <translation type="unfinished"></translation>
+        <translation>heute</translation>
     </message>
     <message>
         <source>too many requests</source>
-        <translation type="unfinished"></translation>
+        <translation>zu viele Anfragen</translation>
     </message>
     <message>
         <source>unrated</source>
-        <translation type="unfinished"></translation>
+        <translation>ohne Bewertung</translation>
     </message>
     <message>
         <source>vector</source>
-        <translation type="unfinished"></translation>
+        <translation>vektor</translation>
     </message>
     <message>
         <source>video</source>
-        <translation type="unfinished"></translation>
+        <translation>Video</translation>
     </message>
     <message>
         <source>waiting for another Zelto, which works on the library “%@”; Ctrl+C ends the waiting</source>
-        <translation type="unfinished"></translation>
+        <translation>es wird auf ein anderes Zelto gewartet, das an der Bibliothek „%@“ arbeitet; Strg+C beendet das Warten</translation>
     </message>
     <message>
         <source>waiting for the Zelto that has the library “%@” open, which does something else first; Ctrl+C ends the waiting</source>
-        <translation type="unfinished"></translation>
+        <translation>es wird auf das Zelto gewartet, in dem die Bibliothek „%@“ geöffnet ist und das zuerst etwas anderes erledigt; Strg+C beendet das Warten</translation>
     </message>
     <message>
         <source>what unpacks it stopped</source>
-        <translation type="unfinished"></translation>
+        <translation>das entpackende Programm wurde beendet</translation>
     </message>
     <message>
         <source>what was sent is too large</source>
-        <translation type="unfinished"></translation>
+        <translation>was gesendet wurde, ist zu groß</translation>
     </message>
     <message>
         <source>white</source>
-        <translation type="unfinished"></translation>
+        <translation>weiß</translation>
     </message>
     <message>
         <source>yellow</source>
-        <translation type="unfinished"></translation>
+        <translation>gelb</translation>
     </message>
     <message>
         <source>yesterday</source>
-        <translation type="unfinished"></translation>
+        <translation>gestern</translation>
     </message>
     <message>
         <source>“%@” and %d others</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ und %d andere</translation>
     </message>
     <message>
         <source>“%@” and one other</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ und eine andere</translation>
     </message>
     <message>
         <source>“%@” answered without a link.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ hat ohne Link geantwortet.</translation>
     </message>
     <message>
         <source>“%@” appears twice.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kommt zweimal vor.</translation>
     </message>
     <message>
         <source>“%@” became shorter.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kürzer geworden.</translation>
     </message>
     <message>
         <source>“%@” can only be reached unencrypted. Use an address that begins with https.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist nur unverschlüsselt erreichbar. Verwenden Sie eine Adresse, die mit https beginnt.</translation>
     </message>
     <message>
         <source>“%@” can't be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht geöffnet werden.</translation>
     </message>
     <message>
         <source>“%@” can't be read as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht als Bild gelesen werden.</translation>
     </message>
     <message>
         <source>“%@” can't be read. Remove it, and try again.</source>
@@ -7150,99 +7158,99 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” cannot be a folder on a server.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann kein Ordner auf einem Server sein.</translation>
     </message>
     <message>
         <source>“%@” cannot be copied into itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht in sich selbst kopiert werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht in den Live-Ordner kopiert werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be deleted.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht gelöscht werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be found. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht gefunden werden. %@</translation>
     </message>
     <message>
         <source>“%@” cannot be moved back.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht zurückverschoben werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be put into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht in den Live-Ordner gelegt werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be read. Allow reading it first.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht gelesen werden. Erlauben Sie zuerst das Lesen.</translation>
     </message>
     <message>
         <source>“%@” cannot be restored.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht wiederhergestellt werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be set as a header.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht als Kopfzeile gesetzt werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be unpacked, since it is damaged or no archive (%@). Get it once more, or unpack it with another program and import what it holds.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht entpackt werden, da es beschädigt oder kein Archiv ist (%@). Laden Sie es noch einmal, oder entpacken Sie es mit einem anderen Programm, und importieren Sie den Inhalt.</translation>
     </message>
     <message>
         <source>“%@” cannot be written: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht geschrieben werden: %@</translation>
     </message>
     <message>
         <source>“%@” changed while it was being copied. Close it in other programs and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde während des Kopierens geändert. Schließen Sie die Datei in anderen Programmen, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>“%@” changed while it was sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde während des Sendens geändert.</translation>
     </message>
     <message>
         <source>“%@” compares nothing; leave “%@” away.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ vergleicht nichts; lassen Sie „%@“ weg.</translation>
     </message>
     <message>
         <source>“%@” could not be imported: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ konnte nicht importiert werden: %@</translation>
     </message>
     <message>
         <source>“%@” could not be written</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ konnte nicht geschrieben werden</translation>
     </message>
     <message>
         <source>“%@” did not come from the other program. Save it there as a file, and drop that here.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kam nicht aus dem anderen Programm. Speichern Sie es dort als Datei, und ziehen Sie diese hierher.</translation>
     </message>
     <message>
         <source>“%@” does not answer. Try again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ antwortet nicht. Versuchen Sie es später noch einmal.</translation>
     </message>
     <message>
         <source>“%@” does not take this: it goes to the library</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ nimmt dies nicht an: Es kommt in die Bibliothek</translation>
     </message>
     <message>
         <source>“%@” exists already</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ existiert bereits</translation>
     </message>
     <message>
         <source>“%@” has a file of that name already, which was left as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ enthält bereits eine Datei dieses Namens, die unverändert blieb.</translation>
     </message>
     <message>
         <source>“%@” has them already</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ enthält sie bereits</translation>
     </message>
     <message>
         <source>“%@” has these keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ hat diese Tasten.</translation>
     </message>
     <message>
         <source>“%@” holds no picture yet</source>
@@ -7250,83 +7258,83 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” holds no smart folders; name PROJECTS or a folder in it</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ enthält keine intelligenten Ordner; geben Sie PROJECTS oder einen Ordner darin an</translation>
     </message>
     <message>
         <source>“%@” holds nothing that can be an asset</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ enthält nichts, was ein Objekt werden kann</translation>
     </message>
     <message>
         <source>“%@” holds too many files named “%@”. Rename it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ enthält zu viele Dateien mit dem Namen „%@“. Benennen Sie die Datei um, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>“%@” in the library belongs to no item and could not be taken back.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ in der Bibliothek gehört zu keinem Objekt und konnte nicht wieder aufgenommen werden.</translation>
     </message>
     <message>
         <source>“%@” in the title, the notes, the extension or a tag</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ im Titel, in den Notizen, in der Endung oder in einem Schlagwort</translation>
     </message>
     <message>
         <source>“%@” is a file to download and no page. Import the file instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist eine Datei zum Herunterladen und keine Seite. Importieren Sie stattdessen die Datei.</translation>
     </message>
     <message>
         <source>“%@” is a file; give a folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist eine Datei; geben Sie einen Ordner an.</translation>
     </message>
     <message>
         <source>“%@” is a folder on the disk. It goes from here when it goes from there.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist ein Ordner auf dem Datenträger. Er verschwindet hier, wenn er dort verschwindet.</translation>
     </message>
     <message>
         <source>“%@” is a library that another Zelto has open.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist eine Bibliothek, die in einem anderen Zelto geöffnet ist.</translation>
     </message>
     <message>
         <source>“%@” is a part of another live folder; remove that one, or move the folder elsewhere on the disk</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist Teil eines anderen Live-Ordners; entfernen Sie diesen, oder verschieben Sie den Ordner auf dem Datenträger</translation>
     </message>
     <message>
         <source>“%@” is among the live folders already.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist bereits unter den Live-Ordnern.</translation>
     </message>
     <message>
         <source>“%@” is another folder than before. Items whose files are not in it leave the library and their projects. If only its drive is not connected, connect that instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist ein anderer Ordner als zuvor. Objekte, deren Dateien nicht darin liegen, verlassen die Bibliothek und ihre Projekte. Ist nur das Laufwerk nicht verbunden, verbinden Sie stattdessen dieses.</translation>
     </message>
     <message>
         <source>“%@” is damaged: only a part of the picture is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist beschädigt: Nur ein Teil des Bildes ist vorhanden.</translation>
     </message>
     <message>
         <source>“%@” is deleted; bring it back with `zelto restore %@`, then try again</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist gelöscht; holen Sie es mit `zelto restore %@` zurück, und versuchen Sie es dann noch einmal</translation>
     </message>
     <message>
         <source>“%@” is disabled. Enable it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist deaktiviert. Aktivieren Sie den Ordner, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>“%@” is disabled; enable it in the window first</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist deaktiviert; aktivieren Sie den Ordner zuerst im Fenster</translation>
     </message>
     <message>
         <source>“%@” is empty. Connect its drive, put files into it first, or remove the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist leer. Verbinden Sie das Laufwerk, legen Sie zuerst Dateien hinein, oder entfernen Sie den Live-Ordner.</translation>
     </message>
     <message>
         <source>“%@” is in the library itself. Choose a folder outside it.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ liegt in der Bibliothek selbst. Wählen Sie einen Ordner außerhalb davon.</translation>
     </message>
     <message>
         <source>“%@” is in the trash.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ liegt im Papierkorb.</translation>
     </message>
     <message>
         <source>“%@” is incomplete: only a part of it can be drawn</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist unvollständig: Nur ein Teil davon kann gezeichnet werden</translation>
     </message>
     <message>
         <source>“%@” is inside a library.</source>
@@ -7334,135 +7342,135 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is inside the library itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ liegt in der Bibliothek selbst.</translation>
     </message>
     <message>
         <source>“%@” is larger than such a file can be.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist größer, als eine solche Datei sein kann.</translation>
     </message>
     <message>
         <source>“%@” is looked through for the first time. What is found comes here.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wird zum ersten Mal durchgesehen. Was gefunden wird, kommt hierher.</translation>
     </message>
     <message>
         <source>“%@” is looked through.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wird durchgesehen.</translation>
     </message>
     <message>
         <source>“%@” is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ fehlt.</translation>
     </message>
     <message>
         <source>“%@” is neither a command nor a file; `zelto --help` lists the commands</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist weder ein Befehl noch eine Datei; `zelto --help` führt die Befehle auf</translation>
     </message>
     <message>
         <source>“%@” is neither a command nor a file; did you mean `zelto %@`?</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist weder ein Befehl noch eine Datei; meinten Sie `zelto %@`?</translation>
     </message>
     <message>
         <source>“%@” is neither a file nor a folder, so it cannot be copied.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist weder eine Datei noch ein Ordner und kann daher nicht kopiert werden.</translation>
     </message>
     <message>
         <source>“%@” is no Zelto library.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Zelto-Bibliothek.</translation>
     </message>
     <message>
         <source>“%@” is no address of a web page.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Adresse einer Webseite.</translation>
     </message>
     <message>
         <source>“%@” is no address of an image on the web, so nothing was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Adresse eines Bildes im Web, daher wurde nichts importiert</translation>
     </message>
     <message>
         <source>“%@” is no address of the web.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Webadresse.</translation>
     </message>
     <message>
         <source>“%@” is no address that Zelto knows; there are zelto:import: and zelto:snap:</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Adresse, die Zelto kennt; es gibt zelto:import: und zelto:snap:</translation>
     </message>
     <message>
         <source>“%@” is no color; there are %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Farbe; es gibt %@.</translation>
     </message>
     <message>
         <source>“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Datum; schreiben Sie es als 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday oder 7d.</translation>
     </message>
     <message>
         <source>“%@” is no file and no folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist weder eine Datei noch ein Ordner.</translation>
     </message>
     <message>
         <source>“%@” is no file, but a folder, a pipe or a device.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Datei, sondern ein Ordner, eine Pipe oder ein Gerät.</translation>
     </message>
     <message>
         <source>“%@” is no live folder; `zelto livefolders` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Live-Ordner; `zelto livefolders` führt sie auf</translation>
     </message>
     <message>
         <source>“%@” is no page of the web, so nothing was taken from it. Only pages whose address begins with http or https can be.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Seite im Web, daher wurde nichts davon übernommen. Das geht nur bei Seiten, deren Adresse mit http oder https beginnt.</translation>
     </message>
     <message>
         <source>“%@” is no rating; the last argument is a number from 0 (none) to 5</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Bewertung; das letzte Argument ist eine Zahl von 0 (keine) bis 5</translation>
     </message>
     <message>
         <source>“%@” is no size class; there are %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Größenklasse; es gibt %@.</translation>
     </message>
     <message>
         <source>“%@” is no size; write it as 1280x800</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Größe; schreiben Sie sie als 1280x800</translation>
     </message>
     <message>
         <source>“%@” is no size; write it in pixels as 1920x1080</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Größe; schreiben Sie sie in Pixeln als 1920x1080</translation>
     </message>
     <message>
         <source>“%@” is no smart folder; `zelto sidebar` shows them with their text</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein intelligenter Ordner; `zelto sidebar` zeigt sie mit ihrem Text</translation>
     </message>
     <message>
         <source>“%@” is no value for %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Wert für %@</translation>
     </message>
     <message>
         <source>“%@” is no value for %@; it is now %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Wert für %@; er ist jetzt %@</translation>
     </message>
     <message>
         <source>“%@” is no value.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Wert.</translation>
     </message>
     <message>
         <source>“%@” is no web page: only addresses with http and https can be captured.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Webseite: Nur Adressen mit http und https können aufgenommen werden.</translation>
     </message>
     <message>
         <source>“%@” is no whole number.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine ganze Zahl.</translation>
     </message>
     <message>
         <source>“%@” is none of the templates</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine der Vorlagen</translation>
     </message>
     <message>
         <source>“%@” is not known. Check how it is spelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist nicht bekannt. Prüfen Sie die Schreibweise.</translation>
     </message>
     <message>
         <source>“%@” is not the address of a server. Enter one like https://example.org.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist keine Adresse eines Servers. Geben Sie eine wie https://example.org ein.</translation>
     </message>
     <message>
         <source>“%@” is not the name of a header.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist kein Name einer Kopfzeile.</translation>
     </message>
     <message>
         <source>“%@” is not the same in the backup as in the library.</source>
@@ -7470,31 +7478,31 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is not there now. Look whether its disk is there, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist jetzt nicht da. Prüfen Sie, ob der Datenträger da ist, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>“%@” is on this computer or in its own network.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ liegt auf diesem Computer oder in seinem eigenen Netzwerk.</translation>
     </message>
     <message>
         <source>“%@” is one of the layers: choose another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist eine der Ebenen: Wählen Sie einen anderen Namen.</translation>
     </message>
     <message>
         <source>“%@” is out of reach.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist nicht erreichbar.</translation>
     </message>
     <message>
         <source>“%@” is out of reach; its items are kept. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist nicht erreichbar; die Objekte bleiben erhalten. %@</translation>
     </message>
     <message>
         <source>“%@” is protected by a password (“%@” in it is encrypted). Unpack it yourself and import what it holds.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist durch ein Passwort geschützt („%@“ darin ist verschlüsselt). Entpacken Sie es selbst, und importieren Sie den Inhalt.</translation>
     </message>
     <message>
         <source>“%@” is protected by a password. Unpack it yourself and import what it holds.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist durch ein Passwort geschützt. Entpacken Sie es selbst, und importieren Sie den Inhalt.</translation>
     </message>
     <message>
         <source>“%@” is there already; with --force it is replaced</source>
@@ -7502,183 +7510,183 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is too large for Imgur, which takes files of up to %d MB.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist zu groß für Imgur, das Dateien bis %d MB annimmt.</translation>
     </message>
     <message>
         <source>“%@” joins nothing; what it joins stands before and behind it.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ verbindet nichts; was es verbindet, steht davor und dahinter.</translation>
     </message>
     <message>
         <source>“%@” leads to %@, which is on this computer or in its own network. Type that address to capture it.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ führt zu %@, das auf diesem Computer oder in seinem eigenen Netzwerk liegt. Geben Sie diese Adresse ein, um sie aufzunehmen.</translation>
     </message>
     <message>
         <source>“%@” leaves out nothing; what it leaves out stands behind it.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ schließt nichts aus; was es ausschließt, steht dahinter.</translation>
     </message>
     <message>
         <source>“%@” must be a text of 1 to %d characters.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ muss ein Text aus 1 bis %d Zeichen sein.</translation>
     </message>
     <message>
         <source>“%@” must be a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ muss ein Text sein.</translation>
     </message>
     <message>
         <source>“%@” must be names with texts in “{” and “}”, at most %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ muss aus Namen mit Texten in „{“ und „}“ bestehen, höchstens %d.</translation>
     </message>
     <message>
         <source>“%@” needs a value for “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ braucht einen Wert für „%@“.</translation>
     </message>
     <message>
         <source>“%@” of “%@” is not known any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ von „%@“ ist nicht mehr bekannt.</translation>
     </message>
     <message>
         <source>“%@” says no place: write FILE@X,Y or FILE@X,Y,OPACITY,NAME with whole numbers and an opacity from 0 to 1</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ nennt keinen Ort; schreiben Sie FILE@X,Y oder FILE@X,Y,OPACITY,NAME mit ganzen Zahlen und einer Deckkraft von 0 bis 1</translation>
     </message>
     <message>
         <source>“%@” sends what you share to %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ sendet, was Sie teilen, an %@.</translation>
     </message>
     <message>
         <source>“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ setzt nichts; schreiben Sie --set KEY=VALUE mit einem Attribut wie license, notes oder webURL</translation>
     </message>
     <message>
         <source>“%@” stays as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ bleibt unverändert.</translation>
     </message>
     <message>
         <source>“%@” stays as it is. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ bleibt unverändert. %@</translation>
     </message>
     <message>
         <source>“%@” stays as it is: items whose files are not in it would leave the library. With --yes they do</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ bleibt unverändert: Objekte, deren Dateien nicht darin liegen, würden die Bibliothek verlassen. Mit --yes tun sie es</translation>
     </message>
     <message>
         <source>“%@” stays where it is on the disk. Move the folder there.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ bleibt auf dem Datenträger, wo es ist. Verschieben Sie den Ordner dort.</translation>
     </message>
     <message>
         <source>“%@” stays where it was copied to.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ bleibt, wohin es kopiert wurde.</translation>
     </message>
     <message>
         <source>“%@” takes no files. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ nimmt keine Dateien an. %@</translation>
     </message>
     <message>
         <source>“%@” takes no files. Import it into the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ nimmt keine Dateien an. Importieren Sie in die Bibliothek, ein Projekt oder ein Schlagwort.</translation>
     </message>
     <message>
         <source>“%@” takes no templates. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ nimmt keine Vorlagen an. %@</translation>
     </message>
     <message>
         <source>“%@” waits for its turn to be looked through. What is found comes here.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wartet darauf, durchgesehen zu werden. Was gefunden wird, kommt hierher.</translation>
     </message>
     <message>
         <source>“%@” was changed meanwhile. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde inzwischen geändert. Versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>“%@” was changed while it was moved. Compare both, and delete the one you do not need.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde während des Verschiebens geändert. Vergleichen Sie beide, und löschen Sie, was Sie nicht brauchen.</translation>
     </message>
     <message>
         <source>“%@” was changed while it was uploaded.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde während des Hochladens geändert.</translation>
     </message>
     <message>
         <source>“%@” was copied, but its original stays where it was.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde kopiert, aber das Original blieb, wo es war.</translation>
     </message>
     <message>
         <source>“%@” was copied, but may not be safe on the disk. Its original stays where it was.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde kopiert, ist aber vielleicht nicht sicher auf dem Datenträger. Das Original blieb, wo es war.</translation>
     </message>
     <message>
         <source>“%@” was imported in part: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde teilweise importiert: %@</translation>
     </message>
     <message>
         <source>“%@” was not added. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde nicht hinzugefügt. %@</translation>
     </message>
     <message>
         <source>“%@” was not copied. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde nicht kopiert. %@</translation>
     </message>
     <message>
         <source>“%@” was not exported. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde nicht exportiert. %@</translation>
     </message>
     <message>
         <source>“%@” was not rated: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde nicht bewertet: %@</translation>
     </message>
     <message>
         <source>“%@” was not unpacked: %@. If you trust it, unpack it yourself and import what it holds, or raise the limit with `zelto defaults`.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde nicht entpackt: %@. Wenn Sie dem Archiv vertrauen, entpacken Sie es selbst, und importieren Sie den Inhalt, oder erhöhen Sie die Grenze mit `zelto defaults`.</translation>
     </message>
     <message>
         <source>“%@” was put into the trash</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde in den Papierkorb gelegt</translation>
     </message>
     <message>
         <source>“%@” was written with %d layers</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde mit %d Ebenen geschrieben</translation>
     </message>
     <message>
         <source>“%@” was written with one layer</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde mit einer Ebene geschrieben</translation>
     </message>
     <message>
         <source>“%@” was written without what can't be read as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde ohne das geschrieben, was nicht als Bild gelesen werden kann.</translation>
     </message>
     <message>
         <source>“%@” was written, but pictures in it are incomplete.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde geschrieben, aber Bilder darin sind unvollständig.</translation>
     </message>
     <message>
         <source>“%@”: %@ There are %d more notes like this.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“: %@ Es gibt %d weitere solche Hinweise.</translation>
     </message>
     <message>
         <source>“==” compares nothing here; write it behind a token, as #width=100.</source>
-        <translation type="unfinished"></translation>
+        <translation>„==“ vergleicht hier nichts; schreiben Sie es hinter ein Token, etwa #width=100.</translation>
     </message>
     <message>
         <source>“file” is missing: the name of the form field for the file.</source>
-        <translation type="unfinished"></translation>
+        <translation>„file“ fehlt: der Name des Formularfelds für die Datei.</translation>
     </message>
     <message>
         <source>“final” is true.</source>
-        <translation type="unfinished"></translation>
+        <translation>„final“ ist true.</translation>
     </message>
     <message>
         <source>“format” is missing; it is 1.</source>
-        <translation type="unfinished"></translation>
+        <translation>„format“ fehlt; es ist 1.</translation>
     </message>
     <message>
         <source>“link” must hold one of “pointer”, “header”, “final”, or both “before” and “after”.</source>
-        <translation type="unfinished"></translation>
+        <translation>„link“ muss eines von „pointer“, „header“, „final“ oder „before“ und „after“ zusammen enthalten.</translation>
     </message>
     <message>
         <source>“raw” is true, or left out.</source>
-        <translation type="unfinished"></translation>
+        <translation>„raw“ ist true oder wird weggelassen.</translation>
     </message>
     <message>
         <source>“{” and “}” stand only around a secret: {secret:NAME}, with letters, digits, “-” and “_” in its name.</source>
-        <translation type="unfinished"></translation>
+        <translation>„{“ und „}“ stehen nur um ein Geheimnis: {secret:NAME}, mit Buchstaben, Ziffern, „-“ und „_“ im Namen.</translation>
     </message>
 </context>
 </TS>
