@@ -169,8 +169,9 @@ QList<ExitStatus> zqExitStatuses()
 {
     return {
         {0, zqLocalized("done; for `verify`, nothing wrong was found")},
-        {1, zqLocalized("done in part, or something was found: `verify` found something wrong, `recover` met an open "
-                        "library, `snap` was called off, some of what `export`, `share` or `download` was asked for is "
+        {1, zqLocalized("done in part, or something was found: `verify` or `backup` found something wrong, "
+                        "`updates check` knows a newer version, `recover` met an open library, `snap` was called off, "
+                        "some of what `export`, `share` or `download` was asked for is "
                         "missing, or an import was cut off, which `zelto import --resume` goes on with")},
         {2, zqLocalized("an error, in which case nothing was changed; a change of many items that fails or is "
                         "cancelled keeps what was done before that")},

@@ -6453,7 +6453,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Dokument</translation>
     </message>
     <message>
-        <source>done in part, or something was found: `verify` found something wrong, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
+        <source>done in part, or something was found: `verify` or `backup` found something wrong, `updates check` knows a newer version, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

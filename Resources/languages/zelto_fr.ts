@@ -5,48 +5,49 @@
     <name>Zelto</name>
     <message>
         <source> GiB</source>
-        <translation type="unfinished"></translation>
+        <translation> Gio</translation>
     </message>
     <message>
         <source> min</source>
-        <translation type="unfinished"></translation>
+        <translation> min</translation>
     </message>
     <message>
         <source> px</source>
-        <translation type="unfinished"></translation>
+        <translation> px</translation>
     </message>
     <message>
         <source>"%@" cannot be renamed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de renommer « %@ ».</translation>
     </message>
     <message>
         <source>"%@" cannot be renamed: its file is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de renommer « %@ » : son fichier est manquant.</translation>
     </message>
     <message>
         <source>"%@" is not a key path</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas un chemin de clé</translation>
     </message>
     <message>
         <source>")", AND or OR</source>
-        <translation type="unfinished"></translation>
+        <translation>« ) », AND ou OR</translation>
     </message>
     <message>
         <source>"," or "}"</source>
-        <translation type="unfinished"></translation>
+        <translation>« , » ou « } »</translation>
     </message>
     <message>
         <source>% size</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille en %</translation>
     </message>
     <message>
         <source>%@
 Copies the link. With Ctrl: opens it in the browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@
+Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@ (gone)</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ (disparu)</translation>
     </message>
     <message>
         <source>%@ (package %@)</source>
@@ -54,214 +55,214 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@ Delete them in the library once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Supprimez-les de la bibliothèque une fois le problème résolu.</translation>
     </message>
     <message>
         <source>%@ Import it again once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Importez-le de nouveau une fois le problème résolu.</translation>
     </message>
     <message>
         <source>%@ Make room, or see to it that the folder for temporary files can be written, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Libérez de l’espace ou vérifiez que le dossier temporaire est accessible en écriture, puis réessayez.</translation>
     </message>
     <message>
         <source>%@ The links above stay valid; what came after them was not uploaded.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Les liens ci-dessus restent valables ; la suite n’a pas été envoyée.</translation>
     </message>
     <message>
         <source>%@ The picture is kept until you try again or discard it.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ L’image est conservée jusqu’à ce que vous réessayiez ou l’abandonniez.</translation>
     </message>
     <message>
         <source>%@ What it changed before that stays so; ask again for the rest.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Les changements déjà faits sont conservés ; relancez la commande pour le reste.</translation>
     </message>
     <message>
         <source>%@ What it had not finished of the import, `zelto import --resume` goes on with.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ `zelto import --resume` reprend ce qui restait à importer.</translation>
     </message>
     <message>
         <source>%@ With --force it is replaced, if it is a file and none of the layers.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ Avec --force, il est remplacé s’il s’agit d’un fichier qui n’est aucun des calques.</translation>
     </message>
     <message>
         <source>%@ already does something else in Zelto. Choose other keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a déjà une autre fonction dans Zelto. Choisissez d’autres touches.</translation>
     </message>
     <message>
         <source>%@ answered %d (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a répondu %d (%@).</translation>
     </message>
     <message>
         <source>%@ asks for the password without encryption.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ demande le mot de passe sans chiffrement.</translation>
     </message>
     <message>
         <source>%@ before %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ avant le %@</translation>
     </message>
     <message>
         <source>%@ broke off.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a interrompu la connexion.</translation>
     </message>
     <message>
         <source>%@ broke off: only %@ of %@ came.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a interrompu la connexion : seuls %@ sur %@ sont arrivés.</translation>
     </message>
     <message>
         <source>%@ cannot be read from: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de lire depuis %@ : %@</translation>
     </message>
     <message>
         <source>%@ cannot be written here; choose another --format</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’écrire en %@ ici ; choisissez un autre --format</translation>
     </message>
     <message>
         <source>%@ copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Copie de %@</translation>
     </message>
     <message>
         <source>%@ did not say where the file is.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ n’a pas indiqué où se trouve le fichier.</translation>
     </message>
     <message>
         <source>%@ does not answer.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ ne répond pas.</translation>
     </message>
     <message>
         <source>%@ does not say what it sends.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ n’indique pas ce qu’il envoie.</translation>
     </message>
     <message>
         <source>%@ files are missing</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ fichiers sont manquants</translation>
     </message>
     <message>
         <source>%@ files of the live folder “%@” are gone</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ fichiers du dossier actif « %@ » ont disparu</translation>
     </message>
     <message>
         <source>%@ from %@ to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ du %@ au %@</translation>
     </message>
     <message>
         <source>%@ has no property "%@" to follow.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ n’a pas de propriété « %@ » à suivre.</translation>
     </message>
     <message>
         <source>%@ hidden</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ masqués</translation>
     </message>
     <message>
         <source>%@ imported</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ importés</translation>
     </message>
     <message>
         <source>%@ imported, %@ not</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ importés, %@ non</translation>
     </message>
     <message>
         <source>%@ is not set up yet: its part below says what it needs.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ n’est pas encore configuré : sa partie ci-dessous indique ce qu’il faut.</translation>
     </message>
     <message>
         <source>%@ is on this computer or its network, where the page has no business.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ se trouve sur cet ordinateur ou son réseau, où la page n’a rien à faire.</translation>
     </message>
     <message>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ est utilisé par un autre programme. Choisissez d’autres touches ou libérez celles-ci dans ce programme.</translation>
     </message>
     <message numerus="yes">
         <source>%@ items</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%@ élément</numerusform>
+            <numerusform>%@ éléments</numerusform>
         </translation>
     </message>
     <message>
         <source>%@ items selected</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ éléments sélectionnés</translation>
     </message>
     <message numerus="yes">
         <source>%@ memberships</source>
         <comment>counted</comment>
         <extracomment>for one: 1 membership</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%@ appartenance</numerusform>
+            <numerusform>%@ appartenances</numerusform>
         </translation>
     </message>
     <message>
         <source>%@ more</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ de plus</translation>
     </message>
     <message>
         <source>%@ needs a value.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ nécessite une valeur.</translation>
     </message>
     <message>
         <source>%@ of %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ sur %@</translation>
     </message>
     <message>
         <source>%@ of %@ items</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ sur %@ éléments</translation>
     </message>
     <message>
         <source>%@ of %@ selected</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ sur %@ sélectionnés</translation>
     </message>
     <message>
         <source>%@ on %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ le %@</translation>
     </message>
     <message>
         <source>%@ pages</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ pages</translation>
     </message>
     <message>
         <source>%@ sends from one address to the next without end.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ renvoie sans fin d’une adresse à l’autre.</translation>
     </message>
     <message>
         <source>%@ sends on to “%@”, for which the file is not meant.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ renvoie vers « %@ », à qui le fichier n’est pas destiné.</translation>
     </message>
     <message>
         <source>%@ sends to an address without encryption.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ renvoie vers une adresse sans chiffrement.</translation>
     </message>
     <message>
         <source>%@ sent something else (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a envoyé autre chose (%@).</translation>
     </message>
     <message>
         <source>%@ shown, %@ hidden</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ affichés, %@ masqués</translation>
     </message>
     <message numerus="yes">
         <source>%@ sidebar entries or tags</source>
         <comment>counted</comment>
         <extracomment>for one: 1 sidebar entry or tag</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%@ entrée de la barre latérale ou mot-clé</numerusform>
+            <numerusform>%@ entrées de la barre latérale ou mots-clés</numerusform>
         </translation>
     </message>
     <message>
         <source>%@ since %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ depuis le %@</translation>
     </message>
     <message>
         <source>%@ stopped answering in the middle.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a cessé de répondre en cours de route.</translation>
     </message>
     <message>
         <source>%@ takes no connection.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ n’accepte aucune connexion.</translation>
     </message>
     <message>
         <source>%@ to %@</source>
@@ -269,11 +270,11 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@ took too long.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a mis trop de temps à répondre.</translation>
     </message>
     <message>
         <source>%@ until %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ jusqu’au %@</translation>
     </message>
     <message>
         <source>%@ was removed from the library while the backup was made</source>
@@ -281,51 +282,51 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@ · Copied</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ · Copié</translation>
     </message>
     <message>
         <source>%@, %@ items</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, %@ éléments</translation>
     </message>
     <message>
         <source>%@, %d of %d in the library</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, %d sur %d dans la bibliothèque</translation>
     </message>
     <message>
         <source>%@, %d × %d pixels</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, %d × %d pixels</translation>
     </message>
     <message>
         <source>%@, ascending</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, croissant</translation>
     </message>
     <message>
         <source>%@, descending</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, décroissant</translation>
     </message>
     <message>
         <source>%@, extension kept</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, extension conservée</translation>
     </message>
     <message>
         <source>%@, to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, vers %@</translation>
     </message>
     <message>
         <source>%@, to %@. A password is missing: import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, vers %@. Un mot de passe manque : importez-le de nouveau.</translation>
     </message>
     <message>
         <source>%@, zip archive</source>
-        <translation type="unfinished"></translation>
+        <translation>%@, archive zip</translation>
     </message>
     <message>
         <source>%@. Everything is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@. Rien ne manque.</translation>
     </message>
     <message>
         <source>%@: %@ more</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : %@ de plus</translation>
     </message>
     <message>
         <source>%@: %@ of %@ items</source>
@@ -333,7 +334,7 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : %@, %@ dans %@</translation>
     </message>
     <message>
         <source>%@: %@, %@ times</source>
@@ -353,327 +354,327 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@: the file is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : le fichier est manquant</translation>
     </message>
     <message>
         <source>%@: the file's content has changed since it was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : le contenu du fichier a changé depuis son import</translation>
     </message>
     <message>
         <source>%@: the thumbnail is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : la vignette est manquante</translation>
     </message>
     <message>
         <source>%@; zelto import --resume goes on with the missing files, zelto import --forget gives them up</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ ; zelto import --resume reprend les fichiers manquants, zelto import --forget y renonce</translation>
     </message>
     <message>
         <source>%d Items</source>
-        <translation type="unfinished"></translation>
+        <translation>%d éléments</translation>
     </message>
     <message>
         <source>%d Stars</source>
-        <translation type="unfinished"></translation>
+        <translation>%d étoiles</translation>
     </message>
     <message>
         <source>%d completions</source>
-        <translation type="unfinished"></translation>
+        <translation>%d propositions</translation>
     </message>
     <message>
         <source>%d files are gone from its folder and stay in the library. Put them back, or synchronise it now to remove them.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers ont disparu de son dossier et restent dans la bibliothèque. Remettez-les en place, ou synchronisez maintenant pour les retirer.</translation>
     </message>
     <message>
         <source>%d files are gone from “%@”, and their items are kept. If a drive is not connected, connect it; to remove them from the library, run `zelto livefolders sync --remove-missing "%@"`</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers ont disparu de « %@ » et leurs éléments sont conservés. Si un disque n’est pas connecté, connectez-le ; pour les retirer de la bibliothèque, exécutez `zelto livefolders sync --remove-missing "%@"`</translation>
     </message>
     <message>
         <source>%d files cannot be copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de copier %d fichiers dans le dossier actif.</translation>
     </message>
     <message numerus="yes">
         <source>%d files copied into the live folder</source>
         <comment>counted</comment>
         <extracomment>for one: 1 file copied into the live folder</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d fichier copié dans le dossier actif</numerusform>
+            <numerusform>%d fichiers copiés dans le dossier actif</numerusform>
         </translation>
     </message>
     <message>
         <source>%d files could not be imported. The first is “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers n’ont pas pu être importés. Le premier est « %@ » : %@</translation>
     </message>
     <message>
         <source>%d files could not be imported: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers n’ont pas pu être importés : %@</translation>
     </message>
     <message numerus="yes">
         <source>%d files exported</source>
         <comment>counted</comment>
         <extracomment>for one: %d file exported</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d fichier exporté</numerusform>
+            <numerusform>%d fichiers exportés</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d files exported into %@</source>
         <comment>counted</comment>
         <extracomment>for one: %d file exported into %@</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d fichier exporté dans %@</numerusform>
+            <numerusform>%d fichiers exportés dans %@</numerusform>
         </translation>
     </message>
     <message>
         <source>%d files of the library had lost their entries and were taken back.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers de la bibliothèque avaient perdu leur entrée et ont été repris.</translation>
     </message>
     <message>
         <source>%d files of “%@” cannot be found. The import is kept: go on with it, or forget it.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers de « %@ » sont introuvables. L’import est conservé : reprenez-le ou oubliez-le.</translation>
     </message>
     <message>
         <source>%d files or folders cannot be found in “%@”. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers ou dossiers sont introuvables dans « %@ ». %@</translation>
     </message>
     <message>
         <source>%d files stay where they were copied to.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers restent là où ils ont été copiés.</translation>
     </message>
     <message>
         <source>%d files were copied, but may not be safe on the disk. Their originals stay where they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers ont été copiés, mais ne sont peut-être pas en sûreté sur le disque. Leurs originaux restent en place.</translation>
     </message>
     <message>
         <source>%d files were copied, but their originals stay where they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers ont été copiés, mais leurs originaux restent en place.</translation>
     </message>
     <message>
         <source>%d files were not copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers n’ont pas été copiés dans le dossier actif.</translation>
     </message>
     <message>
         <source>%d files were not exported. The first is “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers n’ont pas été exportés. Le premier est « %@ » : %@</translation>
     </message>
     <message numerus="yes">
         <source>%d folders</source>
         <comment>counted</comment>
         <extracomment>for one: 1 folder</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d dossier</numerusform>
+            <numerusform>%d dossiers</numerusform>
         </translation>
     </message>
     <message>
         <source>%d folders of the library belong to no item</source>
-        <translation type="unfinished"></translation>
+        <translation>%d dossiers de la bibliothèque n’appartiennent à aucun élément</translation>
     </message>
     <message>
         <source>%d folders of the library belong to no item and could not be taken back. The first is “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d dossiers de la bibliothèque n’appartiennent à aucun élément et n’ont pas pu être repris. Le premier est « %@ ».</translation>
     </message>
     <message>
         <source>%d imported items could not be taken out of the library again.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d éléments importés n’ont pas pu être retirés de la bibliothèque.</translation>
     </message>
     <message>
         <source>%d imported, %d not</source>
-        <translation type="unfinished"></translation>
+        <translation>%d importés, %d non</translation>
     </message>
     <message numerus="yes">
         <source>%d imports were cut off</source>
         <comment>counted</comment>
         <extracomment>for one: an import was cut off</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d import a été interrompu</numerusform>
+            <numerusform>%d imports ont été interrompus</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d élément</numerusform>
+            <numerusform>%d éléments</numerusform>
         </translation>
     </message>
     <message>
         <source>%d items added to the import queue</source>
-        <translation type="unfinished"></translation>
+        <translation>%d éléments ajoutés à la file d’import</translation>
     </message>
     <message>
         <source>%d items can't be read, so that their files were not checked</source>
-        <translation type="unfinished"></translation>
+        <translation>%d éléments sont illisibles, leurs fichiers n’ont donc pas été vérifiés</translation>
     </message>
     <message>
         <source>%d items cannot be deleted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de supprimer %d éléments.</translation>
     </message>
     <message>
         <source>%d items cannot be moved back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de remettre %d éléments à leur place.</translation>
     </message>
     <message>
         <source>%d items cannot be put into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de placer %d éléments dans le dossier actif.</translation>
     </message>
     <message>
         <source>%d items cannot be restored.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de restaurer %d éléments.</translation>
     </message>
     <message numerus="yes">
         <source>%d items checked</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item checked</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d élément vérifié</numerusform>
+            <numerusform>%d éléments vérifiés</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items deleted</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item deleted</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d élément supprimé</numerusform>
+            <numerusform>%d éléments supprimés</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items imported</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item imported</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d élément importé</numerusform>
+            <numerusform>%d éléments importés</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items noted</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item noted</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Remarques modifiées pour %d élément</numerusform>
+            <numerusform>Remarques modifiées pour %d éléments</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items rated</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item rated</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d élément noté</numerusform>
+            <numerusform>%d éléments notés</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d items restored</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item restored</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d élément restauré</numerusform>
+            <numerusform>%d éléments restaurés</numerusform>
         </translation>
     </message>
     <message>
         <source>%d items selected</source>
-        <translation type="unfinished"></translation>
+        <translation>%d éléments sélectionnés</translation>
     </message>
     <message numerus="yes">
         <source>%d items tagged</source>
         <comment>counted</comment>
         <extracomment>for one: 1 item tagged</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Mots-clés modifiés pour %d élément</numerusform>
+            <numerusform>Mots-clés modifiés pour %d éléments</numerusform>
         </translation>
     </message>
     <message>
         <source>%d layers</source>
-        <translation type="unfinished"></translation>
+        <translation>%d calques</translation>
     </message>
     <message>
         <source>%d live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>%d dossiers actifs</translation>
     </message>
     <message numerus="yes">
         <source>%d live folders removed</source>
         <comment>counted</comment>
         <extracomment>for one: 1 live folder removed; its folder stays on the disk</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d dossier actif retiré ; le dossier reste sur le disque</numerusform>
+            <numerusform>%d dossiers actifs retirés</numerusform>
         </translation>
     </message>
     <message>
         <source>%d more</source>
-        <translation type="unfinished"></translation>
+        <translation>%d de plus</translation>
     </message>
     <message>
         <source>%d new live folders created</source>
-        <translation type="unfinished"></translation>
+        <translation>%d nouveaux dossiers actifs créés</translation>
     </message>
     <message>
         <source>%d of %d images could not be downloaded:</source>
-        <translation type="unfinished"></translation>
+        <translation>%d images sur %d n’ont pas pu être téléchargées :</translation>
     </message>
     <message>
         <source>%d of its entries were left out, the first is %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d de ses entrées ont été omises, la première est %@.</translation>
     </message>
     <message>
         <source>%d of these cannot be live folders.</source>
-        <translation type="unfinished"></translation>
+        <translation>%d d’entre eux ne peuvent pas être des dossiers actifs.</translation>
     </message>
     <message>
         <source>%d pictures are incomplete: only a part of each can be drawn. The first is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>%d images sont incomplètes : seule une partie de chacune peut être affichée. La première est « %@ »</translation>
     </message>
     <message numerus="yes">
         <source>%d smart folders changed</source>
         <comment>counted</comment>
         <extracomment>for one: 1 smart folder changed</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d dossier intelligent modifié</numerusform>
+            <numerusform>%d dossiers intelligents modifiés</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%d smart folders made</source>
         <comment>counted</comment>
         <extracomment>for one: 1 smart folder made</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d dossier intelligent créé</numerusform>
+            <numerusform>%d dossiers intelligents créés</numerusform>
         </translation>
     </message>
     <message>
         <source>%d stars or more</source>
-        <translation type="unfinished"></translation>
+        <translation>%d étoiles ou plus</translation>
     </message>
     <message>
         <source>%d × %d</source>
-        <translation type="unfinished"></translation>
+        <translation>%d × %d</translation>
     </message>
     <message>
         <source>%d × %d pixels, from %d, %d</source>
-        <translation type="unfinished"></translation>
+        <translation>%d × %d pixels, à partir de %d, %d</translation>
     </message>
     <message>
         <source>%d, %d</source>
-        <translation type="unfinished"></translation>
+        <translation>%d, %d</translation>
     </message>
     <message>
         <source>&amp;Add</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Ajouter</translation>
     </message>
     <message>
         <source>&amp;Archives in archives, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>Archives im&amp;briquées, au maximum</translation>
     </message>
     <message>
         <source>&amp;Area</source>
@@ -681,7 +682,7 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Ask before a row is removed</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Demander avant de retirer une ligne</translation>
     </message>
     <message>
         <source>&amp;Back Up Now</source>
@@ -689,15 +690,15 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Bring Zelto forward</source>
-        <translation type="unfinished"></translation>
+        <translation>Mettre Zelto au &amp;premier plan</translation>
     </message>
     <message>
         <source>&amp;Cancel</source>
-        <translation type="unfinished"></translation>
+        <translation>A&amp;nnuler</translation>
     </message>
     <message>
         <source>&amp;Connect</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Connecter</translation>
     </message>
     <message>
         <source>&amp;Count which features are used, day by day</source>
@@ -705,19 +706,19 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Dark</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Sombre</translation>
     </message>
     <message>
         <source>&amp;Disconnect</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Déconnecter</translation>
     </message>
     <message>
         <source>&amp;E-mail</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse &amp;e-mail</translation>
     </message>
     <message>
         <source>&amp;Enlarge pictures smaller than their cell</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Agrandir les images plus petites que leur cellule</translation>
     </message>
     <message>
         <source>&amp;Erase Counts</source>
@@ -725,11 +726,11 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Files and folders, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Fichiers et dossiers, au maximum</translation>
     </message>
     <message>
         <source>&amp;Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>D&amp;ossier</translation>
     </message>
     <message>
         <source>&amp;Folder…</source>
@@ -737,11 +738,11 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Icon</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Icône</translation>
     </message>
     <message>
         <source>&amp;Import…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Importer…</translation>
     </message>
     <message>
         <source>&amp;Keep</source>
@@ -749,19 +750,19 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Keep tags, notes and ratings in the files</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Conserver les mots-clés, remarques et notes dans les fichiers</translation>
     </message>
     <message>
         <source>&amp;Light</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Clair</translation>
     </message>
     <message>
         <source>&amp;Link…</source>
-        <translation type="unfinished"></translation>
+        <translation>A&amp;ssocier…</translation>
     </message>
     <message>
         <source>&amp;Look again after</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Réexaminer après</translation>
     </message>
     <message>
         <source>&amp;Look for new versions once a day</source>
@@ -769,43 +770,43 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Make a thumbnail of small pictures, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Créer une &amp;vignette aussi pour les petites images</translation>
     </message>
     <message>
         <source>&amp;Medium</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Moyenne</translation>
     </message>
     <message>
         <source>&amp;Move…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Déplacer…</translation>
     </message>
     <message>
         <source>&amp;New…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Nouvelle…</translation>
     </message>
     <message>
         <source>&amp;Open…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Ouvrir…</translation>
     </message>
     <message>
         <source>&amp;Packed how many times smaller, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>Taux de com&amp;pression, au maximum</translation>
     </message>
     <message>
         <source>&amp;Password</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Mot de passe</translation>
     </message>
     <message>
         <source>&amp;Play a sound and flash the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Jouer un son et faire clignoter l’écran</translation>
     </message>
     <message>
         <source>&amp;Read all of every file, too</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Lire aussi chaque fichier en entier</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Retirer</translation>
     </message>
     <message>
         <source>&amp;Save…</source>
@@ -813,23 +814,23 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Share to</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Partager vers</translation>
     </message>
     <message>
         <source>&amp;Show Screenshots in the sidebar</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher les captures d’écran dans la &amp;barre latérale</translation>
     </message>
     <message>
         <source>&amp;Show in Files</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Afficher dans Fichiers</translation>
     </message>
     <message>
         <source>&amp;Show them in Recent</source>
-        <translation type="unfinished"></translation>
+        <translation>Les &amp;afficher dans Récents</translation>
     </message>
     <message>
         <source>&amp;Small</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Petite</translation>
     </message>
     <message>
         <source>&amp;Start Zelto when you log in</source>
@@ -837,27 +838,27 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Tag what is imported by color and size</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Attribuer aux imports des mots-clés de couleur et de taille</translation>
     </message>
     <message>
         <source>&amp;Take today's picture formats, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Accepter aussi les formats d’image &amp;récents</translation>
     </message>
     <message>
         <source>&amp;Unlink</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Dissocier</translation>
     </message>
     <message>
         <source>&amp;Unpacked size, at most</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Taille décompressée, au maximum</translation>
     </message>
     <message>
         <source>&amp;User</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Utilisateur</translation>
     </message>
     <message>
         <source>&amp;Verify</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Vérifier</translation>
     </message>
     <message>
         <source>&amp;Window</source>
@@ -865,111 +866,111 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Write them for the file manager, too</source>
-        <translation type="unfinished"></translation>
+        <translation>Les écrire aussi pour le &amp;gestionnaire de fichiers</translation>
     </message>
     <message>
         <source>--all needs a --title for the project</source>
-        <translation type="unfinished"></translation>
+        <translation>--all nécessite un --title pour le projet</translation>
     </message>
     <message>
         <source>--percent and --width or --height exclude each other</source>
-        <translation type="unfinished"></translation>
+        <translation>--percent et --width ou --height s’excluent mutuellement</translation>
     </message>
     <message>
         <source>--quality is for --format %@</source>
-        <translation type="unfinished"></translation>
+        <translation>--quality est réservé à --format %@</translation>
     </message>
     <message>
         <source>--resume and --forget exclude each other</source>
-        <translation type="unfinished"></translation>
+        <translation>--resume et --forget s’excluent mutuellement</translation>
     </message>
     <message>
         <source>0 … 5</source>
-        <translation type="unfinished"></translation>
+        <translation>0 … 5</translation>
     </message>
     <message>
         <source>1 Star</source>
-        <translation type="unfinished"></translation>
+        <translation>1 étoile</translation>
     </message>
     <message>
         <source>1 file is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>1 fichier est manquant</translation>
     </message>
     <message>
         <source>1 file of the library had lost its entry and was taken back.</source>
-        <translation type="unfinished"></translation>
+        <translation>1 fichier de la bibliothèque avait perdu son entrée et a été repris.</translation>
     </message>
     <message>
         <source>1 file was not copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>1 fichier n’a pas été copié dans le dossier actif.</translation>
     </message>
     <message>
         <source>1 item added to the import queue</source>
-        <translation type="unfinished"></translation>
+        <translation>1 élément ajouté à la file d’import</translation>
     </message>
     <message>
         <source>1 page</source>
-        <translation type="unfinished"></translation>
+        <translation>1 page</translation>
     </message>
     <message>
         <source>1 star or more</source>
-        <translation type="unfinished"></translation>
+        <translation>1 étoile ou plus</translation>
     </message>
     <message>
         <source>100 %</source>
-        <translation type="unfinished"></translation>
+        <translation>100 %</translation>
     </message>
     <message>
         <source>7-Zip archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archive 7-Zip</translation>
     </message>
     <message>
         <source>A Client ID has letters and digits only.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un Client ID ne contient que des lettres et des chiffres.</translation>
     </message>
     <message>
         <source>A Nextcloud makes the links itself, and wants an app password where a second factor is used. Any other WebDAV folder needs the address at which everybody can read what lies in it. The password is kept in the desktop's keyring and nowhere else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un Nextcloud crée lui-même les liens et demande un mot de passe d’application si un second facteur est utilisé. Tout autre dossier WebDAV nécessite l’adresse à laquelle chacun peut lire son contenu. Le mot de passe est conservé dans le trousseau du bureau et nulle part ailleurs.</translation>
     </message>
     <message>
         <source>A colon is missing behind “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque un deux-points après « %@ ».</translation>
     </message>
     <message>
         <source>A comma or “]” is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque une virgule ou « ] ».</translation>
     </message>
     <message>
         <source>A comma or “}” is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque une virgule ou « } ».</translation>
     </message>
     <message>
         <source>A description begins with “{”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une description commence par « { ».</translation>
     </message>
     <message>
         <source>A document of %d × %d pixels is too large: other programs open none with a side of more than %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un document de %d × %d pixels est trop grand : les autres programmes n’en ouvrent aucun dont un côté dépasse %d.</translation>
     </message>
     <message>
         <source>A folder takes folders and archives. Choose a project in it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un dossier accueille des dossiers et des archives. Choisissez un projet qu’il contient.</translation>
     </message>
     <message>
         <source>A form has a content type of its own: leave out the header.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un formulaire a son propre type de contenu : omettez l’en-tête.</translation>
     </message>
     <message>
         <source>A header holds only plain letters, digits and signs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un en-tête ne contient que des lettres simples, des chiffres et des signes.</translation>
     </message>
     <message>
         <source>A live folder that is selected is off, or was not there. Its items come back with it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un dossier actif sélectionné est désactivé ou n’était pas là. Ses éléments reviennent avec lui.</translation>
     </message>
     <message>
         <source>A login does not belong into the address. Write a header “Authorization” with a {secret:NAME}.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les identifiants n’ont pas leur place dans l’adresse. Écrivez un en-tête « Authorization » avec un {secret:NAME}.</translation>
     </message>
     <message>
         <source>A missing file comes back from a backup: copy it to where it was, under its name. A missing thumbnail is made again when its file changes. For a damaged database, quit Zelto and run “zelto recover” in a terminal.</source>
@@ -977,94 +978,97 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>A name cannot contain "/" or a null character. Please use another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un nom ne peut contenir ni « / » ni caractère nul. Choisissez un autre nom.</translation>
     </message>
     <message>
         <source>A name in quotation marks is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque un nom entre guillemets.</translation>
     </message>
     <message>
         <source>A name must be one line of letters and signs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un nom doit tenir sur une ligne de lettres et de signes.</translation>
     </message>
     <message>
         <source>A name pattern is one line. Write it without line breaks.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un modèle de nom tient sur une ligne. Écrivez-le sans saut de ligne.</translation>
     </message>
     <message>
         <source>A name pattern knows no “%@”. There are {title}, {index}, {width}, {height} and {date}.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un modèle de nom ne connaît pas « %@ ». Il y a {title}, {index}, {width}, {height} et {date}.</translation>
     </message>
     <message>
         <source>A name pattern makes names, not folders. Write it without “/”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un modèle de nom produit des noms, pas des dossiers. Écrivez-le sans « / ».</translation>
     </message>
     <message>
         <source>A name that starts with a dot would hide the file. Please use another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un nom qui commence par un point masquerait le fichier. Choisissez un autre nom.</translation>
     </message>
     <message>
         <source>A page asked for %d images at once; at most %d can be imported. Choose fewer.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une page a demandé %d images à la fois ; %d au plus peuvent être importées. Choisissez-en moins.</translation>
     </message>
     <message>
         <source>A page sent something that cannot be understood (the value of “%@”). Update what is installed in the browser, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une page a envoyé quelque chose d’incompréhensible (la valeur de « %@ »). Mettez à jour ce qui est installé dans le navigateur, puis réessayez.</translation>
     </message>
     <message>
         <source>A page sent something that cannot be understood. Update what is installed in the browser, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une page a envoyé quelque chose d’incompréhensible. Mettez à jour ce qui est installé dans le navigateur, puis réessayez.</translation>
     </message>
     <message>
         <source>A pointer names the way to the link, as /data/url.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un pointeur indique le chemin vers le lien, comme /data/url.</translation>
     </message>
     <message>
         <source>A quotation mark is missing at the end of a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque un guillemet à la fin d’un texte.</translation>
     </message>
     <message>
         <source>A rating is a number of stars from 0 to 5.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une note est un nombre d’étoiles de 0 à 5.</translation>
     </message>
     <message>
         <source>A safe connection to %@ could not be made: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’établir une connexion sûre avec %@ : %@</translation>
     </message>
     <message>
         <source>A server with a second factor wants an “app password” from its security settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un serveur avec second facteur demande un « mot de passe d’application », à créer dans ses paramètres de sécurité.</translation>
     </message>
     <message>
         <source>A smart folder finds its items by itself. Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un dossier intelligent trouve lui-même ses éléments. Choisissez la bibliothèque, un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>A sort key is an attribute, or to-one relationships leading to one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une clé de tri est un attribut, ou une suite de relations vers un seul objet qui y mène.</translation>
     </message>
     <message>
         <source>A switches this; 1, 2 and 3 choose.</source>
-        <translation type="unfinished"></translation>
+        <translation>A active ou désactive cette option ; 1, 2 et 3 choisissent.</translation>
     </message>
     <message>
         <source>A text must end on its line; write \n for a new one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un texte doit se terminer sur sa ligne ; écrivez \n pour en commencer une autre.</translation>
     </message>
     <message>
         <source>A value is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque une valeur.</translation>
     </message>
     <message>
         <source>A word is looked for in titles, notes, extensions and tags. AND, + or nothing between two words finds both,
 OR one of them; brackets group, - or NOT leaves out, double quotes keep a text together. Dates are 25/12/2026,
 2026-12-25, 2026-12, 2026, today, yesterday or 7d. Numbers and dates are compared by &lt;, =, &gt;, &lt;= or &gt;=.
 </source>
-        <translation type="unfinished"></translation>
+        <translation>Un mot est cherché dans les titres, remarques, extensions et mots-clés. AND, + ou rien entre deux mots trouve les deux,
+OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillemets gardent un texte entier. Dates : 25/12/2026,
+2026-12-25, 2026-12, 2026, today, yesterday ou 7d. Les nombres et les dates se comparent avec &lt;, =, &gt;, &lt;= ou &gt;=.
+</translation>
     </message>
     <message>
         <source>A&amp;ddress</source>
-        <translation type="unfinished"></translation>
+        <translation>Ad&amp;resse</translation>
     </message>
     <message>
         <source>ACC&amp;OUNTS</source>
@@ -1072,19 +1076,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>AFTER A SCREENSHOT</source>
-        <translation type="unfinished"></translation>
+        <translation>APRÈS UNE CAPTURE D’ÉCRAN</translation>
     </message>
     <message>
         <source>AI %@ is too big to import</source>
-        <translation type="unfinished"></translation>
+        <translation>AI %@ est trop grand pour être importé</translation>
     </message>
     <message>
         <source>AND, OR or the end</source>
-        <translation type="unfinished"></translation>
+        <translation>AND, OR ou la fin</translation>
     </message>
     <message>
         <source>ARCHIVES</source>
-        <translation type="unfinished"></translation>
+        <translation>ARCHIVES</translation>
     </message>
     <message>
         <source>AT LOGIN</source>
@@ -1092,75 +1096,75 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>AVI movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film AVI</translation>
     </message>
     <message>
         <source>AVIF image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image AVIF</translation>
     </message>
     <message>
         <source>Acorn %@ is not a valid image</source>
-        <translation type="unfinished"></translation>
+        <translation>Acorn %@ n’est pas une image valide</translation>
     </message>
     <message>
         <source>Acorn document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document Acorn</translation>
     </message>
     <message>
         <source>Actual Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille réelle</translation>
     </message>
     <message>
         <source>Actual size (Z)</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille réelle (Z)</translation>
     </message>
     <message>
         <source>Add</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter</translation>
     </message>
     <message>
         <source>Add Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter un dossier</translation>
     </message>
     <message>
         <source>Add Live Folder…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter un dossier actif…</translation>
     </message>
     <message>
         <source>Add Templates</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter des modèles</translation>
     </message>
     <message>
         <source>Add tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter un mot-clé</translation>
     </message>
     <message>
         <source>Add tag…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter un mot-clé…</translation>
     </message>
     <message>
         <source>Adding items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajout des éléments…</translation>
     </message>
     <message>
         <source>Address of a web page</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse d’une page web</translation>
     </message>
     <message>
         <source>Address of the page</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse de la page</translation>
     </message>
     <message>
         <source>Add…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajouter…</translation>
     </message>
     <message>
         <source>Advanced</source>
-        <translation type="unfinished"></translation>
+        <translation>Avancé</translation>
     </message>
     <message>
         <source>Affinity Designer document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document Affinity Designer</translation>
     </message>
     <message>
         <source>All</source>
@@ -1168,27 +1172,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>All Tabs</source>
-        <translation type="unfinished"></translation>
+        <translation>Tous les onglets</translation>
     </message>
     <message>
         <source>All the child projects and their items will be also deleted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tous les projets enfants et leurs éléments seront également supprimés.</translation>
     </message>
     <message>
         <source>All the child projects will be also deleted, projects items will still remain inside your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tous les projets enfants seront également supprimés ; leurs éléments resteront dans votre bibliothèque.</translation>
     </message>
     <message>
         <source>All the project items will be deleted from your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tous les éléments du projet seront supprimés de votre bibliothèque.</translation>
     </message>
     <message>
         <source>Allow files.content.write, sharing.read and sharing.write for it at dropbox.com/developers/apps, then link your Dropbox again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Accordez-lui files.content.write, sharing.read et sharing.write sur dropbox.com/developers/apps, puis associez de nouveau votre Dropbox.</translation>
     </message>
     <message>
         <source>Allow public links there, or share the file from the server's own pages.</source>
-        <translation type="unfinished"></translation>
+        <translation>Autorisez-y les liens publics, ou partagez le fichier depuis les pages du serveur.</translation>
     </message>
     <message>
         <source>Alt</source>
@@ -1196,23 +1200,23 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>An archive in it was left out: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Une archive qu’il contient a été omise : %@</translation>
     </message>
     <message>
         <source>An archive that holds more is not unpacked.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une archive qui en contient davantage n’est pas décompressée.</translation>
     </message>
     <message>
         <source>An arrow key selects the middle of the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Une touche fléchée sélectionne le milieu de l’écran</translation>
     </message>
     <message>
         <source>An error as occured, please try again later</source>
-        <translation type="unfinished"></translation>
+        <translation>Une erreur s’est produite, réessayez plus tard</translation>
     </message>
     <message>
         <source>An import cannot go on, since it cannot be told which of its files are in the library. It is kept: go on with it once that is mended, or forget it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un import ne peut pas reprendre, car on ne peut pas savoir lesquels de ses fichiers sont dans la bibliothèque. Il est conservé : reprenez-le une fois le problème résolu, ou oubliez-le.</translation>
     </message>
     <message>
         <source>An item has no folder that can be its own: %@</source>
@@ -1224,108 +1228,108 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Another file has that name. Use another name, or rename the other file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un autre fichier porte ce nom. Choisissez un autre nom ou renommez l’autre fichier.</translation>
     </message>
     <message>
         <source>Another folder is in its place. Connect the drive it is on, or, if this is the folder to show, choose Use This Folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un autre dossier est à sa place. Connectez le disque où il se trouve ou, si c’est le dossier à afficher, choisissez Utiliser ce dossier.</translation>
     </message>
     <message>
         <source>Another library, or a move of this one, takes effect when Zelto is opened again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le changement ou le déplacement de la bibliothèque prend effet à la prochaine ouverture de Zelto.</translation>
     </message>
     <message>
         <source>Another program uses it. Wait until that is done, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un autre programme l’utilise. Attendez qu’il ait terminé, puis réessayez.</translation>
     </message>
     <message>
         <source>Another program uses port %d of this machine, at which the web browser is to answer. Close it and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un autre programme utilise le port %d de cet ordinateur, sur lequel le navigateur web doit répondre. Fermez-le, puis réessayez.</translation>
     </message>
     <message>
         <source>Another program would have to draw it, and this system cannot keep such a program from your files (its kernel has no Landlock). Convert it to PDF or PNG and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un autre programme devrait le dessiner, et ce système ne peut pas tenir un tel programme à l’écart de vos fichiers (son noyau n’a pas Landlock). Convertissez-le en PDF ou PNG et importez le résultat.</translation>
     </message>
     <message>
         <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout autre service qui reçoit des fichiers par le web, selon un fichier de description : son adresse, ses en-têtes et champs de formulaire, et où trouver le lien dans sa réponse.</translation>
     </message>
     <message>
         <source>App &amp;key</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Clé d’application (App key)</translation>
     </message>
     <message>
         <source>Apply to all %d duplicates</source>
-        <translation type="unfinished"></translation>
+        <translation>Appliquer aux %d doublons</translation>
     </message>
     <message>
         <source>Apply to all duplicates of this import</source>
-        <translation type="unfinished"></translation>
+        <translation>Appliquer à tous les doublons de cet import</translation>
     </message>
     <message>
         <source>Apply to the remaining %d duplicates</source>
-        <translation type="unfinished"></translation>
+        <translation>Appliquer aux %d doublons restants</translation>
     </message>
     <message>
         <source>Archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archive</translation>
     </message>
     <message>
         <source>Are you sure you want to delete these items and their content?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ces éléments et leur contenu ?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete these items?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ces éléments ?</translation>
     </message>
     <message numerus="yes">
         <source>Are you sure you want to delete these tags?</source>
         <comment>counted</comment>
         <extracomment>for one: Are you sure you want to delete this tag?</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Voulez-vous vraiment supprimer ce mot-clé ?</numerusform>
+            <numerusform>Voulez-vous vraiment supprimer ces mots-clés ?</numerusform>
         </translation>
     </message>
     <message>
         <source>Are you sure you want to delete this folder and its content?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ce dossier et son contenu ?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this folder?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ce dossier ?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this project and its content?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ce projet et son contenu ?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this project?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ce projet ?</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this smart folder?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment supprimer ce dossier intelligent ?</translation>
     </message>
     <message>
         <source>Are you sure you want to remove this Live Folder?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous vraiment retirer ce dossier actif ?</translation>
     </message>
     <message>
         <source>Area</source>
-        <translation type="unfinished"></translation>
+        <translation>Zone</translation>
     </message>
     <message>
         <source>Area to capture</source>
-        <translation type="unfinished"></translation>
+        <translation>Zone à capturer</translation>
     </message>
     <message>
         <source>As Grid</source>
-        <translation type="unfinished"></translation>
+        <translation>En grille</translation>
     </message>
     <message>
         <source>As List</source>
-        <translation type="unfinished"></translation>
+        <translation>En liste</translation>
     </message>
     <message>
         <source>As `import,store`, or `all`: print how long the traced steps took.</source>
@@ -1337,47 +1341,47 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Ascending</source>
-        <translation type="unfinished"></translation>
+        <translation>Croissant</translation>
     </message>
     <message>
         <source>Ask Again Later</source>
-        <translation type="unfinished"></translation>
+        <translation>Redemander plus tard</translation>
     </message>
     <message>
         <source>Ask again when it is needed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Relancez-la au besoin.</translation>
     </message>
     <message>
         <source>Ask before a row is removed with the &amp;items in it</source>
-        <translation type="unfinished"></translation>
+        <translation>Demander avant de retirer une ligne avec ses é&amp;léments</translation>
     </message>
     <message>
         <source>Ask whoever runs it for a description that gives each file a name of its own.</source>
-        <translation type="unfinished"></translation>
+        <translation>Demandez à la personne qui le gère une description donnant à chaque fichier son propre nom.</translation>
     </message>
     <message>
         <source>Asking CloudApp…</source>
-        <translation type="unfinished"></translation>
+        <translation>Interrogation de CloudApp…</translation>
     </message>
     <message>
         <source>Asking the server…</source>
-        <translation type="unfinished"></translation>
+        <translation>Interrogation du serveur…</translation>
     </message>
     <message>
         <source>At dropbox.com/developers/apps create an app with “Scoped access”, allow it files.content.write, sharing.read and sharing.write, and enter %@ among its redirect URIs. Its “App key” belongs here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sur dropbox.com/developers/apps, créez une application avec « Scoped access », accordez-lui files.content.write, sharing.read et sharing.write, et ajoutez %@ à ses redirect URIs. Indiquez ici son « App key ».</translation>
     </message>
     <message>
         <source>Audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio</translation>
     </message>
     <message>
         <source>Auto</source>
-        <translation type="unfinished"></translation>
+        <translation>Auto</translation>
     </message>
     <message>
         <source>Automatic</source>
-        <translation type="unfinished"></translation>
+        <translation>Automatique</translation>
     </message>
     <message>
         <source>BACKUP</source>
@@ -1385,11 +1389,11 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>BETWEEN needs a list of two values</source>
-        <translation type="unfinished"></translation>
+        <translation>BETWEEN nécessite une liste de deux valeurs</translation>
     </message>
     <message>
         <source>BMP image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image BMP</translation>
     </message>
     <message>
         <source>Back Up Library…</source>
@@ -1397,15 +1401,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Back to the items (Esc)</source>
-        <translation type="unfinished"></translation>
+        <translation>Revenir aux éléments (Échap)</translation>
     </message>
     <message>
         <source>Back, or clear the search</source>
-        <translation type="unfinished"></translation>
+        <translation>Revenir ou effacer la recherche</translation>
     </message>
     <message>
         <source>Background</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrière-plan</translation>
     </message>
     <message>
         <source>Backing up</source>
@@ -1421,19 +1425,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Behind “%@” stands what to look for: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Après « %@ » vient ce qu’il faut chercher : %@.</translation>
     </message>
     <message>
         <source>Blue</source>
-        <translation type="unfinished"></translation>
+        <translation>Bleu</translation>
     </message>
     <message>
         <source>Bringing items back…</source>
-        <translation type="unfinished"></translation>
+        <translation>Retour des éléments…</translation>
     </message>
     <message>
         <source>Busy</source>
-        <translation type="unfinished"></translation>
+        <translation>Occupé</translation>
     </message>
     <message>
         <source>By &amp;itself</source>
@@ -1441,15 +1445,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>By whole factors, so that pixels stay sharp.</source>
-        <translation type="unfinished"></translation>
+        <translation>Par facteurs entiers, pour que les pixels restent nets.</translation>
     </message>
     <message>
         <source>Bytes</source>
-        <translation type="unfinished"></translation>
+        <translation>Octets</translation>
     </message>
     <message>
         <source>C&amp;ancel</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
         <source>C&amp;opy</source>
@@ -1457,7 +1461,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>COLORS</source>
-        <translation type="unfinished"></translation>
+        <translation>COULEURS</translation>
     </message>
     <message>
         <source>CRASH REPORTS</source>
@@ -1465,43 +1469,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Camera raw image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image brute d’appareil photo</translation>
     </message>
     <message>
         <source>Can't connect to Cloud App</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de se connecter à Cloud App</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation type="unfinished"></translation>
+        <translation>Annuler</translation>
     </message>
     <message>
         <source>Cancel Sharing</source>
-        <translation type="unfinished"></translation>
+        <translation>Annuler le partage</translation>
     </message>
     <message>
         <source>Cancel takes back everything this import has brought.</source>
-        <translation type="unfinished"></translation>
+        <translation>Annuler retire tout ce que cet import a apporté.</translation>
     </message>
     <message>
         <source>Cancels what is being shared.</source>
-        <translation type="unfinished"></translation>
+        <translation>Annule ce qui est en cours de partage.</translation>
     </message>
     <message>
         <source>Cannot upload the files</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’envoyer les fichiers</translation>
     </message>
     <message>
         <source>Capture</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer</translation>
     </message>
     <message>
         <source>Capture %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer : %@</translation>
     </message>
     <message>
         <source>Capture Web Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer une page web</translation>
     </message>
     <message>
         <source>Capture stored</source>
@@ -1509,15 +1513,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Capture the page at “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer la page à l’adresse « %@ » ?</translation>
     </message>
     <message>
         <source>Capturing the page…</source>
-        <translation type="unfinished"></translation>
+        <translation>Capture de la page…</translation>
     </message>
     <message>
         <source>Capturing web pages needs a browser that is not there: install chromium.</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer des pages web nécessite un navigateur absent : installez chromium.</translation>
     </message>
     <message>
         <source>Check for &amp;Updates...</source>
@@ -1529,7 +1533,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Check its name and where it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez son nom et son emplacement.</translation>
     </message>
     <message>
         <source>Check its permissions, or choose another folder.</source>
@@ -1537,43 +1541,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Check its permissions, or choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez ses permissions ou choisissez une autre bibliothèque.</translation>
     </message>
     <message>
         <source>Check that its folder exists and can be written.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez que son dossier existe et est accessible en écriture.</translation>
     </message>
     <message>
         <source>Check that its folder exists and that you may read and write there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez que son dossier existe et que vous pouvez y lire et y écrire.</translation>
     </message>
     <message>
         <source>Check that the volume is still connected and has room, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez que le volume est toujours connecté et a de la place, puis réessayez.</translation>
     </message>
     <message>
         <source>Check the address and the name of the user.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez l’adresse et le nom d’utilisateur.</translation>
     </message>
     <message>
         <source>Check the address of your server and the folder in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez l’adresse de votre serveur et le dossier dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Check the permissions of its folder and the room on its disk; the damaged file is unchanged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez les permissions de son dossier et la place sur son disque ; le fichier endommagé est inchangé.</translation>
     </message>
     <message>
         <source>Check the permissions of its folder and whether the volume is mounted read-only.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez les permissions de son dossier et si le volume est monté en lecture seule.</translation>
     </message>
     <message>
         <source>Check your internet connection or your network settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez votre connexion Internet ou vos paramètres réseau.</translation>
     </message>
     <message>
         <source>Check “link” in its description, and import it again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez « link » dans sa description et importez-la de nouveau dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Choose</source>
@@ -1581,15 +1585,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose a Description</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisir une description</translation>
     </message>
     <message>
         <source>Choose a folder whose name ends in .ztlibrary.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez un dossier dont le nom se termine par .ztlibrary.</translation>
     </message>
     <message>
         <source>Choose a live folder, the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez un dossier actif, la bibliothèque, un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>Choose another folder, best on another disk.</source>
@@ -1597,103 +1601,103 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose another library, recover it, or put back a copy from a backup.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez une autre bibliothèque, récupérez celle-ci ou remettez une copie de sauvegarde.</translation>
     </message>
     <message>
         <source>Choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez une autre bibliothèque.</translation>
     </message>
     <message>
         <source>Choose another place for the library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez un autre emplacement pour la bibliothèque.</translation>
     </message>
     <message>
         <source>Choose fewer at once.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez-en moins à la fois.</translation>
     </message>
     <message>
         <source>Choose one in the settings of the desktop and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez-en un dans les paramètres du bureau, puis réessayez.</translation>
     </message>
     <message>
         <source>Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez la bibliothèque, un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>Choose where it is to go.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez la destination.</translation>
     </message>
     <message>
         <source>Cleaning up library</source>
-        <translation type="unfinished"></translation>
+        <translation>Nettoyage de la bibliothèque</translation>
     </message>
     <message>
         <source>Click or Return takes the window · Tab goes on · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Clic ou Entrée capture la fenêtre · Tab passe à la suivante · Échap quitte</translation>
     </message>
     <message>
         <source>Click to cancel.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cliquez pour annuler.</translation>
     </message>
     <message>
         <source>Click to export what is selected, or drag it to where the files are to go.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cliquez pour exporter la sélection, ou faites-la glisser là où les fichiers doivent aller.</translation>
     </message>
     <message>
         <source>Click, then press the keys. Backspace clears.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cliquez, puis appuyez sur les touches. Retour arrière efface.</translation>
     </message>
     <message>
         <source>Client &amp;ID</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Identifiant client (Client ID)</translation>
     </message>
     <message>
         <source>Close</source>
-        <translation type="unfinished"></translation>
+        <translation>Fermer</translation>
     </message>
     <message>
         <source>Close Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Fermer l’onglet</translation>
     </message>
     <message>
         <source>Cloud</source>
-        <translation type="unfinished"></translation>
+        <translation>Cloud</translation>
     </message>
     <message>
         <source>Cloud preferences…</source>
-        <translation type="unfinished"></translation>
+        <translation>Préférences du cloud…</translation>
     </message>
     <message>
         <source>CloudApp when an account is connected, else Dropbox when it is linked, else Imgur. Now: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>CloudApp si un compte est connecté, sinon Dropbox s’il est associé, sinon Imgur. Actuellement : %@.</translation>
     </message>
     <message>
         <source>Collapse All Groups</source>
-        <translation type="unfinished"></translation>
+        <translation>Réduire tous les groupes</translation>
     </message>
     <message>
         <source>Collapse Group</source>
-        <translation type="unfinished"></translation>
+        <translation>Réduire le groupe</translation>
     </message>
     <message>
         <source>Color</source>
-        <translation type="unfinished"></translation>
+        <translation>Couleur</translation>
     </message>
     <message>
         <source>Color is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>La couleur est « %@ »</translation>
     </message>
     <message>
         <source>Columns</source>
-        <translation type="unfinished"></translation>
+        <translation>Colonnes</translation>
     </message>
     <message>
         <source>Comma-separated values</source>
-        <translation type="unfinished"></translation>
+        <translation>Valeurs séparées par des virgules</translation>
     </message>
     <message>
         <source>Connect it again before you go on. What you change until then cannot be kept.</source>
-        <translation type="unfinished"></translation>
+        <translation>Reconnectez-le avant de continuer. Ce que vous changez d’ici là ne peut pas être conservé.</translation>
     </message>
     <message>
         <source>Connect its disk, or choose another folder.</source>
@@ -1705,31 +1709,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Connect the account again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Reconnectez le compte dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Connect the volume it is on, or choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Connectez le volume où elle se trouve ou choisissez une autre bibliothèque.</translation>
     </message>
     <message>
         <source>Connect this computer to a network, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Connectez cet ordinateur à un réseau, puis réessayez.</translation>
     </message>
     <message>
         <source>Connect your CloudApp account in the preferences, under Cloud. Who has none makes one at %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Connectez votre compte CloudApp dans les préférences, sous Cloud. Si vous n’en avez pas, créez-en un sur %@.</translation>
     </message>
     <message>
         <source>Connected as %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Connecté en tant que %@</translation>
     </message>
     <message>
         <source>Continue</source>
-        <translation type="unfinished"></translation>
+        <translation>Continuer</translation>
     </message>
     <message>
         <source>Copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Copier</translation>
     </message>
     <message>
         <source>Copy Link</source>
@@ -1737,15 +1741,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Copy the template's file there with `zelto import`.</source>
-        <translation type="unfinished"></translation>
+        <translation>Copiez-y le fichier du modèle avec `zelto import`.</translation>
     </message>
     <message>
         <source>Copying files…</source>
-        <translation type="unfinished"></translation>
+        <translation>Copie des fichiers…</translation>
     </message>
     <message>
         <source>Copying items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Copie des éléments…</translation>
     </message>
     <message>
         <source>Copying the database</source>
@@ -1753,15 +1757,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Could not be read, at least: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Illisible, au moins : %@.</translation>
     </message>
     <message>
         <source>Could not save changes while quitting.  Quit anyway?</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’enregistrer les modifications en quittant.  Quitter quand même ?</translation>
     </message>
     <message>
         <source>Counting…</source>
-        <translation type="unfinished"></translation>
+        <translation>Décompte…</translation>
     </message>
     <message>
         <source>Crash report</source>
@@ -1769,15 +1773,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Created</source>
-        <translation type="unfinished"></translation>
+        <translation>Créé</translation>
     </message>
     <message>
         <source>Created before (&lt;), on (=) or since (&gt;) the date, that day included</source>
-        <translation type="unfinished"></translation>
+        <translation>Créé avant (&lt;), à (=) ou depuis (&gt;) la date, jour compris</translation>
     </message>
     <message>
         <source>Creation date</source>
-        <translation type="unfinished"></translation>
+        <translation>Date de création</translation>
     </message>
     <message>
         <source>Ctrl</source>
@@ -1785,31 +1789,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>DISKS THAT TELL OF NO CHANGES</source>
-        <translation type="unfinished"></translation>
+        <translation>DISQUES QUI NE SIGNALENT PAS LES CHANGEMENTS</translation>
     </message>
     <message>
         <source>Dark Theme</source>
-        <translation type="unfinished"></translation>
+        <translation>Thème sombre</translation>
     </message>
     <message>
         <source>Delete</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimer</translation>
     </message>
     <message>
         <source>Delete %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimer %@</translation>
     </message>
     <message>
         <source>Delete %@ and Content</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimer %@ et le contenu</translation>
     </message>
     <message>
         <source>Delete Preset</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimer le préréglage</translation>
     </message>
     <message>
         <source>Delete from Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimer de la bibliothèque</translation>
     </message>
     <message>
         <source>Deleted and not yet removed: %@</source>
@@ -1817,47 +1821,47 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Deleting files…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suppression des fichiers…</translation>
     </message>
     <message>
         <source>Deleting items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suppression des éléments…</translation>
     </message>
     <message>
         <source>Descending</source>
-        <translation type="unfinished"></translation>
+        <translation>Décroissant</translation>
     </message>
     <message>
         <source>Digest is %@</source>
-        <translation type="unfinished"></translation>
+        <translation>L’empreinte est %@</translation>
     </message>
     <message>
         <source>Digital negative image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image négatif numérique</translation>
     </message>
     <message>
         <source>Disable</source>
-        <translation type="unfinished"></translation>
+        <translation>Désactiver</translation>
     </message>
     <message>
         <source>Discard</source>
-        <translation type="unfinished"></translation>
+        <translation>Abandonner</translation>
     </message>
     <message>
         <source>Discard the new copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Abandonner la nouvelle copie</translation>
     </message>
     <message>
         <source>Do not ask again</source>
-        <translation type="unfinished"></translation>
+        <translation>Ne plus demander</translation>
     </message>
     <message>
         <source>Do you want to switch library and quit Zelto?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous changer de bibliothèque et quitter Zelto ?</translation>
     </message>
     <message>
         <source>Document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document</translation>
     </message>
     <message>
         <source>Don't Look</source>
@@ -1865,7 +1869,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Double resolution</source>
-        <translation type="unfinished"></translation>
+        <translation>Double résolution</translation>
     </message>
     <message>
         <source>Down</source>
@@ -1873,67 +1877,67 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Downloading images</source>
-        <translation type="unfinished"></translation>
+        <translation>Téléchargement des images</translation>
     </message>
     <message>
         <source>Drag it to another place, or press Delete to remove it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Faites-le glisser à un autre endroit, ou appuyez sur Suppr pour le retirer.</translation>
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Tracez une zone ou appuyez sur une touche fléchée · Échap quitte</translation>
     </message>
     <message>
         <source>Drawing</source>
-        <translation type="unfinished"></translation>
+        <translation>Dessin</translation>
     </message>
     <message>
         <source>Drop folders here, or press +</source>
-        <translation type="unfinished"></translation>
+        <translation>Déposez des dossiers ici ou appuyez sur +</translation>
     </message>
     <message>
         <source>Drop images here, or press Ctrl+I</source>
-        <translation type="unfinished"></translation>
+        <translation>Déposez des images ici ou appuyez sur Ctrl+I</translation>
     </message>
     <message>
         <source>Drop to create a live folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Déposer pour créer un dossier actif</translation>
     </message>
     <message>
         <source>Drop to create a project</source>
-        <translation type="unfinished"></translation>
+        <translation>Déposer pour créer un projet</translation>
     </message>
     <message>
         <source>Dropbox</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox</translation>
     </message>
     <message>
         <source>Dropbox answered without what lets Zelto in.</source>
-        <translation type="unfinished"></translation>
+        <translation>La réponse de Dropbox ne contient pas ce qui donne accès à Zelto.</translation>
     </message>
     <message>
         <source>Dropbox needs an app key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox nécessite une App key.</translation>
     </message>
     <message>
         <source>Dropbox no longer lets Zelto in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox ne donne plus accès à Zelto.</translation>
     </message>
     <message>
         <source>Dropbox says: “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réponse de Dropbox : « %@ ».</translation>
     </message>
     <message>
         <source>Dropbox was not linked: it was not allowed in the web browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dropbox n’a pas été associé : cela n’a pas été autorisé dans le navigateur web.</translation>
     </message>
     <message>
         <source>Dropped file</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichier déposé</translation>
     </message>
     <message>
         <source>Duplicate</source>
-        <translation type="unfinished"></translation>
+        <translation>Dupliquer</translation>
     </message>
     <message>
         <source>Duplicates: %@</source>
@@ -1941,51 +1945,51 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Duplicating items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Duplication des éléments…</translation>
     </message>
     <message>
         <source>EPS %@ is not a valid image</source>
-        <translation type="unfinished"></translation>
+        <translation>EPS %@ n’est pas une image valide</translation>
     </message>
     <message>
         <source>Each upload goes into a folder of its own in your Dropbox. What lets Zelto in is kept in the desktop's keyring and nowhere else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Chaque envoi va dans un dossier à part de votre Dropbox. Ce qui donne accès à Zelto est conservé dans le trousseau du bureau et nulle part ailleurs.</translation>
     </message>
     <message>
         <source>Edit</source>
-        <translation type="unfinished"></translation>
+        <translation>Édition</translation>
     </message>
     <message>
         <source>Edit Search…</source>
-        <translation type="unfinished"></translation>
+        <translation>Modifier la recherche…</translation>
     </message>
     <message>
         <source>Edit Search… in its menu gives it another text.</source>
-        <translation type="unfinished"></translation>
+        <translation>Modifier la recherche… dans son menu lui donne un autre texte.</translation>
     </message>
     <message>
         <source>Edit presets</source>
-        <translation type="unfinished"></translation>
+        <translation>Modifier les préréglages</translation>
     </message>
     <message>
         <source>Edit presets…</source>
-        <translation type="unfinished"></translation>
+        <translation>Modifier les préréglages…</translation>
     </message>
     <message>
         <source>Empty the search field</source>
-        <translation type="unfinished"></translation>
+        <translation>Videz le champ de recherche</translation>
     </message>
     <message>
         <source>Enable</source>
-        <translation type="unfinished"></translation>
+        <translation>Activer</translation>
     </message>
     <message>
         <source>Enable this live folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Activer ce dossier actif</translation>
     </message>
     <message>
         <source>Encapsulated PostScript image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image PostScript encapsulée</translation>
     </message>
     <message>
         <source>End</source>
@@ -1993,43 +1997,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Enter</source>
-        <translation type="unfinished"></translation>
+        <translation>Entrée</translation>
     </message>
     <message>
         <source>Enter a Dropbox app key in the preferences, under Cloud, and link your Dropbox.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez une App key Dropbox dans les préférences, sous Cloud, et associez votre Dropbox.</translation>
     </message>
     <message>
         <source>Enter it in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez-le dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Enter names with “/” between them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Saisissez les noms séparés par « / ».</translation>
     </message>
     <message>
         <source>Enter the address of “%@” without a login and without “?” and “#”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez l’adresse de « %@ » sans identifiants et sans « ? » ni « # ».</translation>
     </message>
     <message>
         <source>Enter the public address of the folder in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez l’adresse publique du dossier dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Enter them anew in the preferences, under Cloud. A server with a second factor wants an “app password” from its security settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Saisissez-les de nouveau dans les préférences, sous Cloud. Un serveur avec second facteur demande un « mot de passe d’application », à créer dans ses paramètres de sécurité.</translation>
     </message>
     <message>
         <source>Enter what the service gave you.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez ce que le service vous a donné.</translation>
     </message>
     <message>
         <source>Enter your server, your name and your password there in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez-y votre serveur, votre nom et votre mot de passe, dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Esc</source>
-        <translation type="unfinished"></translation>
+        <translation>Échap</translation>
     </message>
     <message>
         <source>Every day</source>
@@ -2041,27 +2045,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Everything is in the library already. Choose a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout est déjà dans la bibliothèque. Choisissez un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>Expand All Groups</source>
-        <translation type="unfinished"></translation>
+        <translation>Développer tous les groupes</translation>
     </message>
     <message>
         <source>Expand Group</source>
-        <translation type="unfinished"></translation>
+        <translation>Développer le groupe</translation>
     </message>
     <message>
         <source>Export</source>
-        <translation type="unfinished"></translation>
+        <translation>Exporter</translation>
     </message>
     <message>
         <source>Export as Layered PSD</source>
-        <translation type="unfinished"></translation>
+        <translation>Exporter en PSD avec calques</translation>
     </message>
     <message>
         <source>Export as Layered PSD…</source>
-        <translation type="unfinished"></translation>
+        <translation>Exporter en PSD avec calques…</translation>
     </message>
     <message numerus="yes">
         <source>Export incomplete
@@ -2069,134 +2073,136 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <comment>counted</comment>
         <extracomment>for one: Export incomplete
  %d original file is missing!</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Export incomplet
+%d fichier d’origine est manquant !</numerusform>
+            <numerusform>Export incomplet
+%d fichiers d’origine sont manquants !</numerusform>
         </translation>
     </message>
     <message>
         <source>Export operation</source>
-        <translation type="unfinished"></translation>
+        <translation>Opération d’export</translation>
     </message>
     <message>
         <source>Exporting %@ of %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Export de %@ sur %@</translation>
     </message>
     <message>
         <source>Exporting layers…</source>
-        <translation type="unfinished"></translation>
+        <translation>Export des calques…</translation>
     </message>
     <message>
         <source>Export…</source>
-        <translation type="unfinished"></translation>
+        <translation>Exporter…</translation>
     </message>
     <message>
         <source>Extension</source>
-        <translation type="unfinished"></translation>
+        <translation>Extension</translation>
     </message>
     <message>
         <source>Extension is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>L’extension est « %@ »</translation>
     </message>
     <message>
         <source>F10</source>
-        <translation type="unfinished"></translation>
+        <translation>F10</translation>
     </message>
     <message>
         <source>FILES OPENED WITH ZELTO</source>
-        <translation type="unfinished"></translation>
+        <translation>FICHIERS OUVERTS AVEC ZELTO</translation>
     </message>
     <message>
         <source>FLAC audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio FLAC</translation>
     </message>
     <message>
         <source>FOLDERS OF THE DISK</source>
-        <translation type="unfinished"></translation>
+        <translation>DOSSIERS DU DISQUE</translation>
     </message>
     <message>
         <source>FROM EACH FILE</source>
-        <translation type="unfinished"></translation>
+        <translation>DEPUIS CHAQUE FICHIER</translation>
     </message>
     <message>
         <source>Failed to initialize the store</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’initialiser la base de données</translation>
     </message>
     <message>
         <source>Fewer, as many or more stars</source>
-        <translation type="unfinished"></translation>
+        <translation>Moins, autant ou plus d’étoiles</translation>
     </message>
     <message>
         <source>File</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichier</translation>
     </message>
     <message>
         <source>File names</source>
-        <translation type="unfinished"></translation>
+        <translation>Noms de fichiers</translation>
     </message>
     <message>
         <source>Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers</translation>
     </message>
     <message>
         <source>Files before it are missing, and took the names. Export it by itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Des fichiers qui le précèdent sont manquants et ont pris les noms. Exportez-le séparément.</translation>
     </message>
     <message>
         <source>Files of this kind are not taken, as the preferences say. Have them taken there (Import), or convert it to PNG or JPEG.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les fichiers de ce type ne sont pas acceptés, d’après les préférences. Faites-les accepter là-bas (Importer), ou convertissez-le en PNG ou JPEG.</translation>
     </message>
     <message>
         <source>Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les fichiers de ce type ne peuvent pas être importés. Convertissez-le d’abord en image, PDF ou SVG.</translation>
     </message>
     <message>
         <source>Files of this kind, as PNG or font</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers de ce type, comme PNG ou police</translation>
     </message>
     <message>
         <source>Files that were not imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers qui n’ont pas été importés</translation>
     </message>
     <message>
         <source>Files with this extension; * and ? are wildcards</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers avec cette extension ; « * » et « ? » sont des caractères génériques</translation>
     </message>
     <message>
         <source>Find</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher</translation>
     </message>
     <message>
         <source>Find in %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher dans %@</translation>
     </message>
     <message>
         <source>Finds files that were changed; takes a while.</source>
-        <translation type="unfinished"></translation>
+        <translation>Trouve les fichiers modifiés ; prend un certain temps.</translation>
     </message>
     <message>
         <source>Finds what both sides find</source>
-        <translation type="unfinished"></translation>
+        <translation>Trouve ce que les deux côtés trouvent</translation>
     </message>
     <message>
         <source>Finds what one of both sides finds</source>
-        <translation type="unfinished"></translation>
+        <translation>Trouve ce que l’un des deux côtés trouve</translation>
     </message>
     <message>
         <source>Find…</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher…</translation>
     </message>
     <message>
         <source>Fit</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajuster</translation>
     </message>
     <message>
         <source>Fit (Ctrl+0)</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajuster (Ctrl+0)</translation>
     </message>
     <message>
         <source>Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Dossier</translation>
     </message>
     <message>
         <source>Folders</source>
@@ -2204,135 +2210,135 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Folders of the disk whose files are shown here and stay where they are</source>
-        <translation type="unfinished"></translation>
+        <translation>Dossiers du disque dont les fichiers sont affichés ici et restent à leur place</translation>
     </message>
     <message>
         <source>Folders on a network, for example, are looked at in intervals, and a clock marks them in the sidebar. That shows which files came and went; files that changed within are seen every hour.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les dossiers d’un réseau, par exemple, sont examinés à intervalles réguliers ; une horloge les signale dans la barre latérale. Cela montre quels fichiers sont apparus ou ont disparu ; ceux dont le contenu a changé sont repérés toutes les heures.</translation>
     </message>
     <message>
         <source>Font</source>
-        <translation type="unfinished"></translation>
+        <translation>Police</translation>
     </message>
     <message>
         <source>Forget</source>
-        <translation type="unfinished"></translation>
+        <translation>Oublier</translation>
     </message>
     <message>
         <source>Format</source>
-        <translation type="unfinished"></translation>
+        <translation>Format</translation>
     </message>
     <message>
         <source>Frame %d of %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Image %d sur %d</translation>
     </message>
     <message>
         <source>Free some space there and look at its permissions.</source>
-        <translation type="unfinished"></translation>
+        <translation>Libérez-y de l’espace et vérifiez ses permissions.</translation>
     </message>
     <message>
         <source>Free some space, or check the permissions of the settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Libérez de l’espace ou vérifiez les permissions des paramètres.</translation>
     </message>
     <message>
         <source>Free some space, then save again; nothing of your changes is lost.</source>
-        <translation type="unfinished"></translation>
+        <translation>Libérez de l’espace, puis enregistrez de nouveau ; aucune de vos modifications n’est perdue.</translation>
     </message>
     <message>
         <source>Full Screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Plein écran</translation>
     </message>
     <message>
         <source>GIF image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image GIF</translation>
     </message>
     <message>
         <source>GIMP image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image GIMP</translation>
     </message>
     <message>
         <source>GZIP archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archive GZIP</translation>
     </message>
     <message>
         <source>General</source>
-        <translation type="unfinished"></translation>
+        <translation>Général</translation>
     </message>
     <message>
         <source>Give the title or the identifier of something in the sidebar.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez le titre ou l’identifiant d’un élément de la barre latérale.</translation>
     </message>
     <message>
         <source>Go on only if you asked for this in the browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>Continuez seulement si vous l’avez demandé dans le navigateur.</translation>
     </message>
     <message>
         <source>Go on only if you asked for this in the browser. You will not be asked again for this page's host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Continuez seulement si vous l’avez demandé dans le navigateur. La question ne sera plus posée pour l’hôte de cette page.</translation>
     </message>
     <message>
         <source>Go to Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Aller à l’onglet</translation>
     </message>
     <message>
         <source>Green</source>
-        <translation type="unfinished"></translation>
+        <translation>Vert</translation>
     </message>
     <message>
         <source>Group</source>
-        <translation type="unfinished"></translation>
+        <translation>Grouper</translation>
     </message>
     <message>
         <source>Group by</source>
-        <translation type="unfinished"></translation>
+        <translation>Grouper par</translation>
     </message>
     <message>
         <source>Group: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Groupement : %@</translation>
     </message>
     <message>
         <source>HEIC image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image HEIC</translation>
     </message>
     <message>
         <source>HTML document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document HTML</translation>
     </message>
     <message>
         <source>Has no tag at all</source>
-        <translation type="unfinished"></translation>
+        <translation>N’a aucun mot-clé</translation>
     </message>
     <message>
         <source>Has no tag of yours</source>
-        <translation type="unfinished"></translation>
+        <translation>N’a aucun mot-clé à vous</translation>
     </message>
     <message>
         <source>Has the tag “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>A le mot-clé « %@ »</translation>
     </message>
     <message>
         <source>Has the tag; * and ? are wildcards</source>
-        <translation type="unfinished"></translation>
+        <translation>A le mot-clé ; « * » et « ? » sont des caractères génériques</translation>
     </message>
     <message>
         <source>Have the smart folder find what is shown (Ctrl+Shift+S)</source>
-        <translation type="unfinished"></translation>
+        <translation>Faire trouver au dossier intelligent ce qui est affiché (Ctrl+Maj+S)</translation>
     </message>
     <message>
         <source>Height</source>
-        <translation type="unfinished"></translation>
+        <translation>Hauteur</translation>
     </message>
     <message>
         <source>Help</source>
-        <translation type="unfinished"></translation>
+        <translation>Aide</translation>
     </message>
     <message>
         <source>Hiding items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Masquage des éléments…</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajoutez Ctrl, Alt ou Super : seule, cette touche est nécessaire à d’autres programmes.</translation>
     </message>
     <message>
         <source>Home</source>
@@ -2340,7 +2346,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>How files are called: {title}, {index}, {width}, {height} and {date} stand for what each file has. Empty: the title.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nom des fichiers : {title}, {index}, {width}, {height} et {date} représentent les données de chaque fichier. Vide : le titre.</translation>
     </message>
     <message>
         <source>How many backups stay</source>
@@ -2352,99 +2358,99 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>IN FILES</source>
-        <translation type="unfinished"></translation>
+        <translation>DANS LES FICHIERS</translation>
     </message>
     <message>
         <source>IS EVERYTHING THERE?</source>
-        <translation type="unfinished"></translation>
+        <translation>RIEN NE MANQUE ?</translation>
     </message>
     <message>
         <source>ITEMS</source>
-        <translation type="unfinished"></translation>
+        <translation>ÉLÉMENTS</translation>
     </message>
     <message>
         <source>Icon image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image d’icône</translation>
     </message>
     <message>
         <source>Illustrator image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image Illustrator</translation>
     </message>
     <message>
         <source>Image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image</translation>
     </message>
     <message>
         <source>Images cannot be downloaded now. Restart Zelto, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de télécharger des images pour le moment. Redémarrez Zelto, puis réessayez.</translation>
     </message>
     <message>
         <source>Images get this tag by themselves when they are imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les images reçoivent ce mot-clé automatiquement à l’import.</translation>
     </message>
     <message>
         <source>Imgur asks every program for an identifier, and limits what comes with each. Register one of your own, choose “OAuth 2 authorization without a callback URL”, and paste the Client ID that it shows, 15 letters and digits, here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur demande à chaque programme un identifiant et limite ce qui est envoyé avec chacun. Enregistrez le vôtre, choisissez « OAuth 2 authorization without a callback URL » et collez ici le Client ID affiché, 15 lettres et chiffres.</translation>
     </message>
     <message>
         <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur veut savoir quel programme envoie. Enregistrez le vôtre sur api.imgur.com/oauth2/addclient, en tant que « OAuth 2 authorization without a callback URL », et indiquez le Client ID obtenu dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer</translation>
     </message>
     <message>
         <source>Import %d images from the page at “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer %d images de la page à l’adresse « %@ » ?</translation>
     </message>
     <message>
         <source>Import Invalid</source>
-        <translation type="unfinished"></translation>
+        <translation>Import non valide</translation>
     </message>
     <message>
         <source>Import Successful</source>
-        <translation type="unfinished"></translation>
+        <translation>Import réussi</translation>
     </message>
     <message>
         <source>Import an image from the page at “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer une image de la page à l’adresse « %@ » ?</translation>
     </message>
     <message>
         <source>Import anyway</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer quand même</translation>
     </message>
     <message>
         <source>Import cancelled</source>
-        <translation type="unfinished"></translation>
+        <translation>Import annulé</translation>
     </message>
     <message>
         <source>Import date</source>
-        <translation type="unfinished"></translation>
+        <translation>Date d’import</translation>
     </message>
     <message>
         <source>Import files here</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer des fichiers ici</translation>
     </message>
     <message>
         <source>Import operation successful</source>
-        <translation type="unfinished"></translation>
+        <translation>L’import a réussi</translation>
     </message>
     <message>
         <source>Import the description again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Importez de nouveau la description dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Import the missing files again, and remove that file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Importez de nouveau les fichiers manquants et supprimez ce fichier.</translation>
     </message>
     <message>
         <source>Imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Importé</translation>
     </message>
     <message>
         <source>Imported before (&lt;), on (=) or since (&gt;) the date, that day included</source>
-        <translation type="unfinished"></translation>
+        <translation>Importé avant (&lt;), à (=) ou depuis (&gt;) la date, jour compris</translation>
     </message>
     <message>
         <source>Imported in</source>
@@ -2452,43 +2458,43 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Importing %@ of %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Import de %@ sur %@</translation>
     </message>
     <message>
         <source>Importing…</source>
-        <translation type="unfinished"></translation>
+        <translation>Import en cours…</translation>
     </message>
     <message>
         <source>Import…</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer…</translation>
     </message>
     <message>
         <source>Import… (Ctrl+I)</source>
-        <translation type="unfinished"></translation>
+        <translation>Importer… (Ctrl+I)</translation>
     </message>
     <message>
         <source>In a live folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans un dossier actif</translation>
     </message>
     <message>
         <source>In a live folder named “%@”, or below it</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans un dossier actif nommé « %@ » ou ses sous-dossiers</translation>
     </message>
     <message>
         <source>In a live folder of this name, or below it</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans un dossier actif de ce nom ou ses sous-dossiers</translation>
     </message>
     <message>
         <source>In a live folder: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans un dossier actif : %@</translation>
     </message>
     <message>
         <source>In a project named “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans un projet nommé « %@ »</translation>
     </message>
     <message>
         <source>In a project whose name contains the text</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans un projet dont le nom contient le texte</translation>
     </message>
     <message>
         <source>In live folders: %@</source>
@@ -2496,31 +2502,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>In no project</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans aucun projet</translation>
     </message>
     <message>
         <source>In the desktop's keyboard settings keys can be bound to “zelto snap area”, “zelto snap window” and “zelto snap full”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans les paramètres clavier du bureau, des touches peuvent être attribuées à « zelto snap area », « zelto snap window » et « zelto snap full ».</translation>
     </message>
     <message>
         <source>In your library since %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans votre bibliothèque depuis le %@</translation>
     </message>
     <message>
         <source>InDesign document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document InDesign</translation>
     </message>
     <message>
         <source>Info</source>
-        <translation type="unfinished"></translation>
+        <translation>Infos</translation>
     </message>
     <message>
         <source>Info Panel</source>
-        <translation type="unfinished"></translation>
+        <translation>Panneau d’informations</translation>
     </message>
     <message>
         <source>Info Panel (Ctrl+Shift+I)</source>
-        <translation type="unfinished"></translation>
+        <translation>Panneau d’informations (Ctrl+Maj+I)</translation>
     </message>
     <message>
         <source>Insert</source>
@@ -2528,15 +2534,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Install one, such as GNOME Keyring or KWallet, log in to the desktop again, and try once more. Nothing was stored.</source>
-        <translation type="unfinished"></translation>
+        <translation>Installez-en un, comme GNOME Keyring ou KWallet, rouvrez votre session, puis réessayez. Rien n’a été enregistré.</translation>
     </message>
     <message>
         <source>Install the application again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réinstallez l’application.</translation>
     </message>
     <message>
         <source>Install the newer version to open it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Installez la version plus récente pour l’ouvrir.</translation>
     </message>
     <message>
         <source>It asks its makers' server once a day which version is the newest. Nothing about you or your library is sent, and nothing is installed by itself.</source>
@@ -2544,103 +2550,103 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It belongs to the system. Add the folders with your pictures instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il appartient au système. Ajoutez plutôt les dossiers contenant vos images.</translation>
     </message>
     <message>
         <source>It can't be encoded.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’encodage est impossible.</translation>
     </message>
     <message>
         <source>It cannot be read. Allow reading it, then add it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est illisible. Autorisez sa lecture, puis ajoutez-le de nouveau.</translation>
     </message>
     <message>
         <source>It cannot be read. Change its permissions, or unlock it, and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est illisible. Modifiez ses permissions ou déverrouillez-le, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>It cannot be read: %@. What the library has of it stays as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est illisible : %@. Ce que la bibliothèque en contient reste inchangé.</translation>
     </message>
     <message>
         <source>It cannot be told whether the library has it already, since the library cannot be read. Import it again once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de savoir si la bibliothèque le contient déjà, car elle est illisible. Importez-le de nouveau une fois le problème résolu.</translation>
     </message>
     <message>
         <source>It cannot be unpacked into the folder for temporary files: %@. Check that folder and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de le décompresser dans le dossier temporaire : %@. Vérifiez ce dossier, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>It cannot be unpacked, since no temporary folder can be made. Free some space there, or name another folder in TMPDIR, and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de le décompresser, car aucun dossier temporaire ne peut être créé. Libérez-y de l’espace ou indiquez un autre dossier dans TMPDIR, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>It counts as one document. Import it, or add the folder it is in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il compte comme un seul document. Importez-le, ou ajoutez le dossier où il se trouve.</translation>
     </message>
     <message>
         <source>It does not exist or you don't have the permission to read it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’existe pas ou vous n’avez pas la permission de le lire.</translation>
     </message>
     <message>
         <source>It goes to the trash, and the library takes its place.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il va dans la corbeille et la bibliothèque prend sa place.</translation>
     </message>
     <message>
         <source>It has no frame %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’a pas d’image %d.</translation>
     </message>
     <message>
         <source>It has to begin with http:// or https://.</source>
-        <translation type="unfinished"></translation>
+        <translation>Elle doit commencer par http:// ou https://.</translation>
     </message>
     <message>
         <source>It has too many pixels (%d × %d). Make it smaller and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il a trop de pixels (%d × %d). Réduisez-le, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>It holds everything of this computer. Add the folders with your pictures instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il contient tout cet ordinateur. Ajoutez plutôt les dossiers contenant vos images.</translation>
     </message>
     <message>
         <source>It holds no picture of itself. Save it again in its own application and import it anew.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il ne contient aucune image de lui-même. Enregistrez-le de nouveau dans son application, puis réimportez-le.</translation>
     </message>
     <message>
         <source>It holds no preview.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il ne contient aucun aperçu.</translation>
     </message>
     <message>
         <source>It holds no preview. Open it in Sketch, save it again and import it anew, or export it as PNG, SVG or PDF and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il ne contient aucun aperçu. Ouvrez-le dans Sketch, enregistrez-le de nouveau et réimportez-le, ou exportez-le en PNG, SVG ou PDF et importez le résultat.</translation>
     </message>
     <message>
         <source>It holds the library itself. Add the folders beside the library instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il contient la bibliothèque elle-même. Ajoutez plutôt les dossiers situés à côté.</translation>
     </message>
     <message>
         <source>It is a document of a newer Sketch, which cannot be imported. Export it from Sketch as PNG, SVG or PDF and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>C’est un document d’un Sketch plus récent, qui ne peut pas être importé. Exportez-le depuis Sketch en PNG, SVG ou PDF et importez le résultat.</translation>
     </message>
     <message>
         <source>It is a folder. Import it into a folder of the sidebar, or into PROJECTS.</source>
-        <translation type="unfinished"></translation>
+        <translation>C’est un dossier. Importez-le dans un dossier de la barre latérale ou dans PROJETS.</translation>
     </message>
     <message>
         <source>It is a link. Import what it leads to.</source>
-        <translation type="unfinished"></translation>
+        <translation>C’est un lien. Importez ce vers quoi il mène.</translation>
     </message>
     <message>
         <source>It is a part of the library itself. Add a folder outside of it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il fait partie de la bibliothèque elle-même. Ajoutez un dossier situé en dehors.</translation>
     </message>
     <message>
         <source>It is added where the import goes; the new copy is discarded.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est ajouté à la destination de l’import ; la nouvelle copie est abandonnée.</translation>
     </message>
     <message>
         <source>It is empty, or too large for a PNG file.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image est vide ou trop grande pour un fichier PNG.</translation>
     </message>
     <message>
         <source>It is in Screenshots.</source>
@@ -2648,115 +2654,115 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It is in the trash. Restore it first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est dans la corbeille. Restaurez-le d’abord.</translation>
     </message>
     <message>
         <source>It is incomplete: only a part of it can be drawn. Import it again from where it came.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est incomplet : seule une partie peut être affichée. Importez-le de nouveau depuis sa source.</translation>
     </message>
     <message>
         <source>It is larger than %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il dépasse %@.</translation>
     </message>
     <message>
         <source>It is locked against every change. Unlock it, or import a copy of it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est verrouillé contre toute modification. Déverrouillez-le ou importez-en une copie.</translation>
     </message>
     <message>
         <source>It is locked, or you have no permission to read it. Unlock it and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est verrouillé ou vous n’avez pas la permission de le lire. Déverrouillez-le, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>It is locked, or you may not change its folder. Unlock it, or change the folder's permissions, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est verrouillé ou vous ne pouvez pas modifier son dossier. Déverrouillez-le ou modifiez les permissions du dossier, puis réessayez.</translation>
     </message>
     <message>
         <source>It is mounted read-only.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est monté en lecture seule.</translation>
     </message>
     <message>
         <source>It is no folder. Add the folder it is in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas un dossier. Ajoutez le dossier où il se trouve.</translation>
     </message>
     <message>
         <source>It is no live folder of its own. Choose one that stands below LIVE FOLDERS.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas un dossier actif à part entière. Choisissez-en un placé sous DOSSIERS ACTIFS.</translation>
     </message>
     <message>
         <source>It is no picture that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas une image importable.</translation>
     </message>
     <message>
         <source>It is no regular file. Import a copy of what it gives.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas un fichier ordinaire. Importez une copie de ce qu’il fournit.</translation>
     </message>
     <message>
         <source>It is not a picture of a known kind.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas une image d’un type connu.</translation>
     </message>
     <message>
         <source>It is not encrypted on its way.</source>
-        <translation type="unfinished"></translation>
+        <translation>La transmission n’est pas chiffrée.</translation>
     </message>
     <message>
         <source>It is not in the library any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’est plus dans la bibliothèque.</translation>
     </message>
     <message>
         <source>It is not missing, so nothing has to be taken for it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’est pas manquant, il n’y a donc rien à mettre à sa place.</translation>
     </message>
     <message>
         <source>It is not there any more. Look where it went and import it from there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’est plus là. Cherchez où il est passé et importez-le depuis cet endroit.</translation>
     </message>
     <message>
         <source>It is not there any more. Look whether it was moved or deleted, or whether its disk is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’est plus là. Vérifiez s’il a été déplacé ou supprimé, ou si son disque est connecté.</translation>
     </message>
     <message>
         <source>It is too large for the disk it is to go to. Use another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il est trop grand pour le disque de destination. Utilisez-en un autre.</translation>
     </message>
     <message>
         <source>It is your whole home folder, with what programs keep there. Add the folders with your pictures instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>C’est tout votre dossier personnel, avec ce que les programmes y conservent. Ajoutez plutôt les dossiers contenant vos images.</translation>
     </message>
     <message>
         <source>It may have been uploaded all the same. Try again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’envoi a peut-être eu lieu malgré tout. Réessayez plus tard.</translation>
     </message>
     <message>
         <source>It must be one line of plain letters, digits and signs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce doit être une ligne de lettres simples, de chiffres et de signes.</translation>
     </message>
     <message>
         <source>It takes the place of the one of that name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Elle remplace celle qui porte ce nom.</translation>
     </message>
     <message>
         <source>It takes too long to read.</source>
-        <translation type="unfinished"></translation>
+        <translation>La lecture prend trop de temps.</translation>
     </message>
     <message>
         <source>It was changed since. Delete it if you do not need it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il a été modifié depuis. Supprimez-le si vous n’en avez pas besoin.</translation>
     </message>
     <message>
         <source>It was left out. Import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il a été omis. Importez-le de nouveau.</translation>
     </message>
     <message>
         <source>It would have %d x %d pixels, and this format has at most %d a side. Choose a smaller size or another format.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image aurait %d x %d pixels, et ce format en admet %d au plus par côté. Choisissez une taille plus petite ou un autre format.</translation>
     </message>
     <message>
         <source>It would have %d x %d pixels, which is too big. Choose a smaller size.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image aurait %d x %d pixels, ce qui est trop grand. Choisissez une taille plus petite.</translation>
     </message>
     <message>
         <source>Items</source>
-        <translation type="unfinished"></translation>
+        <translation>Éléments</translation>
     </message>
     <message>
         <source>Items: %@</source>
@@ -2768,171 +2774,171 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Its Info.plist is damaged. Get the snap once more, or import the picture in it alone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son Info.plist est endommagé. Récupérez de nouveau le snap, ou importez seulement l’image qu’il contient.</translation>
     </message>
     <message>
         <source>Its Info.plist is missing or cannot be read. Get the snap once more, or import the picture in it alone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son Info.plist est manquant ou illisible. Récupérez de nouveau le snap, ou importez seulement l’image qu’il contient.</translation>
     </message>
     <message>
         <source>Its Info.plist names no picture (imageGrabPath). Export the picture from the program that made the snap and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son Info.plist ne nomme aucune image (imageGrabPath). Exportez l’image depuis le programme qui a créé le snap et importez le résultat.</translation>
     </message>
     <message>
         <source>Its PostScript can't be drawn; Ghostscript (gs) must be installed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son PostScript ne peut pas être dessiné ; Ghostscript (gs) doit être installé.</translation>
     </message>
     <message>
         <source>Its bounding box is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son cadre de délimitation est vide.</translation>
     </message>
     <message>
         <source>Its database is damaged. Everything that can still be read can be recovered into a new one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sa base de données est endommagée. Tout ce qui est encore lisible peut être récupéré dans une nouvelle.</translation>
     </message>
     <message>
         <source>Its disk cannot read it. Check the disk, or import it from a copy.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son disque ne parvient pas à le lire. Vérifiez le disque, ou importez-le depuis une copie.</translation>
     </message>
     <message>
         <source>Its disk tells of no changes, so it is looked at in intervals.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son disque ne signale pas les changements, il est donc examiné à intervalles réguliers.</translation>
     </message>
     <message>
         <source>Its file ends too early: the rest of the picture is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son fichier se termine trop tôt : le reste de l’image est vide.</translation>
     </message>
     <message>
         <source>Its file may not be read. Change its permissions, and export it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>La lecture de son fichier n’est pas autorisée. Modifiez ses permissions, puis exportez-le de nouveau.</translation>
     </message>
     <message>
         <source>Its file system keeps no extended attributes. Files on a disk formatted as ext4, Btrfs or XFS do.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son système de fichiers ne conserve pas d’attributs étendus. Les fichiers d’un disque formaté en ext4, Btrfs ou XFS le font.</translation>
     </message>
     <message>
         <source>Its file system tells of no changes, so that it is looked at in intervals.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son système de fichiers ne signale pas les changements, il est donc examiné à intervalles réguliers.</translation>
     </message>
     <message>
         <source>Its file went, or could not be read any more. Look where it is, and export it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son fichier a disparu ou n’est plus lisible. Cherchez où il se trouve, puis exportez-le de nouveau.</translation>
     </message>
     <message>
         <source>Its folder cannot be found. Connect the drive it is on, or put the folder back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son dossier est introuvable. Connectez le disque où il se trouve, ou remettez le dossier en place.</translation>
     </message>
     <message>
         <source>Its folder cannot be read: %@. Allow reading it, or connect its drive again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son dossier est illisible : %@. Autorisez sa lecture ou reconnectez son disque.</translation>
     </message>
     <message>
         <source>Its folder is empty, though it was not before. Connect the drive it is on, or put the files back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son dossier est vide alors qu’il ne l’était pas avant. Connectez le disque où il se trouve, ou remettez les fichiers en place.</translation>
     </message>
     <message>
         <source>Its folder is in the trash. Restore it there, or remove the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son dossier est dans la corbeille. Restaurez-le, ou retirez le dossier actif.</translation>
     </message>
     <message>
         <source>Its images come from %@ and %d other hosts.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ses images viennent de %@ et de %d autres hôtes.</translation>
     </message>
     <message>
         <source>Its images come from %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ses images viennent de %@.</translation>
     </message>
     <message>
         <source>Its items are kept, and come back with it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ses éléments sont conservés et reviennent avec lui.</translation>
     </message>
     <message>
         <source>Its live folder “%@” is disabled. Enable it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son dossier actif « %@ » est désactivé. Activez-le, puis réessayez.</translation>
     </message>
     <message>
         <source>Its name is not valid text. Rename it and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son nom n’est pas un texte valide. Renommez-le, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>Its name is too long for the disk it is to go to. Rename it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son nom est trop long pour le disque de destination. Renommez-le, puis réessayez.</translation>
     </message>
     <message>
         <source>Its original file is missing. Look whether it was moved or deleted, or whether its disk is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son fichier d’origine est manquant. Vérifiez s’il a été déplacé ou supprimé, ou si son disque est connecté.</translation>
     </message>
     <message>
         <source>Its picture “%@” does not lie in the package itself. Import that picture alone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son image « %@ » ne se trouve pas dans le paquet lui-même. Importez seulement cette image.</translation>
     </message>
     <message>
         <source>Its picture “%@” is missing from the package. Get the snap once more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son image « %@ » est absente du paquet. Récupérez de nouveau le snap.</translation>
     </message>
     <message>
         <source>Its picture “%@” is of a kind that cannot be imported. Convert it to PNG or JPEG and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son image « %@ » est d’un type qui ne peut pas être importé. Convertissez-la en PNG ou JPEG et importez le résultat.</translation>
     </message>
     <message>
         <source>Its place is mounted read-only. Mount it so that it can be written to, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son emplacement est monté en lecture seule. Montez-le en écriture, puis réessayez.</translation>
     </message>
     <message>
         <source>Its preview is too large. Export it from Sketch as PNG, SVG or PDF and import that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son aperçu est trop grand. Exportez-le depuis Sketch en PNG, SVG ou PDF et importez le résultat.</translation>
     </message>
     <message>
         <source>Its size of %ld x %ld pixels is too big.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sa taille de %ld x %ld pixels est trop grande.</translation>
     </message>
     <message>
         <source>JPEG 2000 image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image JPEG 2000</translation>
     </message>
     <message>
         <source>JPEG XL image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image JPEG XL</translation>
     </message>
     <message>
         <source>JPEG image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image JPEG</translation>
     </message>
     <message>
         <source>JSON document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document JSON</translation>
     </message>
     <message>
         <source>Jpeg export</source>
-        <translation type="unfinished"></translation>
+        <translation>Export Jpeg</translation>
     </message>
     <message>
         <source>KINDS OF FILES</source>
-        <translation type="unfinished"></translation>
+        <translation>TYPES DE FICHIERS</translation>
     </message>
     <message>
         <source>Keep</source>
-        <translation type="unfinished"></translation>
+        <translation>Conserver</translation>
     </message>
     <message>
         <source>Keep in Pictures</source>
-        <translation type="unfinished"></translation>
+        <translation>Conserver dans Images</translation>
     </message>
     <message>
         <source>Keyboard</source>
-        <translation type="unfinished"></translation>
+        <translation>Clavier</translation>
     </message>
     <message>
         <source>Kind</source>
-        <translation type="unfinished"></translation>
+        <translation>Type</translation>
     </message>
     <message>
         <source>Kind is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Le type est « %@ »</translation>
     </message>
     <message>
         <source>Kind of file</source>
-        <translation type="unfinished"></translation>
+        <translation>Type de fichier</translation>
     </message>
     <message>
         <source>Kinds</source>
@@ -2940,27 +2946,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Krita document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document Krita</translation>
     </message>
     <message>
         <source>LATEST UPLOADS</source>
-        <translation type="unfinished"></translation>
+        <translation>DERNIERS ENVOIS</translation>
     </message>
     <message>
         <source>LIBRARY</source>
-        <translation type="unfinished"></translation>
+        <translation>BIBLIOTHÈQUE</translation>
     </message>
     <message>
         <source>LIVE FOLDERS</source>
-        <translation type="unfinished"></translation>
+        <translation>DOSSIERS ACTIFS</translation>
     </message>
     <message>
         <source>Label</source>
-        <translation type="unfinished"></translation>
+        <translation>Étiquette</translation>
     </message>
     <message>
         <source>Larger Thumbnails</source>
-        <translation type="unfinished"></translation>
+        <translation>Vignettes plus grandes</translation>
     </message>
     <message>
         <source>Largest files</source>
@@ -2968,35 +2974,35 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Last Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Dernier import</translation>
     </message>
     <message>
         <source>Last Import: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Dernier import : %@</translation>
     </message>
     <message>
         <source>Later</source>
-        <translation type="unfinished"></translation>
+        <translation>Plus tard</translation>
     </message>
     <message>
         <source>Latest Uploads…</source>
-        <translation type="unfinished"></translation>
+        <translation>Derniers envois…</translation>
     </message>
     <message>
         <source>Latest uploads</source>
-        <translation type="unfinished"></translation>
+        <translation>Derniers envois</translation>
     </message>
     <message>
         <source>Layer %d of %d…</source>
-        <translation type="unfinished"></translation>
+        <translation>Calque %d sur %d…</translation>
     </message>
     <message>
         <source>Layers (PSD)</source>
-        <translation type="unfinished"></translation>
+        <translation>Calques (PSD)</translation>
     </message>
     <message>
         <source>Leaves out what stands behind it</source>
-        <translation type="unfinished"></translation>
+        <translation>Exclut ce qui suit</translation>
     </message>
     <message>
         <source>Left</source>
@@ -3004,11 +3010,11 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Left out was %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Omis : %@.</translation>
     </message>
     <message>
         <source>Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothèque</translation>
     </message>
     <message>
         <source>Library Statistics</source>
@@ -3020,67 +3026,67 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>License</source>
-        <translation type="unfinished"></translation>
+        <translation>Licence</translation>
     </message>
     <message>
         <source>Line %d: %s</source>
-        <translation type="unfinished"></translation>
+        <translation>Ligne %d : %s</translation>
     </message>
     <message>
         <source>Link it again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Associez-le de nouveau dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Link one in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Associez-en un dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Link to “%@” copied to clipboard!</source>
-        <translation type="unfinished"></translation>
+        <translation>Lien vers « %@ » copié dans le presse-papiers !</translation>
     </message>
     <message>
         <source>Link your Dropbox in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Associez votre Dropbox dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Linked</source>
-        <translation type="unfinished"></translation>
+        <translation>Associé</translation>
     </message>
     <message>
         <source>Linked with %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Associé à %@</translation>
     </message>
     <message>
         <source>Linking was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’association a été annulée.</translation>
     </message>
     <message>
         <source>Live Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Dossier actif</translation>
     </message>
     <message>
         <source>Live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Dossiers actifs</translation>
     </message>
     <message>
         <source>Live folders are not kept in step here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les dossiers actifs ne sont pas tenus à jour ici.</translation>
     </message>
     <message>
         <source>Live folders do not unpack archives. Unpack it, and copy what was in it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les dossiers actifs ne décompressent pas les archives. Décompressez-la et copiez son contenu.</translation>
     </message>
     <message>
         <source>Load</source>
-        <translation type="unfinished"></translation>
+        <translation>Charger</translation>
     </message>
     <message>
         <source>Loading the page…</source>
-        <translation type="unfinished"></translation>
+        <translation>Chargement de la page…</translation>
     </message>
     <message>
         <source>Loading…</source>
-        <translation type="unfinished"></translation>
+        <translation>Chargement…</translation>
     </message>
     <message>
         <source>Look Once a Day</source>
@@ -3088,31 +3094,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Look at its permissions.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez ses permissions.</translation>
     </message>
     <message>
         <source>Look at the address, and at the clock of this computer.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez l’adresse et l’horloge de cet ordinateur.</translation>
     </message>
     <message>
         <source>Look at the address.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez l’adresse.</translation>
     </message>
     <message>
         <source>Look at the network settings of the desktop.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez les paramètres réseau du bureau.</translation>
     </message>
     <message>
         <source>Look at them again, then repeat your change.</source>
-        <translation type="unfinished"></translation>
+        <translation>Examinez-les de nouveau, puis répétez votre modification.</translation>
     </message>
     <message>
         <source>Look for them in the project “Recovered”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cherchez-les dans le projet « Récupérés ».</translation>
     </message>
     <message>
         <source>Look whether it is unlocked, in the desktop's program for passwords, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez s’il est déverrouillé, dans le programme de mots de passe du bureau, puis réessayez.</translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
@@ -3120,7 +3126,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Looking at the store…</source>
-        <translation type="unfinished"></translation>
+        <translation>Examen de la base de données…</translation>
     </message>
     <message>
         <source>Looking at what changed</source>
@@ -3128,55 +3134,55 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Lower, as high or higher</source>
-        <translation type="unfinished"></translation>
+        <translation>Moins haut, aussi haut ou plus haut</translation>
     </message>
     <message>
         <source>MENU</source>
-        <translation type="unfinished"></translation>
+        <translation>MENU</translation>
     </message>
     <message>
         <source>MP3 audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio MP3</translation>
     </message>
     <message>
         <source>MPEG-4 audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio MPEG-4</translation>
     </message>
     <message>
         <source>MPEG-4 movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film MPEG-4</translation>
     </message>
     <message>
         <source>Make a preset, or move and delete those above.</source>
-        <translation type="unfinished"></translation>
+        <translation>Créez un préréglage, ou déplacez et supprimez ceux ci-dessus.</translation>
     </message>
     <message>
         <source>Make an app at dropbox.com</source>
-        <translation type="unfinished"></translation>
+        <translation>Créer une application sur dropbox.com</translation>
     </message>
     <message>
         <source>Make room in it and share the files again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Faites-y de la place, puis partagez de nouveau les fichiers.</translation>
     </message>
     <message>
         <source>Make room there and share the files again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Faites-y de la place, puis partagez de nouveau les fichiers.</translation>
     </message>
     <message>
         <source>Make that file and its folder writable and see that there is room on the disk, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rendez ce fichier et son dossier accessibles en écriture et vérifiez qu’il y a de la place sur le disque, puis réessayez.</translation>
     </message>
     <message>
         <source>Manual order</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordre manuel</translation>
     </message>
     <message>
         <source>Markdown document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document Markdown</translation>
     </message>
     <message>
         <source>Matroska movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film Matroska</translation>
     </message>
     <message>
         <source>May Zelto look for new versions?</source>
@@ -3184,19 +3190,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Media</source>
-        <translation type="unfinished"></translation>
+        <translation>Média</translation>
     </message>
     <message>
         <source>Menu</source>
-        <translation type="unfinished"></translation>
+        <translation>Menu</translation>
     </message>
     <message>
         <source>Menu (F10)</source>
-        <translation type="unfinished"></translation>
+        <translation>Menu (F10)</translation>
     </message>
     <message>
         <source>Meta data is too big - size as binary plist must be less than (perhaps 4k?) some number of bytes</source>
-        <translation type="unfinished"></translation>
+        <translation>Métadonnées trop volumineuses : leur taille en plist binaire doit rester sous une certaine limite (environ 4 Ko ?)</translation>
     </message>
     <message>
         <source>Missing files: %@</source>
@@ -3204,55 +3210,55 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Modification date</source>
-        <translation type="unfinished"></translation>
+        <translation>Date de modification</translation>
     </message>
     <message>
         <source>Modified</source>
-        <translation type="unfinished"></translation>
+        <translation>Modifié</translation>
     </message>
     <message>
         <source>Modified before (&lt;), on (=) or since (&gt;) the date, that day included</source>
-        <translation type="unfinished"></translation>
+        <translation>Modifié avant (&lt;), à (=) ou depuis (&gt;) la date, jour compris</translation>
     </message>
     <message>
         <source>Mostly of this color</source>
-        <translation type="unfinished"></translation>
+        <translation>Surtout de cette couleur</translation>
     </message>
     <message>
         <source>Move</source>
-        <translation type="unfinished"></translation>
+        <translation>Déplacer</translation>
     </message>
     <message>
         <source>Move Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Déplacer la bibliothèque…</translation>
     </message>
     <message>
         <source>Move it away, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Déplacez-le ailleurs, puis réessayez.</translation>
     </message>
     <message>
         <source>Move it out of the library, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sortez-le de la bibliothèque, puis réessayez.</translation>
     </message>
     <message>
         <source>Movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film</translation>
     </message>
     <message>
         <source>Moving items back…</source>
-        <translation type="unfinished"></translation>
+        <translation>Remise en place des éléments…</translation>
     </message>
     <message>
         <source>Moving the library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Déplacement de la bibliothèque…</translation>
     </message>
     <message>
         <source>Multiple values</source>
-        <translation type="unfinished"></translation>
+        <translation>Valeurs multiples</translation>
     </message>
     <message>
         <source>NEW PRESET</source>
-        <translation type="unfinished"></translation>
+        <translation>NOUVEAU PRÉRÉGLAGE</translation>
     </message>
     <message>
         <source>NEW VERSIONS</source>
@@ -3260,19 +3266,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>NOTES</source>
-        <translation type="unfinished"></translation>
+        <translation>REMARQUES</translation>
     </message>
     <message>
         <source>Name</source>
-        <translation type="unfinished"></translation>
+        <translation>Nom</translation>
     </message>
     <message>
         <source>Name one with --library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Indiquez-en une avec --library.</translation>
     </message>
     <message>
         <source>Narrower, as wide or wider</source>
-        <translation type="unfinished"></translation>
+        <translation>Moins large, aussi large ou plus large</translation>
     </message>
     <message>
         <source>Never</source>
@@ -3280,83 +3286,83 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>New</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau</translation>
     </message>
     <message>
         <source>New Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau dossier</translation>
     </message>
     <message>
         <source>New Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouvelle bibliothèque…</translation>
     </message>
     <message>
         <source>New Preset like This…</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau préréglage semblable…</translation>
     </message>
     <message>
         <source>New Project</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau projet</translation>
     </message>
     <message>
         <source>New Project (Ctrl+N)</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau projet (Ctrl+N)</translation>
     </message>
     <message>
         <source>New Smart Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau dossier intelligent</translation>
     </message>
     <message>
         <source>New Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouvel onglet</translation>
     </message>
     <message>
         <source>New Tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau mot-clé</translation>
     </message>
     <message>
         <source>New from Template</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau d’après un modèle</translation>
     </message>
     <message>
         <source>New from Template…</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau d’après un modèle…</translation>
     </message>
     <message>
         <source>New live folder created</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau dossier actif créé</translation>
     </message>
     <message>
         <source>New project created</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau projet créé</translation>
     </message>
     <message>
         <source>New, from %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Nouveau, de %@</translation>
     </message>
     <message>
         <source>Next</source>
-        <translation type="unfinished"></translation>
+        <translation>Suivant</translation>
     </message>
     <message>
         <source>Next Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Onglet suivant</translation>
     </message>
     <message>
         <source>Next page (Page Down)</source>
-        <translation type="unfinished"></translation>
+        <translation>Page suivante (Pg. suiv)</translation>
     </message>
     <message>
         <source>No Dropbox is linked.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucun Dropbox n’est associé.</translation>
     </message>
     <message>
         <source>No answer came from the web browser. Start again, and allow it there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune réponse n’est venue du navigateur web. Recommencez et donnez-y l’autorisation.</translation>
     </message>
     <message>
         <source>No asset could be made of the template “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de créer un élément à partir du modèle « %@ ».</translation>
     </message>
     <message>
         <source>No backup was made. %@</source>
@@ -3368,91 +3374,91 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>No item directory can be made in the library. Check that the library can be written and has space left.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de créer un dossier d’élément dans la bibliothèque. Vérifiez que la bibliothèque est accessible en écriture et qu’il reste de la place.</translation>
     </message>
     <message>
         <source>No keys</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune touche</translation>
     </message>
     <message>
         <source>No picture can be made of it. Open it in another program to see whether it is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’en créer une image. Ouvrez-le dans un autre programme pour voir s’il est endommagé.</translation>
     </message>
     <message>
         <source>No rating</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune note</translation>
     </message>
     <message>
         <source>No temporary folder can be made. Free some space there, or name another folder in TMPDIR, and try again (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de créer un dossier temporaire. Libérez-y de l’espace ou indiquez un autre dossier dans TMPDIR, puis réessayez (%@).</translation>
     </message>
     <message>
         <source>No uploads yet</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucun envoi pour l’instant</translation>
     </message>
     <message>
         <source>No web browser could be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’ouvrir un navigateur web.</translation>
     </message>
     <message>
         <source>No web browser could be opened. The address is %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’ouvrir un navigateur web. L’adresse est %@</translation>
     </message>
     <message>
         <source>None</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucun</translation>
     </message>
     <message>
         <source>None given</source>
-        <translation type="unfinished"></translation>
+        <translation>Non indiqué</translation>
     </message>
     <message>
         <source>None of these can be read as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucun d’eux ne peut être lu comme une image.</translation>
     </message>
     <message>
         <source>None of this can be imported into a live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien de cela ne peut être importé dans un dossier actif.</translation>
     </message>
     <message>
         <source>None of this can be imported into a project.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien de cela ne peut être importé dans un projet.</translation>
     </message>
     <message>
         <source>None of this can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien de cela ne peut être importé.</translation>
     </message>
     <message>
         <source>Not Now</source>
-        <translation type="unfinished"></translation>
+        <translation>Pas maintenant</translation>
     </message>
     <message>
         <source>Not every file of the live folders could be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Certains fichiers des dossiers actifs n’ont pas pu être lus.</translation>
     </message>
     <message>
         <source>Not written: %@, and %d more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Non écrits : %@, et %d de plus.</translation>
     </message>
     <message>
         <source>Not written: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Non écrits : %@.</translation>
     </message>
     <message>
         <source>Notes</source>
-        <translation type="unfinished"></translation>
+        <translation>Remarques</translation>
     </message>
     <message>
         <source>Notes contain the text</source>
-        <translation type="unfinished"></translation>
+        <translation>Les remarques contiennent le texte</translation>
     </message>
     <message>
         <source>Notes contain “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Les remarques contiennent « %@ »</translation>
     </message>
     <message>
         <source>Nothing</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien</translation>
     </message>
     <message>
         <source>Nothing about you or your library is sent, and nothing is installed.</source>
@@ -3465,48 +3471,50 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     <message>
         <source>Nothing could be read from the damaged library, which is kept as %@
 The files in it come back into the project “Recovered” when it is opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien n’a pu être lu dans la bibliothèque endommagée, conservée sous %@
+Ses fichiers reviennent dans le projet « Récupérés » à l’ouverture.</translation>
     </message>
     <message>
         <source>Nothing has this tag. Drop images here, or drag items onto it in the sidebar.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien n’a ce mot-clé. Déposez des images ici, ou faites glisser des éléments sur lui dans la barre latérale.</translation>
     </message>
     <message>
         <source>Nothing in the library matches "%@".</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien dans la bibliothèque ne correspond à « %@ ».</translation>
     </message>
     <message>
         <source>Nothing in “%@” can be shown yet.
 What is saved there comes here, or drop images.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien dans « %@ » ne peut encore être affiché.
+Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images.</translation>
     </message>
     <message>
         <source>Nothing is damaged; the library was left as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien n’est endommagé ; la bibliothèque est restée telle quelle.</translation>
     </message>
     <message>
         <source>Nothing is known to be lost.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune perte n’est connue.</translation>
     </message>
     <message>
         <source>Nothing matches "%@". Press Esc in the search field to show everything.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien ne correspond à « %@ ». Appuyez sur Échap dans le champ de recherche pour tout afficher.</translation>
     </message>
     <message>
         <source>Nothing selected</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune sélection</translation>
     </message>
     <message>
         <source>Nothing to import</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien à importer</translation>
     </message>
     <message>
         <source>Nothing to import!</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien à importer !</translation>
     </message>
     <message>
         <source>Nothing was added or changed in the last days.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien n’a été ajouté ni modifié ces derniers jours.</translation>
     </message>
     <message>
         <source>Nothing was counted.</source>
@@ -3514,7 +3522,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Nothing was taken from “%@”, since you said no a moment ago. Try again in a few seconds.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien n’a été pris de « %@ », car vous venez de refuser. Réessayez dans quelques secondes.</translation>
     </message>
     <message>
         <source>Numbers of the library</source>
@@ -3522,23 +3530,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>OK</source>
-        <translation type="unfinished"></translation>
+        <translation>OK</translation>
     </message>
     <message>
         <source>Objects cannot be sorted by "%@".</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de trier les objets par « %@ ».</translation>
     </message>
     <message>
         <source>Of some pictures, “%@” for one, only a part was exported. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>De certaines images, dont « %@ », seule une partie a été exportée. %@</translation>
     </message>
     <message>
         <source>Of this size class</source>
-        <translation type="unfinished"></translation>
+        <translation>De cette classe de taille</translation>
     </message>
     <message>
         <source>Of “%@” only a part was exported. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>De « %@ », seule une partie a été exportée. %@</translation>
     </message>
     <message>
         <source>Older backup removed: %@</source>
@@ -3546,7 +3554,7 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Only a part of the picture is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Seule une partie de l’image est là.</translation>
     </message>
     <message>
         <source>Only data goes to standard output; errors go to standard error.</source>
@@ -3554,19 +3562,19 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Only the first %@ files can go to another program at once</source>
-        <translation type="unfinished"></translation>
+        <translation>Seuls les %@ premiers fichiers peuvent passer en une fois à un autre programme</translation>
     </message>
     <message>
         <source>Only the first frame of it. Export it as it is to keep all.</source>
-        <translation type="unfinished"></translation>
+        <translation>Seulement sa première image. Exportez-le tel quel pour tout conserver.</translation>
     </message>
     <message>
         <source>Open</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir</translation>
     </message>
     <message>
         <source>Open %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir %@</translation>
     </message>
     <message>
         <source>Open Download Page</source>
@@ -3574,99 +3582,99 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Open Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir une bibliothèque…</translation>
     </message>
     <message>
         <source>Open Meta parameter error</source>
-        <translation type="unfinished"></translation>
+        <translation>Erreur de paramètre Open Meta</translation>
     </message>
     <message>
         <source>Open Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir Zelto</translation>
     </message>
     <message>
         <source>Open it once with migration allowed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrez-la une fois en autorisant la migration.</translation>
     </message>
     <message>
         <source>Open or create a library first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrez ou créez d’abord une bibliothèque.</translation>
     </message>
     <message>
         <source>Open with Default Program</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir avec le programme par défaut</translation>
     </message>
     <message>
         <source>OpenEXR image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image OpenEXR</translation>
     </message>
     <message>
         <source>OpenType font</source>
-        <translation type="unfinished"></translation>
+        <translation>Police OpenType</translation>
     </message>
     <message>
         <source>Opening a new library requires Zelto to relaunch</source>
-        <translation type="unfinished"></translation>
+        <translation>L’ouverture d’une nouvelle bibliothèque nécessite de relancer Zelto</translation>
     </message>
     <message>
         <source>Optional: Shared/Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>Facultatif : Shared/Zelto</translation>
     </message>
     <message>
         <source>Optional: https://files.example.org</source>
-        <translation type="unfinished"></translation>
+        <translation>Facultatif : https://files.example.org</translation>
     </message>
     <message>
         <source>Orange</source>
-        <translation type="unfinished"></translation>
+        <translation>Orange</translation>
     </message>
     <message>
         <source>Original</source>
-        <translation type="unfinished"></translation>
+        <translation>Original</translation>
     </message>
     <message>
         <source>Original size</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille d’origine</translation>
     </message>
     <message>
         <source>Other format</source>
-        <translation type="unfinished"></translation>
+        <translation>Autre format</translation>
     </message>
     <message>
         <source>Other services</source>
-        <translation type="unfinished"></translation>
+        <translation>Autres services</translation>
     </message>
     <message>
         <source>Others</source>
-        <translation type="unfinished"></translation>
+        <translation>Autres</translation>
     </message>
     <message>
         <source>Otherwise pictures of up to 256 KiB are shown from their own file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sinon, les images jusqu’à 256 Kio sont affichées depuis leur propre fichier.</translation>
     </message>
     <message>
         <source>Own server</source>
-        <translation type="unfinished"></translation>
+        <translation>Serveur personnel</translation>
     </message>
     <message>
         <source>Own server (WebDAV)</source>
-        <translation type="unfinished"></translation>
+        <translation>Serveur personnel (WebDAV)</translation>
     </message>
     <message>
         <source>PDF document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document PDF</translation>
     </message>
     <message>
         <source>PNG image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image PNG</translation>
     </message>
     <message>
         <source>Package</source>
-        <translation type="unfinished"></translation>
+        <translation>Paquet</translation>
     </message>
     <message>
         <source>Page %d of %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Page %d sur %d</translation>
     </message>
     <message>
         <source>Page Down</source>
@@ -3678,19 +3686,19 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Panes</source>
-        <translation type="unfinished"></translation>
+        <translation>Volets</translation>
     </message>
     <message>
         <source>Paste</source>
-        <translation type="unfinished"></translation>
+        <translation>Coller</translation>
     </message>
     <message>
         <source>Pasted image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image collée</translation>
     </message>
     <message>
         <source>Path of the library</source>
-        <translation type="unfinished"></translation>
+        <translation>Chemin de la bibliothèque</translation>
     </message>
     <message>
         <source>Pause</source>
@@ -3698,47 +3706,47 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Pause (P)</source>
-        <translation type="unfinished"></translation>
+        <translation>Pause (P)</translation>
     </message>
     <message>
         <source>Percentage</source>
-        <translation type="unfinished"></translation>
+        <translation>Pourcentage</translation>
     </message>
     <message>
         <source>Photoshop brush</source>
-        <translation type="unfinished"></translation>
+        <translation>Pinceau Photoshop</translation>
     </message>
     <message>
         <source>Photoshop image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image Photoshop</translation>
     </message>
     <message>
         <source>Picture (PNG)</source>
-        <translation type="unfinished"></translation>
+        <translation>Image (PNG)</translation>
     </message>
     <message>
         <source>Pictures are uploaded without an account: whoever has the link sees them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les images sont envoyées sans compte : quiconque a le lien les voit.</translation>
     </message>
     <message>
         <source>Pixelmator image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image Pixelmator</translation>
     </message>
     <message>
         <source>Pixen image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image Pixen</translation>
     </message>
     <message>
         <source>Plain text document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document texte brut</translation>
     </message>
     <message>
         <source>Play (P)</source>
-        <translation type="unfinished"></translation>
+        <translation>Lecture (P)</translation>
     </message>
     <message>
         <source>Please choose the Folder you want to add</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez le dossier à ajouter</translation>
     </message>
     <message>
         <source>Please choose the folder for backups</source>
@@ -3746,71 +3754,71 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Please choose the library that you want to open</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez la bibliothèque à ouvrir</translation>
     </message>
     <message>
         <source>Please choose the location where the images will be saved</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez l’emplacement où enregistrer les images</translation>
     </message>
     <message>
         <source>Please choose where to move your library</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez où déplacer votre bibliothèque</translation>
     </message>
     <message>
         <source>Please pick a name!</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez un nom !</translation>
     </message>
     <message>
         <source>Please re-open Zelto for applying the new settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rouvrez Zelto pour appliquer les nouveaux réglages.</translation>
     </message>
     <message>
         <source>Please select some items!</source>
-        <translation type="unfinished"></translation>
+        <translation>Sélectionnez des éléments !</translation>
     </message>
     <message>
         <source>Png export</source>
-        <translation type="unfinished"></translation>
+        <translation>Export Png</translation>
     </message>
     <message>
         <source>Portable bitmap image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image bitmap portable</translation>
     </message>
     <message>
         <source>PostScript document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document PostScript</translation>
     </message>
     <message>
         <source>Preferences</source>
-        <translation type="unfinished"></translation>
+        <translation>Préférences</translation>
     </message>
     <message>
         <source>Preferences…</source>
-        <translation type="unfinished"></translation>
+        <translation>Préférences…</translation>
     </message>
     <message>
         <source>Presentation</source>
-        <translation type="unfinished"></translation>
+        <translation>Présentation</translation>
     </message>
     <message>
         <source>Press keys…</source>
-        <translation type="unfinished"></translation>
+        <translation>Appuyez sur des touches…</translation>
     </message>
     <message>
         <source>Preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Aperçu</translation>
     </message>
     <message>
         <source>Previous</source>
-        <translation type="unfinished"></translation>
+        <translation>Précédent</translation>
     </message>
     <message>
         <source>Previous Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Onglet précédent</translation>
     </message>
     <message>
         <source>Previous page (Page Up)</source>
-        <translation type="unfinished"></translation>
+        <translation>Page précédente (Pg. préc)</translation>
     </message>
     <message>
         <source>Print</source>
@@ -3826,59 +3834,59 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Project</source>
-        <translation type="unfinished"></translation>
+        <translation>Projet</translation>
     </message>
     <message>
         <source>Projects</source>
-        <translation type="unfinished"></translation>
+        <translation>Projets</translation>
     </message>
     <message>
         <source>Property list</source>
-        <translation type="unfinished"></translation>
+        <translation>Liste de propriétés</translation>
     </message>
     <message>
         <source>Pu&amp;blic address</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse pu&amp;blique</translation>
     </message>
     <message>
         <source>Put everything into one zip archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout mettre dans une archive zip</translation>
     </message>
     <message>
         <source>Put it back, and open it then.</source>
-        <translation type="unfinished"></translation>
+        <translation>Remettez-la en place, puis ouvrez-la.</translation>
     </message>
     <message>
         <source>Puts the template into the trash (Del)</source>
-        <translation type="unfinished"></translation>
+        <translation>Met le modèle à la corbeille (Suppr)</translation>
     </message>
     <message>
         <source>Quality</source>
-        <translation type="unfinished"></translation>
+        <translation>Qualité</translation>
     </message>
     <message>
         <source>Quick Export</source>
-        <translation type="unfinished"></translation>
+        <translation>Export rapide</translation>
     </message>
     <message>
         <source>Quick Export (Ctrl+E)</source>
-        <translation type="unfinished"></translation>
+        <translation>Export rapide (Ctrl+E)</translation>
     </message>
     <message>
         <source>Quick Look</source>
-        <translation type="unfinished"></translation>
+        <translation>Aperçu rapide</translation>
     </message>
     <message>
         <source>Quick export</source>
-        <translation type="unfinished"></translation>
+        <translation>Export rapide</translation>
     </message>
     <message>
         <source>QuickTime movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film QuickTime</translation>
     </message>
     <message>
         <source>Quit</source>
-        <translation type="unfinished"></translation>
+        <translation>Quitter</translation>
     </message>
     <message>
         <source>Quit Zelto and run `zelto recover`; older backups are as they were.</source>
@@ -3886,23 +3894,23 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Quit Zelto, then recover it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Quittez Zelto, puis récupérez-la.</translation>
     </message>
     <message>
         <source>Quit anyway</source>
-        <translation type="unfinished"></translation>
+        <translation>Quitter quand même</translation>
     </message>
     <message>
         <source>Quit the other one, or choose another library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Quittez l’autre, ou choisissez une autre bibliothèque.</translation>
     </message>
     <message>
         <source>Quitting now will lose any changes you have made since the last successful save</source>
-        <translation type="unfinished"></translation>
+        <translation>Si vous quittez maintenant, les modifications faites depuis le dernier enregistrement réussi seront perdues</translation>
     </message>
     <message>
         <source>RAR archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archive RAR</translation>
     </message>
     <message>
         <source>Radiance image</source>
@@ -6445,7 +6453,7 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>done in part, or something was found: `verify` found something wrong, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
+        <source>done in part, or something was found: `verify` or `backup` found something wrong, `updates check` knows a newer version, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
