@@ -3914,27 +3914,27 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Radiance image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image Radiance</translation>
     </message>
     <message>
         <source>Rating</source>
-        <translation type="unfinished"></translation>
+        <translation>Note</translation>
     </message>
     <message>
         <source>Rating: %@ of 5</source>
-        <translation type="unfinished"></translation>
+        <translation>Note : %@ sur 5</translation>
     </message>
     <message>
         <source>Rating: Multiple values</source>
-        <translation type="unfinished"></translation>
+        <translation>Note : valeurs multiples</translation>
     </message>
     <message>
         <source>Rating…</source>
-        <translation type="unfinished"></translation>
+        <translation>Note…</translation>
     </message>
     <message>
         <source>Reading live folders…</source>
-        <translation type="unfinished"></translation>
+        <translation>Lecture des dossiers actifs…</translation>
     </message>
     <message>
         <source>Reading the backup again</source>
@@ -3942,87 +3942,87 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Reading…</source>
-        <translation type="unfinished"></translation>
+        <translation>Lecture…</translation>
     </message>
     <message>
         <source>Reasons…</source>
-        <translation type="unfinished"></translation>
+        <translation>Raisons…</translation>
     </message>
     <message>
         <source>Recent</source>
-        <translation type="unfinished"></translation>
+        <translation>Récents</translation>
     </message>
     <message>
         <source>Recent shows what is new by itself. Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>« Récents » montre de lui-même ce qui est nouveau. Choisissez la bibliothèque, un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>Recover</source>
-        <translation type="unfinished"></translation>
+        <translation>Récupérer</translation>
     </message>
     <message>
         <source>Recover it with `zelto recover`, or put back a copy from a backup.</source>
-        <translation type="unfinished"></translation>
+        <translation>Récupérez-la avec `zelto recover`, ou remettez en place une copie issue d’une sauvegarde.</translation>
     </message>
     <message>
         <source>Recover the damaged library</source>
-        <translation type="unfinished"></translation>
+        <translation>Récupérer la bibliothèque endommagée</translation>
     </message>
     <message>
         <source>Recovered</source>
-        <translation type="unfinished"></translation>
+        <translation>Récupérés</translation>
     </message>
     <message>
         <source>Recovered: %@ items, %@ sidebar entries, %@ tags, %@ memberships.</source>
-        <translation type="unfinished"></translation>
+        <translation>Récupérés : %@ éléments, %@ entrées de la barre latérale, %@ mots-clés, %@ appartenances.</translation>
     </message>
     <message>
         <source>Recover…</source>
-        <translation type="unfinished"></translation>
+        <translation>Récupérer…</translation>
     </message>
     <message>
         <source>Red</source>
-        <translation type="unfinished"></translation>
+        <translation>Rouge</translation>
     </message>
     <message>
         <source>Redo</source>
-        <translation type="unfinished"></translation>
+        <translation>Rétablir</translation>
     </message>
     <message>
         <source>Redo %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Rétablir : %@</translation>
     </message>
     <message>
         <source>Reduced to 8 bits a channel. Export it as it is to keep all.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réduit à 8 bits par canal. Pour tout conserver, exportez-le tel quel.</translation>
     </message>
     <message>
         <source>Refine</source>
-        <translation type="unfinished"></translation>
+        <translation>Affiner</translation>
     </message>
     <message>
         <source>Refine Bar</source>
-        <translation type="unfinished"></translation>
+        <translation>Barre d’affinage</translation>
     </message>
     <message>
         <source>Register at imgur.com</source>
-        <translation type="unfinished"></translation>
+        <translation>S’inscrire sur imgur.com</translation>
     </message>
     <message>
         <source>Remove</source>
-        <translation type="unfinished"></translation>
+        <translation>Retirer</translation>
     </message>
     <message>
         <source>Remove from %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Retirer de %@</translation>
     </message>
     <message>
         <source>Remove from Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Retirer de la bibliothèque</translation>
     </message>
     <message>
         <source>Remove one first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Retirez-en d’abord un.</translation>
     </message>
     <message>
         <source>Remove something there, as old backups, or choose another disk.</source>
@@ -4030,31 +4030,31 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Remove the tag %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Retirer le mot-clé %@</translation>
     </message>
     <message>
         <source>Remove what is not needed there, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimez-y ce qui n’est pas nécessaire, puis réessayez.</translation>
     </message>
     <message>
         <source>Remove “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Retirer « %@ » ?</translation>
     </message>
     <message>
         <source>Removing items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Retrait des éléments…</translation>
     </message>
     <message>
         <source>Rename</source>
-        <translation type="unfinished"></translation>
+        <translation>Renommer</translation>
     </message>
     <message>
         <source>Reopen Closed Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Rouvrir l’onglet fermé</translation>
     </message>
     <message>
         <source>Replace</source>
-        <translation type="unfinished"></translation>
+        <translation>Remplacer</translation>
     </message>
     <message>
         <source>Report copied to clipboard!</source>
@@ -4066,7 +4066,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Restoring items…</source>
-        <translation type="unfinished"></translation>
+        <translation>Restauration des éléments…</translation>
     </message>
     <message>
         <source>Return</source>
@@ -4074,11 +4074,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Return takes it · Esc leaves · arrows move, Shift by 10</source>
-        <translation type="unfinished"></translation>
+        <translation>Entrée capture · Échap quitte · les flèches déplacent, de 10 avec Maj</translation>
     </message>
     <message>
         <source>Rich text document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document texte enrichi</translation>
     </message>
     <message>
         <source>Right</source>
@@ -4086,31 +4086,31 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>SHA-1</source>
-        <translation type="unfinished"></translation>
+        <translation>SHA-1</translation>
     </message>
     <message>
         <source>SHA-1_SHA-1…</source>
-        <translation type="unfinished"></translation>
+        <translation>SHA-1_SHA-1…</translation>
     </message>
     <message>
         <source>SIDEBAR</source>
-        <translation type="unfinished"></translation>
+        <translation>BARRE LATÉRALE</translation>
     </message>
     <message>
         <source>SVG %@ is not a valid image</source>
-        <translation type="unfinished"></translation>
+        <translation>SVG %@ n’est pas une image valide</translation>
     </message>
     <message>
         <source>Sample project</source>
-        <translation type="unfinished"></translation>
+        <translation>Projet d’exemple</translation>
     </message>
     <message>
         <source>Sample tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Mot-clé d’exemple</translation>
     </message>
     <message>
         <source>Save</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer</translation>
     </message>
     <message>
         <source>Save Report</source>
@@ -4118,79 +4118,79 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Save Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer la recherche</translation>
     </message>
     <message>
         <source>Save Search…</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer la recherche…</translation>
     </message>
     <message>
         <source>Save the search as a smart folder (Ctrl+S)</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer la recherche comme dossier intelligent (Ctrl+S)</translation>
     </message>
     <message>
         <source>Save to Screenshots</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer dans « Captures d’écran »</translation>
     </message>
     <message>
         <source>Saved to Screenshots.</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistré dans « Captures d’écran ».</translation>
     </message>
     <message>
         <source>Saving to Screenshots…</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrement dans « Captures d’écran »…</translation>
     </message>
     <message>
         <source>Scalable vector graphic</source>
-        <translation type="unfinished"></translation>
+        <translation>Image vectorielle</translation>
     </message>
     <message>
         <source>Screenshots</source>
-        <translation type="unfinished"></translation>
+        <translation>Captures d’écran</translation>
     </message>
     <message>
         <source>Screenshots is for captures. Choose the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>« Captures d’écran » est réservé aux captures. Choisissez la bibliothèque, un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher</translation>
     </message>
     <message>
         <source>Search for %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher %@</translation>
     </message>
     <message>
         <source>Search for less at once.</source>
-        <translation type="unfinished"></translation>
+        <translation>Recherchez moins de choses à la fois.</translation>
     </message>
     <message>
         <source>Search or #token</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher ou #token</translation>
     </message>
     <message>
         <source>Search: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Recherche : %@</translation>
     </message>
     <message>
         <source>Searched as one</source>
-        <translation type="unfinished"></translation>
+        <translation>Recherché comme un tout</translation>
     </message>
     <message>
         <source>Select All</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout sélectionner</translation>
     </message>
     <message>
         <source>Select items to export them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sélectionnez des éléments pour les exporter.</translation>
     </message>
     <message>
         <source>Select items to share them. A right click shows the latest uploads.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sélectionnez des éléments pour les partager. Un clic droit affiche les derniers envois.</translation>
     </message>
     <message>
         <source>Select something in the sidebar.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sélectionnez quelque chose dans la barre latérale.</translation>
     </message>
     <message>
         <source>Sen&amp;d</source>
@@ -4202,31 +4202,31 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Set up…</source>
-        <translation type="unfinished"></translation>
+        <translation>Configurer…</translation>
     </message>
     <message>
         <source>Share</source>
-        <translation type="unfinished"></translation>
+        <translation>Partager</translation>
     </message>
     <message>
         <source>Share (Ctrl+Shift+C)</source>
-        <translation type="unfinished"></translation>
+        <translation>Partager (Ctrl+Maj+C)</translation>
     </message>
     <message>
         <source>Share it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Partagez-le de nouveau.</translation>
     </message>
     <message>
         <source>Share it with another service, or drop a preset on the cloud button that makes it smaller.</source>
-        <translation type="unfinished"></translation>
+        <translation>Partagez-le avec un autre service, ou déposez sur le bouton Cloud un préréglage qui le rend plus petit.</translation>
     </message>
     <message>
         <source>Share to</source>
-        <translation type="unfinished"></translation>
+        <translation>Partager vers</translation>
     </message>
     <message>
         <source>Sharing %@ of %@…</source>
-        <translation type="unfinished"></translation>
+        <translation>Partage de %@ sur %@…</translation>
     </message>
     <message>
         <source>Sharing done</source>
@@ -4234,7 +4234,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Sharing…</source>
-        <translation type="unfinished"></translation>
+        <translation>Partage…</translation>
     </message>
     <message>
         <source>Shift</source>
@@ -4242,7 +4242,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Show</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher</translation>
     </message>
     <message>
         <source>Show &amp;Zelto</source>
@@ -4250,15 +4250,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Show &amp;titles below thumbnails</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher les &amp;titres sous les vignettes</translation>
     </message>
     <message>
         <source>Show All</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout afficher</translation>
     </message>
     <message>
         <source>Show Imported</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher les éléments importés</translation>
     </message>
     <message>
         <source>Show Last &amp;Report…</source>
@@ -4266,67 +4266,67 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Show Library in Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher la bibliothèque dans Fichiers</translation>
     </message>
     <message>
         <source>Show Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher Zelto</translation>
     </message>
     <message>
         <source>Show all</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout afficher</translation>
     </message>
     <message>
         <source>Show e&amp;xtensions</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher les e&amp;xtensions</translation>
     </message>
     <message>
         <source>Show everything, without the search</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher tout, sans la recherche</translation>
     </message>
     <message>
         <source>Show how &amp;many items each row has</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher le no&amp;mbre d’éléments de chaque ligne</translation>
     </message>
     <message>
         <source>Show in Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher dans Fichiers</translation>
     </message>
     <message>
         <source>Show in Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher dans le dossier</translation>
     </message>
     <message>
         <source>Show the folder that is now in the place of “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher le dossier qui se trouve maintenant à la place de « %@ » ?</translation>
     </message>
     <message>
         <source>Show the status &amp;icon</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher l’&amp;icône d’état</translation>
     </message>
     <message>
         <source>Sidebar</source>
-        <translation type="unfinished"></translation>
+        <translation>Barre latérale</translation>
     </message>
     <message>
         <source>Sidebar (Ctrl+B)</source>
-        <translation type="unfinished"></translation>
+        <translation>Barre latérale (Ctrl+B)</translation>
     </message>
     <message>
         <source>Sidebar item</source>
-        <translation type="unfinished"></translation>
+        <translation>Élément de la barre latérale</translation>
     </message>
     <message>
         <source>Sidebar order</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordre de la barre latérale</translation>
     </message>
     <message>
         <source>Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille</translation>
     </message>
     <message>
         <source>Size class is “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>La classe de taille est « %@ »</translation>
     </message>
     <message>
         <source>Size of the originals: %@</source>
@@ -4338,7 +4338,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Sketch document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document Sketch</translation>
     </message>
     <message>
         <source>Skip This Version</source>
@@ -4346,67 +4346,67 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Smaller Thumbnails</source>
-        <translation type="unfinished"></translation>
+        <translation>Vignettes plus petites</translation>
     </message>
     <message>
         <source>Smart Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Dossier intelligent</translation>
     </message>
     <message>
         <source>Some of the changed objects were changed elsewhere in the meantime.</source>
-        <translation type="unfinished"></translation>
+        <translation>Certains des objets modifiés ont été modifiés ailleurs entre-temps.</translation>
     </message>
     <message>
         <source>Some of the files are unreadable by Zelto and can't be imported!</source>
-        <translation type="unfinished"></translation>
+        <translation>Certains fichiers sont illisibles pour Zelto et ne peuvent pas être importés !</translation>
     </message>
     <message>
         <source>Something follows the end.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il y a encore quelque chose après la fin.</translation>
     </message>
     <message>
         <source>Sort</source>
-        <translation type="unfinished"></translation>
+        <translation>Trier</translation>
     </message>
     <message>
         <source>Sort by</source>
-        <translation type="unfinished"></translation>
+        <translation>Trier par</translation>
     </message>
     <message>
         <source>Sort by %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Trier par %@</translation>
     </message>
     <message>
         <source>Sort by Hand</source>
-        <translation type="unfinished"></translation>
+        <translation>Trier à la main</translation>
     </message>
     <message>
         <source>Sort by Title</source>
-        <translation type="unfinished"></translation>
+        <translation>Trier par titre</translation>
     </message>
     <message>
         <source>Sort: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Tri : %@</translation>
     </message>
     <message>
         <source>Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Source</translation>
     </message>
     <message>
         <source>Space</source>
-        <translation type="unfinished"></translation>
+        <translation>Espace</translation>
     </message>
     <message>
         <source>Spreadsheet</source>
-        <translation type="unfinished"></translation>
+        <translation>Feuille de calcul</translation>
     </message>
     <message>
         <source>Starting the browser…</source>
-        <translation type="unfinished"></translation>
+        <translation>Démarrage du navigateur…</translation>
     </message>
     <message>
         <source>Sto&amp;p</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrê&amp;ter</translation>
     </message>
     <message>
         <source>Stop &amp;Backup</source>
@@ -4414,23 +4414,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Stop Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrêter l’import</translation>
     </message>
     <message>
         <source>Stop Syncing</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrêter la synchronisation</translation>
     </message>
     <message>
         <source>Stopped</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrêté</translation>
     </message>
     <message>
         <source>Stopping…</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrêt…</translation>
     </message>
     <message>
         <source>Style sheet</source>
-        <translation type="unfinished"></translation>
+        <translation>Feuille de style</translation>
     </message>
     <message>
         <source>Super</source>
@@ -4438,55 +4438,55 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Supported files (%@)</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers pris en charge (%@)</translation>
     </message>
     <message>
         <source>Sync now</source>
-        <translation type="unfinished"></translation>
+        <translation>Synchroniser maintenant</translation>
     </message>
     <message>
         <source>Syncing %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Synchronisation de %@</translation>
     </message>
     <message>
         <source>Syncing did not come to its end. Sync now goes on.</source>
-        <translation type="unfinished"></translation>
+        <translation>La synchronisation n’est pas allée jusqu’au bout. « Synchroniser maintenant » la poursuit.</translation>
     </message>
     <message>
         <source>Syncing did not come to its end: %@ of %@ files were taken. Sync now goes on.</source>
-        <translation type="unfinished"></translation>
+        <translation>La synchronisation n’est pas allée jusqu’au bout : %@ fichiers sur %@ ont été repris. « Synchroniser maintenant » la poursuit.</translation>
     </message>
     <message>
         <source>Syncing: %@ files</source>
-        <translation type="unfinished"></translation>
+        <translation>Synchronisation : %@ fichiers</translation>
     </message>
     <message>
         <source>Syncing: %@ of %@ files</source>
-        <translation type="unfinished"></translation>
+        <translation>Synchronisation : %@ fichiers sur %@</translation>
     </message>
     <message>
         <source>Syncing…</source>
-        <translation type="unfinished"></translation>
+        <translation>Synchronisation…</translation>
     </message>
     <message>
         <source>TAGS</source>
-        <translation type="unfinished"></translation>
+        <translation>MOTS-CLÉS</translation>
     </message>
     <message>
         <source>TAGS THAT ZELTO ADDS</source>
-        <translation type="unfinished"></translation>
+        <translation>MOTS-CLÉS AJOUTÉS PAR ZELTO</translation>
     </message>
     <message>
         <source>TGA image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image TGA</translation>
     </message>
     <message>
         <source>THEME</source>
-        <translation type="unfinished"></translation>
+        <translation>THÈME</translation>
     </message>
     <message>
         <source>TIFF image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image TIFF</translation>
     </message>
     <message>
         <source>Tab</source>
@@ -4494,55 +4494,55 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Tab %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Onglet %d</translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab passe à la fenêtre suivante</translation>
     </message>
     <message>
         <source>Tabs</source>
-        <translation type="unfinished"></translation>
+        <translation>Onglets</translation>
     </message>
     <message>
         <source>Tag</source>
-        <translation type="unfinished"></translation>
+        <translation>Mot-clé</translation>
     </message>
     <message>
         <source>Tag already exist!</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce mot-clé existe déjà !</translation>
     </message>
     <message>
         <source>Tag needs a name!</source>
-        <translation type="unfinished"></translation>
+        <translation>Le mot-clé doit avoir un nom !</translation>
     </message>
     <message>
         <source>Tagging…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ajout de mots-clés…</translation>
     </message>
     <message>
         <source>Tags</source>
-        <translation type="unfinished"></translation>
+        <translation>Mots-clés</translation>
     </message>
     <message>
         <source>Take Back</source>
-        <translation type="unfinished"></translation>
+        <translation>Reprendre</translation>
     </message>
     <message>
         <source>Take Screenshot</source>
-        <translation type="unfinished"></translation>
+        <translation>Prendre une capture d’écran</translation>
     </message>
     <message>
         <source>Take a picture of a window</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer une fenêtre</translation>
     </message>
     <message>
         <source>Take a picture of an area of the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer une zone de l’écran</translation>
     </message>
     <message>
         <source>Take a picture of the whole screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Capturer tout l’écran</translation>
     </message>
     <message>
         <source>Take part in &amp;beta versions</source>
@@ -4550,63 +4550,63 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Take the &amp;keywords of pictures as tags</source>
-        <translation type="unfinished"></translation>
+        <translation>Reprendre les m&amp;ots-clés des images</translation>
     </message>
     <message>
         <source>Taking files of the library back…</source>
-        <translation type="unfinished"></translation>
+        <translation>Reprise de fichiers de la bibliothèque…</translation>
     </message>
     <message>
         <source>Taking the picture…</source>
-        <translation type="unfinished"></translation>
+        <translation>Capture de l’image…</translation>
     </message>
     <message>
         <source>Tape archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archive tar</translation>
     </message>
     <message>
         <source>Templates</source>
-        <translation type="unfinished"></translation>
+        <translation>Modèles</translation>
     </message>
     <message>
         <source>Test and &amp;Connect</source>
-        <translation type="unfinished"></translation>
+        <translation>Tester et &amp;connecter</translation>
     </message>
     <message>
         <source>Text</source>
-        <translation type="unfinished"></translation>
+        <translation>Texte</translation>
     </message>
     <message>
         <source>Text document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document texte</translation>
     </message>
     <message>
         <source>That area lies on no screen. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette zone ne se trouve sur aucun écran. Choisissez-en une autre.</translation>
     </message>
     <message>
         <source>That was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’opération a été annulée.</translation>
     </message>
     <message>
         <source>That window was closed or hidden before it could be taken. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette fenêtre a été fermée ou masquée avant de pouvoir être capturée. Choisissez-en une autre.</translation>
     </message>
     <message>
         <source>The Zelto that has this library open ended before it answered.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le Zelto dans lequel cette bibliothèque est ouverte s’est terminé avant de répondre.</translation>
     </message>
     <message>
         <source>The Zelto that has this library open is ending.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le Zelto dans lequel cette bibliothèque est ouverte est en train de se terminer.</translation>
     </message>
     <message>
         <source>The address is too long for a web page.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’adresse est trop longue pour une page web.</translation>
     </message>
     <message>
         <source>The address says that it holds a picture and does not.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’adresse prétend contenir une image, mais n’en contient pas.</translation>
     </message>
     <message>
         <source>The announcement of versions is for another program or channel. Check again later.</source>
@@ -4622,27 +4622,27 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The answer of Dropbox cannot be understood.</source>
-        <translation type="unfinished"></translation>
+        <translation>La réponse de Dropbox est incompréhensible.</translation>
     </message>
     <message>
         <source>The answer of Dropbox cannot be understood. Check the address that stands in the settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>La réponse de Dropbox est incompréhensible. Vérifiez l’adresse indiquée dans les paramètres.</translation>
     </message>
     <message>
         <source>The app key does not allow that.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’App key ne le permet pas.</translation>
     </message>
     <message>
         <source>The archive could not be written to “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’archive n’a pas pu être écrite dans « %@ ».</translation>
     </message>
     <message>
         <source>The archive holds nothing that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’archive ne contient rien qui puisse être importé.</translation>
     </message>
     <message>
         <source>The archive is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’archive est endommagée.</translation>
     </message>
     <message>
         <source>The backup lacks something: %@</source>
@@ -4658,47 +4658,47 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The browser can't capture this page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le navigateur ne peut pas capturer cette page.</translation>
     </message>
     <message>
         <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le navigateur qui dessine la page s’est arrêté de façon inattendue. Réessayez ; si cela se reproduit chaque fois, vérifiez que chromium démarre seul.</translation>
     </message>
     <message>
         <source>The browser took too long with this page. Try again, or capture only the visible area.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le navigateur a mis trop de temps pour cette page. Réessayez, ou capturez seulement la zone visible.</translation>
     </message>
     <message>
         <source>The browser “%@” that the setting WebCaptureBrowser names can't be run: install chromium, or change the setting.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le navigateur « %@ » désigné par le paramètre WebCaptureBrowser ne peut pas être lancé : installez chromium ou modifiez ce paramètre.</translation>
     </message>
     <message>
         <source>The capture was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>La capture a été annulée.</translation>
     </message>
     <message>
         <source>The captured picture can be written neither into the library nor into Pictures. Zelto holds it until it quits, and asks about it then: make room before.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image capturée ne peut être écrite ni dans la bibliothèque ni dans le dossier Images. Zelto la conserve jusqu’à ce que vous le quittiez et vous demandera alors quoi en faire : libérez de l’espace avant.</translation>
     </message>
     <message>
         <source>The captured picture can't be stored</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image capturée ne peut pas être enregistrée</translation>
     </message>
     <message>
         <source>The changes cannot be saved.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les modifications ne peuvent pas être enregistrées.</translation>
     </message>
     <message>
         <source>The condition cannot be read at character %d:</source>
-        <translation type="unfinished"></translation>
+        <translation>La condition est illisible au caractère %d :</translation>
     </message>
     <message>
         <source>The condition is too long.</source>
-        <translation type="unfinished"></translation>
+        <translation>La condition est trop longue.</translation>
     </message>
     <message>
         <source>The copy was cancelled</source>
-        <translation type="unfinished"></translation>
+        <translation>La copie a été annulée</translation>
     </message>
     <message>
         <source>The counts of “%@” are damaged. Erase them to go on.</source>
@@ -4722,15 +4722,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The damaged store is kept as %@</source>
-        <translation type="unfinished"></translation>
+        <translation>La base de données endommagée est conservée sous le nom %@</translation>
     </message>
     <message>
         <source>The data model cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le modèle de données est illisible.</translation>
     </message>
     <message>
         <source>The desktop can't be asked, since there is no session bus. Start Zelto within a desktop session.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’interroger le bureau, car il n’y a pas de bus de session. Démarrez Zelto dans une session de bureau.</translation>
     </message>
     <message>
         <source>The desktop did not allow it. Its settings say which programs may start by themselves.</source>
@@ -4738,23 +4738,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The desktop did not give these keys. Choose them in the desktop's keyboard settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le bureau n’a pas accordé ces touches. Choisissez-les dans les réglages du clavier du bureau.</translation>
     </message>
     <message>
         <source>The desktop gives no keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le bureau n’accorde aucune touche.</translation>
     </message>
     <message>
         <source>The desktop refused.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le bureau a refusé.</translation>
     </message>
     <message>
         <source>The desktop took a picture, and it can't be read. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le bureau a pris une image, mais elle est illisible. Réessayez.</translation>
     </message>
     <message>
         <source>The desktop's portal ended before it answered. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le portail du bureau s’est terminé avant de répondre. Réessayez.</translation>
     </message>
     <message>
         <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
@@ -4762,11 +4762,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The disk is full. Free some space and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque est plein. Libérez de l’espace et importez-le de nouveau.</translation>
     </message>
     <message>
         <source>The disk is full. Make room on it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque est plein. Libérez de l’espace, puis réessayez.</translation>
     </message>
     <message>
         <source>The disk may be failing; use another one. Older backups are as they were.</source>
@@ -4774,11 +4774,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The disk reported an error while the library was used.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque a signalé une erreur pendant l’utilisation de la bibliothèque.</translation>
     </message>
     <message>
         <source>The disk reports an error. Check the disk and its connection before anything else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque signale une erreur. Vérifiez avant tout le disque et son raccordement.</translation>
     </message>
     <message>
         <source>The disk takes no files of that size or that name, as those with the file system FAT; choose a folder on one with ext4, Btrfs or XFS.</source>
@@ -4786,103 +4786,103 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The disk with the temporary files is full. Free some space, or name another folder for them in TMPDIR, and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque des fichiers temporaires est plein. Libérez de l’espace ou indiquez un autre dossier pour ces fichiers dans TMPDIR, puis importez-le de nouveau.</translation>
     </message>
     <message>
         <source>The display gave no picture. Try again; if it stays so, log out and in.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’affichage n’a fourni aucune image. Réessayez ; si cela persiste, fermez la session et rouvrez-la.</translation>
     </message>
     <message>
         <source>The display is gone. Start Zelto again.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’affichage n’est plus là. Redémarrez Zelto.</translation>
     </message>
     <message>
         <source>The document would be larger than 2 GB, which other programs do not open: make it smaller, or of fewer layers.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le document dépasserait 2 Go, taille que d’autres programmes n’ouvrent pas : réduisez-le, ou utilisez moins de calques.</translation>
     </message>
     <message>
         <source>The drive with the library is gone.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque de la bibliothèque n’est plus là.</translation>
     </message>
     <message>
         <source>The existing item stays where it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’élément existant reste où il est.</translation>
     </message>
     <message>
         <source>The export to “%@” was stopped: %d of %d files were written.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’export vers « %@ » a été arrêté : %d fichiers sur %d ont été écrits.</translation>
     </message>
     <message>
         <source>The export was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’export a été annulé.</translation>
     </message>
     <message>
         <source>The file is damaged or incomplete.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier est endommagé ou incomplet.</translation>
     </message>
     <message>
         <source>The file is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier est vide.</translation>
     </message>
     <message>
         <source>The file is empty. Save it again in the program that made it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier est vide. Enregistrez-le de nouveau dans le programme qui l’a créé.</translation>
     </message>
     <message>
         <source>The file is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier est manquant.</translation>
     </message>
     <message>
         <source>The file is missing. Put it back where it was, or import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier est manquant. Remettez-le où il était, ou importez-le de nouveau.</translation>
     </message>
     <message>
         <source>The file is not a library database.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier n’est pas une base de données de bibliothèque.</translation>
     </message>
     <message>
         <source>The file of "%@" is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier de « %@ » est manquant.</translation>
     </message>
     <message>
         <source>The file was uploaded, but your server makes no link: “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier a été envoyé, mais votre serveur ne crée pas de lien : « %@ ».</translation>
     </message>
     <message>
         <source>The file was uploaded, but your server makes no links.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier a été envoyé, mais votre serveur ne crée pas de liens.</translation>
     </message>
     <message>
         <source>The file with this digest</source>
-        <translation type="unfinished"></translation>
+        <translation>Le fichier ayant cette empreinte</translation>
     </message>
     <message>
         <source>The file “%@” cannot be made</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de créer le fichier « %@ »</translation>
     </message>
     <message>
         <source>The first of them is “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Le premier est « %@ » : %@</translation>
     </message>
     <message>
         <source>The folder cannot be opened. Change its permissions and import it again</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier ne peut pas être ouvert. Modifiez ses permissions et importez-le de nouveau</translation>
     </message>
     <message>
         <source>The folder for “%@” does not exist.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier prévu pour « %@ » n’existe pas.</translation>
     </message>
     <message>
         <source>The folder holds nothing that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier ne contient rien qui puisse être importé.</translation>
     </message>
     <message>
         <source>The folder of the library does not exist.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier de la bibliothèque n’existe pas.</translation>
     </message>
     <message>
         <source>The folder “%@” cannot be made</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de créer le dossier « %@ »</translation>
     </message>
     <message>
         <source>The folder “%@” could not be made</source>
@@ -4890,55 +4890,55 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The folder “%@” is in the trash. Put it back, and its items come back with it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier « %@ » est dans la corbeille. Remettez-le en place, et ses éléments reviendront avec lui.</translation>
     </message>
     <message>
         <source>The header “%@” cannot be sent: it has a line break, or no name.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’en-tête « %@ » ne peut pas être envoyé : il contient un saut de ligne ou n’a pas de nom.</translation>
     </message>
     <message>
         <source>The images of %d pages are still being downloaded. Try again when some are done.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les images de %d pages sont encore en cours de téléchargement. Réessayez lorsque certaines seront terminées.</translation>
     </message>
     <message>
         <source>The images that a page has imported at once may have %@ together.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les images importées en une fois depuis une page peuvent occuper %@ au total.</translation>
     </message>
     <message>
         <source>The import is kept: go on with it once that is mended, or forget it.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’import est conservé : poursuivez-le une fois le problème résolu, ou oubliez-le.</translation>
     </message>
     <message>
         <source>The import was cancelled. Import it again if you want it.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’import a été annulé. Importez-le de nouveau si vous le souhaitez.</translation>
     </message>
     <message>
         <source>The internet connection seem to be unavailable.</source>
-        <translation type="unfinished"></translation>
+        <translation>La connexion à Internet semble indisponible.</translation>
     </message>
     <message>
         <source>The items could not be counted</source>
-        <translation type="unfinished"></translation>
+        <translation>Les éléments n’ont pas pu être comptés</translation>
     </message>
     <message>
         <source>The items it finds will still remain inside your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les éléments qu’il trouve resteront dans votre bibliothèque.</translation>
     </message>
     <message>
         <source>The key path "%@" leads nowhere:</source>
-        <translation type="unfinished"></translation>
+        <translation>Le chemin de clés « %@ » ne mène nulle part :</translation>
     </message>
     <message>
         <source>The keyring cannot be used: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Le trousseau est inutilisable : %@</translation>
     </message>
     <message>
         <source>The keyring has no password for “%@” any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le trousseau ne contient plus de mot de passe pour « %@ ».</translation>
     </message>
     <message>
         <source>The keyring with your passwords is locked.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le trousseau contenant vos mots de passe est verrouillé.</translation>
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
@@ -4946,71 +4946,71 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The last seven days</source>
-        <translation type="unfinished"></translation>
+        <translation>Les sept derniers jours</translation>
     </message>
     <message>
         <source>The layered document takes its place.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le document à calques prend sa place.</translation>
     </message>
     <message>
         <source>The library cannot be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque ne peut pas être ouverte.</translation>
     </message>
     <message>
         <source>The library cannot be opened: there is something that is no file in the place of one of its files.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque ne peut pas être ouverte : à la place d’un de ses fichiers se trouve quelque chose qui n’est pas un fichier.</translation>
     </message>
     <message>
         <source>The library cannot be written.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque ne peut pas être écrite.</translation>
     </message>
     <message>
         <source>The library could not be brought to this version; it is unchanged.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas pu être mise à niveau vers cette version ; elle est inchangée.</translation>
     </message>
     <message>
         <source>The library could not be read</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas pu être lue</translation>
     </message>
     <message>
         <source>The library could not be saved yet. Delete the original once it is, if you do not need it.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas encore pu être enregistrée. Supprimez l’original une fois que ce sera fait, si vous n’en avez pas besoin.</translation>
     </message>
     <message>
         <source>The library could not be saved: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas pu être enregistrée : %@</translation>
     </message>
     <message>
         <source>The library could not be saved: %@ Import it again once that is mended.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas pu être enregistrée : %@ Importez-le de nouveau une fois le problème résolu.</translation>
     </message>
     <message>
         <source>The library has it already, as “%@”; that item was put in its place.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque le contient déjà sous le nom « %@ » ; cet élément a été mis à sa place.</translation>
     </message>
     <message>
         <source>The library has it already, as “%@”; the new copy was discarded.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque le contient déjà sous le nom « %@ » ; la nouvelle copie a été abandonnée.</translation>
     </message>
     <message>
         <source>The library has no data model.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas de modèle de données.</translation>
     </message>
     <message>
         <source>The library has no items of this kind.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a aucun élément de ce type.</translation>
     </message>
     <message>
         <source>The library is at “%@” already.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque se trouve déjà dans « %@ ».</translation>
     </message>
     <message>
         <source>The library is being written by another process.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un autre processus est en train d’écrire dans la bibliothèque.</translation>
     </message>
     <message>
         <source>The library is damaged</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque est endommagée</translation>
     </message>
     <message>
         <source>The library is inside “%@” itself.</source>
@@ -5018,59 +5018,59 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library is inside “%@”, which it would replace.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque se trouve dans « %@ », qu’elle remplacerait.</translation>
     </message>
     <message>
         <source>The library is not open. Open it and add the folder again.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’est pas ouverte. Ouvrez-la et ajoutez de nouveau le dossier.</translation>
     </message>
     <message>
         <source>The library is not open. The picture lies in “%@” until Zelto quits.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’est pas ouverte. L’image reste dans « %@ » jusqu’à ce que vous quittiez Zelto.</translation>
     </message>
     <message>
         <source>The library is open.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque est ouverte.</translation>
     </message>
     <message>
         <source>The library then holds both.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque contient alors les deux.</translation>
     </message>
     <message>
         <source>The library was closed. Open it and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque a été fermée. Ouvrez-la et importez-le de nouveau.</translation>
     </message>
     <message>
         <source>The library was made by a newer version of the application.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque a été créée par une version plus récente de l’application.</translation>
     </message>
     <message>
         <source>The library was made by an older version of the application.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque a été créée par une version plus ancienne de l’application.</translation>
     </message>
     <message>
         <source>The library was not moved.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque n’a pas été déplacée.</translation>
     </message>
     <message>
         <source>The library was recovered</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque a été récupérée</translation>
     </message>
     <message>
         <source>The library “%@” can't be created.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque « %@ » ne peut pas être créée.</translation>
     </message>
     <message>
         <source>The library “%@” can't be written: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque « %@ » ne peut pas être écrite : %@.</translation>
     </message>
     <message>
         <source>The library “%@” is in the trash.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque « %@ » est dans la corbeille.</translation>
     </message>
     <message>
         <source>The library “%@” is in use by another Zelto.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque « %@ » est utilisée par un autre Zelto.</translation>
     </message>
     <message>
         <source>The library “%@” is not there any more.</source>
@@ -5078,15 +5078,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library's database cannot be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>La base de données de la bibliothèque ne peut pas être ouverte.</translation>
     </message>
     <message>
         <source>The library's database is damaged from its first byte.</source>
-        <translation type="unfinished"></translation>
+        <translation>La base de données de la bibliothèque est endommagée dès son premier octet.</translation>
     </message>
     <message>
         <source>The library's database is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>La base de données de la bibliothèque est endommagée.</translation>
     </message>
     <message>
         <source>The library's database is damaged: %@</source>
@@ -5094,7 +5094,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library's database reported an error.</source>
-        <translation type="unfinished"></translation>
+        <translation>La base de données de la bibliothèque a signalé une erreur.</translation>
     </message>
     <message>
         <source>The library, unless another one was chosen; ~/.local/share without the variable.</source>
@@ -5102,127 +5102,127 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The live folder is not in the sidebar any more. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier actif n’est plus dans la barre latérale. Choisissez-en un autre.</translation>
     </message>
     <message>
         <source>The longer side of each size, at most. Everything above is large.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le plus grand côté de chaque taille, au maximum. Tout ce qui est au-dessus est grand.</translation>
     </message>
     <message>
         <source>The method must be “POST”, “PUT” or “PATCH”.</source>
-        <translation type="unfinished"></translation>
+        <translation>La méthode doit être « POST », « PUT » ou « PATCH ».</translation>
     </message>
     <message>
         <source>The name is empty. Please type a name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le nom est vide. Veuillez saisir un nom.</translation>
     </message>
     <message>
         <source>The name is too long. Please use a shorter name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le nom est trop long. Veuillez utiliser un nom plus court.</translation>
     </message>
     <message>
         <source>The name must be one line of letters and signs, without “/”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le nom doit tenir sur une ligne, avec des lettres et des signes, sans « / ».</translation>
     </message>
     <message>
         <source>The original folders will still remain on your disk.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les dossiers d’origine resteront sur votre disque.</translation>
     </message>
     <message>
         <source>The other program did not save “%@”. Save it there as a file, and drop that here.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’autre programme n’a pas enregistré « %@ ». Enregistrez-y le contenu dans un fichier et déposez celui-ci ici.</translation>
     </message>
     <message>
         <source>The page at “%@” names an image on this computer or in its own network (“%@”), so nothing was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>La page à l’adresse « %@ » désigne une image située sur cet ordinateur ou dans son propre réseau (« %@ ») ; rien n’a donc été importé</translation>
     </message>
     <message>
         <source>The page crashed in the browser. Try again, or capture only the visible area.</source>
-        <translation type="unfinished"></translation>
+        <translation>La page a planté dans le navigateur. Réessayez, ou capturez seulement la zone visible.</translation>
     </message>
     <message>
         <source>The page did not load in full; this is what was there.</source>
-        <translation type="unfinished"></translation>
+        <translation>La page ne s’est pas chargée entièrement ; voici ce qui était là.</translation>
     </message>
     <message>
         <source>The page has more elements than layers are useful; %d small ones are on the layers of what they lie in.</source>
-        <translation type="unfinished"></translation>
+        <translation>La page a trop d’éléments pour en faire autant de calques ; %d petits éléments se trouvent sur les calques de ceux qui les contiennent.</translation>
     </message>
     <message>
         <source>The page is being captured.</source>
-        <translation type="unfinished"></translation>
+        <translation>La page est en cours de capture.</translation>
     </message>
     <message>
         <source>The page is longer than %d pixels; what is below was cut off.</source>
-        <translation type="unfinished"></translation>
+        <translation>La page dépasse %d pixels de long ; ce qui est au-dessous a été coupé.</translation>
     </message>
     <message>
         <source>The page sends its visitors around in a circle.</source>
-        <translation type="unfinished"></translation>
+        <translation>La page fait tourner ses visiteurs en rond.</translation>
     </message>
     <message>
         <source>The password is kept in the desktop's keyring and nowhere else.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le mot de passe est conservé dans le trousseau du bureau et nulle part ailleurs.</translation>
     </message>
     <message>
         <source>The password of your server is not known.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le mot de passe de votre serveur n’est pas connu.</translation>
     </message>
     <message>
         <source>The passwords for “%@” are not known any more. Import its description again in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les mots de passe de « %@ » ne sont plus connus. Importez de nouveau sa description dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>The passwords that were entered for it are forgotten, too. What was uploaded stays where it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les mots de passe saisis pour lui sont également oubliés. Ce qui a été envoyé reste où il est.</translation>
     </message>
     <message>
         <source>The picture "%@" can't be converted.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image « %@ » ne peut pas être convertie.</translation>
     </message>
     <message>
         <source>The picture "%@" can't be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image « %@ » ne peut pas être ouverte.</translation>
     </message>
     <message>
         <source>The picture "%@" could not be drawn: it needs too much memory.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image « %@ » n’a pas pu être dessinée : elle demande trop de mémoire.</translation>
     </message>
     <message>
         <source>The picture "%@" could not be drawn: it took too long.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image « %@ » n’a pas pu être dessinée : cela a pris trop de temps.</translation>
     </message>
     <message>
         <source>The picture "%@" could not be drawn: the renderer stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image « %@ » n’a pas pu être dessinée : le moteur de rendu s’est arrêté.</translation>
     </message>
     <message>
         <source>The picture "%@" was not drawn: that was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image « %@ » n’a pas été dessinée : l’opération a été annulée.</translation>
     </message>
     <message>
         <source>The picture can't be written to “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image ne peut pas être écrite dans « %@ ».</translation>
     </message>
     <message>
         <source>The picture in the address is damaged.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image contenue dans l’adresse est endommagée.</translation>
     </message>
     <message>
         <source>The picture is not in the library yet: Zelto goes on with its import when it opens the library the next time.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image n’est pas encore dans la bibliothèque : Zelto poursuivra son import à la prochaine ouverture de la bibliothèque.</translation>
     </message>
     <message>
         <source>The picture is not in the library. It lies in “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image n’est pas dans la bibliothèque. Elle se trouve dans « %@ ».</translation>
     </message>
     <message>
         <source>The preferences can't be written, so the library would not be found.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les préférences ne peuvent pas être écrites ; la bibliothèque ne serait donc pas retrouvée.</translation>
     </message>
     <message>
         <source>The preferences could not be written (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>Les préférences n’ont pas pu être écrites (%@).</translation>
     </message>
     <message>
         <source>The preferences, which `zelto defaults` reads and changes; ~/.config without the variable.</source>
@@ -5230,35 +5230,35 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures can't be started: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le programme « zelto-render », qui dessine les images, ne peut pas être lancé : %@.</translation>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures ends as soon as it is started.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le programme « zelto-render », qui dessine les images, se termine dès qu’il est lancé.</translation>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures is missing; install Zelto again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le programme « zelto-render », qui dessine les images, est manquant ; réinstallez Zelto.</translation>
     </message>
     <message>
         <source>The project items will still remain inside your library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les éléments du projet resteront dans votre bibliothèque.</translation>
     </message>
     <message>
         <source>The projects of this folder are empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les projets de ce dossier sont vides.</translation>
     </message>
     <message>
         <source>The property list cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>La liste de propriétés est illisible.</translation>
     </message>
     <message>
         <source>The proxy does not lead to %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Le proxy ne mène pas à %@ : %@</translation>
     </message>
     <message>
         <source>The recovered library could not be put in place.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque récupérée n’a pas pu être mise en place.</translation>
     </message>
     <message>
         <source>The report could not be removed: %@</source>
@@ -5270,31 +5270,31 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The request cannot be carried out.</source>
-        <translation type="unfinished"></translation>
+        <translation>La requête ne peut pas être exécutée.</translation>
     </message>
     <message>
         <source>The request was cancelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>La requête a été annulée.</translation>
     </message>
     <message>
         <source>The same file more than once</source>
-        <translation type="unfinished"></translation>
+        <translation>Le même fichier plusieurs fois</translation>
     </message>
     <message>
         <source>The same file more than once, with one of these digests</source>
-        <translation type="unfinished"></translation>
+        <translation>Le même fichier plusieurs fois, avec l’une de ces empreintes</translation>
     </message>
     <message>
         <source>The search of this smart folder cannot be understood.</source>
-        <translation type="unfinished"></translation>
+        <translation>La recherche de ce dossier intelligent est incompréhensible.</translation>
     </message>
     <message>
         <source>The server broke off the connection.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur a coupé la connexion.</translation>
     </message>
     <message>
         <source>The server did not answer in time.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur n’a pas répondu à temps.</translation>
     </message>
     <message>
         <source>The server of the announcements leads to an address that is not encrypted, which Zelto does not go to. Check again later.</source>
@@ -5306,135 +5306,135 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The server sends on to “%@”, for which the passwords are not meant.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur renvoie vers « %@ », auquel les mots de passe ne sont pas destinés.</translation>
     </message>
     <message>
         <source>The server sends on to “%@”, which is not for the public.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur renvoie vers « %@ », qui n’est pas public.</translation>
     </message>
     <message>
         <source>The server sent nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur n’a rien envoyé.</translation>
     </message>
     <message>
         <source>The server takes no connections.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur n’accepte aucune connexion.</translation>
     </message>
     <message>
         <source>The server's certificate is not valid, so that nobody can tell whose page it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le certificat du serveur n’est pas valide ; on ne peut donc pas savoir à qui appartient la page.</translation>
     </message>
     <message>
         <source>The service did not say where the file is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le service n’a pas indiqué où se trouve le fichier.</translation>
     </message>
     <message>
         <source>The service that was chosen for uploads is not there any more. Choose another one in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le service choisi pour les envois n’existe plus. Choisissez-en un autre dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>The service that was chosen is not there any more. Choose another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le service choisi n’existe plus. Choisissez-en un autre.</translation>
     </message>
     <message>
         <source>The sidebar item it was to go to does not exist any more. Import it into another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’entrée de la barre latérale prévue n’existe plus. Importez-le dans une autre.</translation>
     </message>
     <message>
         <source>The smart folder looks in the whole library: it finds %@, and shows %@ of those that are shown here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier intelligent cherche dans toute la bibliothèque : il trouve %@, dont %@ parmi ceux affichés ici.</translation>
     </message>
     <message>
         <source>The smart folder looks in the whole library: it finds %@; %@ are shown here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier intelligent cherche dans toute la bibliothèque : il trouve %@ ; %@ sont affichés ici.</translation>
     </message>
     <message>
         <source>The smart folder looks in the whole library: it finds %@; 1 is shown here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier intelligent cherche dans toute la bibliothèque : il trouve %@ ; 1 est affiché ici.</translation>
     </message>
     <message>
         <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le système n’a pas assez de surveillances pour tous les dossiers ; celui-ci est donc examiné à intervalles. Portez fs.inotify.max_user_watches à %d.</translation>
     </message>
     <message>
         <source>The tags of “%@” could not be written to the file; the library keeps them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les mots-clés de « %@ » n’ont pas pu être écrits dans le fichier ; la bibliothèque les conserve.</translation>
     </message>
     <message>
         <source>The tags or the notes of a file are too long for it. Use fewer or shorter ones.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les mots-clés ou les remarques d’un fichier sont trop longs pour lui. Utilisez-en moins ou de plus courts.</translation>
     </message>
     <message>
         <source>The template “%@” holds nothing that can be an asset</source>
-        <translation type="unfinished"></translation>
+        <translation>Le modèle « %@ » ne contient rien qui puisse devenir un élément</translation>
     </message>
     <message>
         <source>The trash holds too many files named “%@”. Empty it and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>La corbeille contient trop de fichiers nommés « %@ ». Videz-la et réessayez.</translation>
     </message>
     <message>
         <source>The value cannot be archived.</source>
-        <translation type="unfinished"></translation>
+        <translation>La valeur ne peut pas être archivée.</translation>
     </message>
     <message>
         <source>The value cannot be written as a property list.</source>
-        <translation type="unfinished"></translation>
+        <translation>La valeur ne peut pas être écrite sous forme de liste de propriétés.</translation>
     </message>
     <message>
         <source>The value of “%@” cannot be sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>La valeur de « %@ » ne peut pas être envoyée.</translation>
     </message>
     <message>
         <source>Their files come back into the project “Recovered”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Leurs fichiers reviennent dans le projet « Récupérés ».</translation>
     </message>
     <message>
         <source>Their files stay where they are, and are followed as they change. What many files leave at once is asked about, and what is on a disk that is away is kept until it is back. Keywords, tags and thumbnails are as set for imports.</source>
-        <translation type="unfinished"></translation>
+        <translation>Leurs fichiers restent où ils sont et sont suivis lorsqu’ils changent. Zelto demande confirmation si beaucoup de fichiers disparaissent à la fois, et garde ce qui est sur un disque absent jusqu’à son retour. Mots-clés et vignettes suivent les paramètres d’import.</translation>
     </message>
     <message>
         <source>There are %d services already.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il y a déjà %d services.</translation>
     </message>
     <message>
         <source>There are no presets. Make one below.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun préréglage. Créez-en un ci-dessous.</translation>
     </message>
     <message>
         <source>There are no templates yet. Add files that you begin with again and again, or open one whose name ends in .zttemplate with Zelto.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas encore de modèles. Ajoutez les fichiers qui vous servent sans cesse de point de départ, ou ouvrez avec Zelto un fichier dont le nom se termine par .zttemplate.</translation>
     </message>
     <message>
         <source>There are too many brackets in brackets.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il y a trop de crochets imbriqués.</translation>
     </message>
     <message>
         <source>There is a file of that name already. Share it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il existe déjà un fichier de ce nom. Partagez-le de nouveau.</translation>
     </message>
     <message>
         <source>There is a file “%@” already.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il existe déjà un fichier « %@ ».</translation>
     </message>
     <message>
         <source>There is a template “%@” already. Rename the new one, or remove the other one, and open it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il existe déjà un modèle « %@ ». Renommez le nouveau ou retirez l’autre, puis ouvrez-le de nouveau.</translation>
     </message>
     <message>
         <source>There is a “\” that means nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il y a un « \ » qui ne signifie rien.</translation>
     </message>
     <message>
         <source>There is half a character in a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il y a un demi-caractère dans un texte.</translation>
     </message>
     <message>
         <source>There is no "%@" in this library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas de « %@ » dans cette bibliothèque.</translation>
     </message>
     <message>
         <source>There is no WebDAV folder at “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun dossier WebDAV à l’adresse « %@ ».</translation>
     </message>
     <message>
         <source>There is no backup of this library in that folder.</source>
@@ -5442,23 +5442,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is no connection to the internet.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas de connexion à Internet.</translation>
     </message>
     <message>
         <source>There is no connection to the network.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas de connexion au réseau.</translation>
     </message>
     <message>
         <source>There is no display here that could be captured. Start Zelto within a desktop session.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a ici aucun affichage à capturer. Démarrez Zelto dans une session de bureau.</translation>
     </message>
     <message>
         <source>There is no folder at “%@”. Connect its drive, or put the folder back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun dossier à l’emplacement « %@ ». Connectez son disque, ou remettez le dossier en place.</translation>
     </message>
     <message>
         <source>There is no folder to download into.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun dossier où télécharger.</translation>
     </message>
     <message>
         <source>There is no folder “%@” for backups.</source>
@@ -5466,91 +5466,91 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is no folder “%@”. Choose another one, or look whether its disk is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun dossier « %@ ». Choisissez-en un autre, ou vérifiez que son disque est présent.</translation>
     </message>
     <message>
         <source>There is no format with the number %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun format portant le numéro %d.</translation>
     </message>
     <message>
         <source>There is no keyring in which a password could be kept safely.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun trousseau où conserver un mot de passe en sécurité.</translation>
     </message>
     <message>
         <source>There is no library at “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucune bibliothèque à l’emplacement « %@ ».</translation>
     </message>
     <message>
         <source>There is no library database at this place.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucune base de données de bibliothèque à cet emplacement.</translation>
     </message>
     <message>
         <source>There is no library to import into.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucune bibliothèque où importer.</translation>
     </message>
     <message>
         <source>There is no open library to draw.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucune bibliothèque ouverte à dessiner.</translation>
     </message>
     <message>
         <source>There is no picture of it. Export it as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’en existe pas d’image. Exportez-le tel quel.</translation>
     </message>
     <message>
         <source>There is no picture or file on the clipboard</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a ni image ni fichier dans le presse-papiers</translation>
     </message>
     <message>
         <source>There is no picture to write.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucune image à écrire.</translation>
     </message>
     <message>
         <source>There is no room left for attributes. Use fewer or shorter tags and notes, or free some space.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a plus de place pour les attributs. Utilisez des mots-clés et des remarques moins nombreux ou plus courts, ou libérez de l’espace.</translation>
     </message>
     <message>
         <source>There is no screen that could be captured</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun écran à capturer</translation>
     </message>
     <message>
         <source>There is no server named %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a aucun serveur nommé %@.</translation>
     </message>
     <message>
         <source>There is no such file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce fichier n’existe pas.</translation>
     </message>
     <message>
         <source>There is no such file. Check its name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce fichier n’existe pas. Vérifiez son nom.</translation>
     </message>
     <message>
         <source>There is no such folder. Check its name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce dossier n’existe pas. Vérifiez son nom.</translation>
     </message>
     <message>
         <source>There is no such server: see whether the address is written right.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce serveur n’existe pas : vérifiez que l’adresse est bien écrite.</translation>
     </message>
     <message>
         <source>There is no token “%@”. Put it in quotes to find it as a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas de token « %@ ». Mettez-le entre guillemets pour le rechercher comme texte.</translation>
     </message>
     <message>
         <source>There is no window to take · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune fenêtre à capturer · Échap quitte</translation>
     </message>
     <message>
         <source>There is not enough memory for a picture of this page. Capture only the visible area, or a smaller width.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas assez de mémoire pour une image de cette page. Capturez seulement la zone visible, ou une largeur plus petite.</translation>
     </message>
     <message>
         <source>There is not enough memory to convert it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas assez de mémoire pour le convertir.</translation>
     </message>
     <message>
         <source>There is not enough memory to show it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas assez de mémoire pour l’afficher.</translation>
     </message>
     <message>
         <source>There is not enough memory.</source>
@@ -5558,51 +5558,51 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is not enough room on the disk to save.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas assez de place sur le disque pour enregistrer.</translation>
     </message>
     <message>
         <source>There is nothing between the brackets.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a rien entre les parenthèses.</translation>
     </message>
     <message>
         <source>There is nothing between the quotes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a rien entre les guillemets.</translation>
     </message>
     <message>
         <source>There is nothing here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a rien ici.</translation>
     </message>
     <message>
         <source>There is too little free space in “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas assez d’espace libre dans « %@ ».</translation>
     </message>
     <message>
         <source>There was an error building up the data file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une erreur s’est produite lors de la construction du fichier de données.</translation>
     </message>
     <message>
         <source>These files were not imported, or not wholly</source>
-        <translation type="unfinished"></translation>
+        <translation>Ces fichiers n’ont pas été importés, ou pas entièrement</translation>
     </message>
     <message>
         <source>These keys can't be taken from other programs. Choose keys with Ctrl, Alt or Super, or a function key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ces touches ne peuvent pas être retirées aux autres programmes. Choisissez des touches avec Ctrl, Alt ou Super, ou une touche de fonction.</translation>
     </message>
     <message>
         <source>They may be what is left of imports that were cut off, or belong to items that the library lost. Zelto can take them back into the project “Recovered”, where you can look at them, or remove them with the files in them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il peut s’agir de restes d’imports interrompus, ou d’éléments que la bibliothèque a perdus. Zelto peut les reprendre dans le projet « Récupérés », où vous pourrez les examiner, ou les supprimer avec les fichiers qu’ils contiennent.</translation>
     </message>
     <message>
         <source>They stay as they are in %@. What is in them is damaged, or of no kind that can be imported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ils restent tels quels dans %@. Leur contenu est endommagé ou d’un type qui ne peut pas être importé.</translation>
     </message>
     <message>
         <source>They travel with a file, and an import takes those it brings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ils accompagnent le fichier, et un import reprend ceux qu’il apporte.</translation>
     </message>
     <message>
         <source>They were deleted, or moved to where Zelto does not look. If you remove them from the library, they leave their projects too. If a drive is not connected, keep them: they are there again when it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ils ont été supprimés, ou déplacés là où Zelto ne regarde pas. Si vous les retirez de la bibliothèque, ils quittent aussi leurs projets. Si un disque n’est pas connecté, gardez-les : ils seront de nouveau là lorsqu’il le sera.</translation>
     </message>
     <message>
         <source>This Zelto was built without an address that announces new versions. Look where you got it.</source>
@@ -5610,55 +5610,55 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>This bracket closes nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette parenthèse ne ferme rien.</translation>
     </message>
     <message>
         <source>This bracket is not closed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette parenthèse n’est pas fermée.</translation>
     </message>
     <message>
         <source>This desktop lets no program choose a part of its screen. Choose it in the desktop's own dialog, which Capture Area opens.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce bureau ne laisse aucun programme choisir une partie de son écran. Choisissez-la dans la boîte de dialogue du bureau, qu’ouvre « Capturer : Zone ».</translation>
     </message>
     <message>
         <source>This desktop offers no such service. Install xdg-desktop-portal and the part of it for your desktop, as xdg-desktop-portal-gnome, -kde or -wlr, and log in again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce bureau n’offre pas ce service. Installez xdg-desktop-portal et sa partie pour votre bureau, comme xdg-desktop-portal-gnome, -kde ou -wlr, puis rouvrez votre session.</translation>
     </message>
     <message>
         <source>This display lets no program take keys. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Cet affichage ne laisse aucun programme prendre des touches. %@</translation>
     </message>
     <message>
         <source>This file cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce fichier est illisible.</translation>
     </message>
     <message>
         <source>This file cannot be shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce fichier ne peut pas être affiché.</translation>
     </message>
     <message>
         <source>This file is too large to be a description.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce fichier est trop grand pour être une description.</translation>
     </message>
     <message>
         <source>This format is not known; only 1 is. A newer version of Zelto may know it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce format n’est pas connu ; seul 1 l’est. Une version plus récente de Zelto le connaît peut-être.</translation>
     </message>
     <message>
         <source>This is more than can be searched at once; from here on it is left out.</source>
-        <translation type="unfinished"></translation>
+        <translation>C’est plus que ce qui peut être recherché à la fois ; le reste, à partir d’ici, est ignoré.</translation>
     </message>
     <message>
         <source>This is no text in UTF-8.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas un texte en UTF-8.</translation>
     </message>
     <message>
         <source>This is not the address of an upload; it begins with https:// and has no placeholders.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas l’adresse d’un envoi ; elle commence par https:// et n’a pas d’emplacements à remplir.</translation>
     </message>
     <message>
         <source>This is not the answer that Zelto is waiting for.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce n’est pas la réponse que Zelto attend.</translation>
     </message>
     <message>
         <source>This is the whole report. It says where in the program it happened, and nothing of your library. Copy or save it to pass it on.</source>
@@ -5670,111 +5670,111 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>This key can't be used. Take a letter, a digit or a function key.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette touche ne convient pas. Prenez une lettre, un chiffre ou une touche de fonction.</translation>
     </message>
     <message>
         <source>This keyboard has no %@. Choose other keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce clavier n’a pas de %@. Choisissez d’autres touches.</translation>
     </message>
     <message>
         <source>This live folder is off: Enable in its menu has it looked at again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce dossier actif est désactivé : « Activer » dans son menu le fait examiner de nouveau.</translation>
     </message>
     <message>
         <source>This live folder is off: what is in “%@” is neither looked at nor shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce dossier actif est désactivé : le contenu de « %@ » n’est ni examiné ni affiché.</translation>
     </message>
     <message>
         <source>This month</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce mois-ci</translation>
     </message>
     <message>
         <source>This page has too many elements to be captured in layers. Capture it as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette page a trop d’éléments pour être capturée en calques. Capturez-la comme image.</translation>
     </message>
     <message>
         <source>This quote is not closed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce guillemet n’est pas fermé.</translation>
     </message>
     <message>
         <source>This smart folder has nothing to search for.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce dossier intelligent n’a rien à rechercher.</translation>
     </message>
     <message>
         <source>This system cannot keep programs that draw pictures away from your files.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce système ne peut pas tenir à l’écart de vos fichiers les programmes qui dessinent des images.</translation>
     </message>
     <message>
         <source>This system has neither Landlock nor seccomp to keep what reads it from your files. Use a Linux kernel that has them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce système n’a ni Landlock ni seccomp pour tenir à l’écart de vos fichiers ce qui le lit. Utilisez un noyau Linux qui les possède.</translation>
     </message>
     <message>
         <source>This year</source>
-        <translation type="unfinished"></translation>
+        <translation>Cette année</translation>
     </message>
     <message>
         <source>Thumbnail size</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille des vignettes</translation>
     </message>
     <message>
         <source>Title</source>
-        <translation type="unfinished"></translation>
+        <translation>Titre</translation>
     </message>
     <message>
         <source>Title contains the text</source>
-        <translation type="unfinished"></translation>
+        <translation>Le titre contient le texte</translation>
     </message>
     <message>
         <source>Title contains “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>Le titre contient « %@ »</translation>
     </message>
     <message>
         <source>Today, %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Aujourd’hui, %@</translation>
     </message>
     <message>
         <source>Too many brackets stand in these; what they hold is left out.</source>
-        <translation type="unfinished"></translation>
+        <translation>Trop de parenthèses sont imbriquées dans celles-ci ; leur contenu est ignoré.</translation>
     </message>
     <message>
         <source>Too many requests came from the browser at once; some were left out. Try again in a few seconds.</source>
-        <translation type="unfinished"></translation>
+        <translation>Trop de requêtes sont venues du navigateur à la fois ; certaines ont été ignorées. Réessayez dans quelques secondes.</translation>
     </message>
     <message>
         <source>TrueType font</source>
-        <translation type="unfinished"></translation>
+        <translation>Police TrueType</translation>
     </message>
     <message>
         <source>Try Again</source>
-        <translation type="unfinished"></translation>
+        <translation>Réessayer</translation>
     </message>
     <message>
         <source>Try again in %d minutes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réessayez dans %d minutes.</translation>
     </message>
     <message>
         <source>Try again in a minute.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réessayez dans une minute.</translation>
     </message>
     <message>
         <source>Try again later, or look whether the host in the preferences is the right one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réessayez plus tard, ou vérifiez que l’hôte indiqué dans les préférences est le bon.</translation>
     </message>
     <message>
         <source>Try again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réessayez plus tard.</translation>
     </message>
     <message>
         <source>Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Réessayez.</translation>
     </message>
     <message>
         <source>Type an address and press Enter to see the page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Saisissez une adresse et appuyez sur Entrée pour voir la page.</translation>
     </message>
     <message>
         <source>Type the address of a web page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Saisissez l’adresse d’une page web.</translation>
     </message>
     <message>
         <source>USAGE</source>
@@ -5782,23 +5782,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Undo</source>
-        <translation type="unfinished"></translation>
+        <translation>Annuler</translation>
     </message>
     <message>
         <source>Undo %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Annuler : %@</translation>
     </message>
     <message>
         <source>Unknown</source>
-        <translation type="unfinished"></translation>
+        <translation>Inconnu</translation>
     </message>
     <message>
         <source>Unlock it and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Déverrouillez-le et réessayez.</translation>
     </message>
     <message>
         <source>Untitled</source>
-        <translation type="unfinished"></translation>
+        <translation>Sans titre</translation>
     </message>
     <message>
         <source>Up</source>
@@ -5806,51 +5806,51 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Update Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Mettre à jour la recherche</translation>
     </message>
     <message>
         <source>Updating your library</source>
-        <translation type="unfinished"></translation>
+        <translation>Mise à jour de votre bibliothèque</translation>
     </message>
     <message>
         <source>Upload cancelled</source>
-        <translation type="unfinished"></translation>
+        <translation>Envoi annulé</translation>
     </message>
     <message>
         <source>Upload done, url copied to clipboard!</source>
-        <translation type="unfinished"></translation>
+        <translation>Envoi terminé, URL copiée dans le presse-papiers !</translation>
     </message>
     <message>
         <source>Uploaded %d files to the cloud!</source>
-        <translation type="unfinished"></translation>
+        <translation>%d fichiers envoyés dans le cloud !</translation>
     </message>
     <message>
         <source>Uploading to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Envoi vers %@</translation>
     </message>
     <message>
         <source>Uploads what is selected and copies the link. A preset dropped here exports it first. A right click shows the latest uploads.</source>
-        <translation type="unfinished"></translation>
+        <translation>Envoie la sélection et copie le lien. Un préréglage déposé ici l’exporte d’abord. Un clic droit affiche les derniers envois.</translation>
     </message>
     <message>
         <source>Use This Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Utiliser ce dossier</translation>
     </message>
     <message>
         <source>Use an address that begins with https://.</source>
-        <translation type="unfinished"></translation>
+        <translation>Utilisez une adresse qui commence par https://.</translation>
     </message>
     <message>
         <source>Use the existing item here</source>
-        <translation type="unfinished"></translation>
+        <translation>Utiliser ici l’élément existant</translation>
     </message>
     <message>
         <source>Use the folder that is in the place of this one</source>
-        <translation type="unfinished"></translation>
+        <translation>Utiliser le dossier qui se trouve à la place de celui-ci</translation>
     </message>
     <message>
         <source>Username or Password are invalid</source>
-        <translation type="unfinished"></translation>
+        <translation>Le nom d’utilisateur ou le mot de passe est incorrect</translation>
     </message>
     <message>
         <source>Verify Library…</source>
@@ -5858,19 +5858,19 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>View</source>
-        <translation type="unfinished"></translation>
+        <translation>Affichage</translation>
     </message>
     <message>
         <source>Violet</source>
-        <translation type="unfinished"></translation>
+        <translation>Violet</translation>
     </message>
     <message>
         <source>Visible area</source>
-        <translation type="unfinished"></translation>
+        <translation>Zone visible</translation>
     </message>
     <message>
         <source>Wait until it has finished, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Attendez qu’il ait terminé, puis réessayez.</translation>
     </message>
     <message>
         <source>Wait until it is done, then try again.</source>
@@ -5878,43 +5878,43 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Wait until tomorrow or upgrade your CloudApp account.</source>
-        <translation type="unfinished"></translation>
+        <translation>Attendez demain ou passez à une offre supérieure de CloudApp.</translation>
     </message>
     <message>
         <source>Waiting for you to allow it in the web browser…</source>
-        <translation type="unfinished"></translation>
+        <translation>En attente de votre autorisation dans le navigateur web…</translation>
     </message>
     <message>
         <source>Waveform audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio WAV</translation>
     </message>
     <message>
         <source>Web Page…</source>
-        <translation type="unfinished"></translation>
+        <translation>Page web…</translation>
     </message>
     <message>
         <source>Web page</source>
-        <translation type="unfinished"></translation>
+        <translation>Page web</translation>
     </message>
     <message>
         <source>Web pages cannot be captured now. Restart Zelto, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les pages web ne peuvent pas être capturées maintenant. Redémarrez Zelto et réessayez.</translation>
     </message>
     <message>
         <source>WebM movie</source>
-        <translation type="unfinished"></translation>
+        <translation>Film WebM</translation>
     </message>
     <message>
         <source>WebP image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image WebP</translation>
     </message>
     <message>
         <source>WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files.</source>
-        <translation type="unfinished"></translation>
+        <translation>WebP, HEIC, AVIF, JPEG XL et documents Sketch en un seul fichier.</translation>
     </message>
     <message>
         <source>What a page sent is too long. Choose fewer images.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qu’une page a envoyé est trop long. Choisissez moins d’images.</translation>
     </message>
     <message>
         <source>What came is no announcement of versions. If you are in a network that asks for a login first, log in and check again.</source>
@@ -5922,23 +5922,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>What is captured</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui est capturé</translation>
     </message>
     <message>
         <source>What is left of an import cannot be read: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui reste d’un import est illisible : %@.</translation>
     </message>
     <message>
         <source>What is mounted there is out of reach. Connect its drive again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui est monté à cet endroit est hors d’atteinte. Reconnectez son disque.</translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>La sélection de la barre latérale est vide.</translation>
     </message>
     <message>
         <source>What is to be sent cannot be read.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui doit être envoyé est illisible.</translation>
     </message>
     <message>
         <source>What was counted</source>
@@ -5946,27 +5946,27 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>What was found</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été trouvé</translation>
     </message>
     <message>
         <source>What was imported cannot be noted in %@: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été importé ne peut pas être noté dans %@ : %@.</translation>
     </message>
     <message>
         <source>What was imported cannot be read from %@: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été importé ne peut pas être lu dans %@ : %@.</translation>
     </message>
     <message>
         <source>What was imported could not be looked up: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été importé n’a pas pu être retrouvé : %@</translation>
     </message>
     <message>
         <source>What was imported was deleted since.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été importé a été supprimé depuis.</translation>
     </message>
     <message>
         <source>What you capture of the screen comes here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce que vous capturez à l’écran arrive ici.</translation>
     </message>
     <message>
         <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
@@ -5982,11 +5982,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Whole Screen</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout l’écran</translation>
     </message>
     <message>
         <source>Whole page</source>
-        <translation type="unfinished"></translation>
+        <translation>Page entière</translation>
     </message>
     <message>
         <source>Whole scr&amp;een</source>
@@ -5994,31 +5994,31 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Width</source>
-        <translation type="unfinished"></translation>
+        <translation>Largeur</translation>
     </message>
     <message>
         <source>Width and height</source>
-        <translation type="unfinished"></translation>
+        <translation>Largeur et hauteur</translation>
     </message>
     <message>
         <source>Width of the page in pixels</source>
-        <translation type="unfinished"></translation>
+        <translation>Largeur de la page en pixels</translation>
     </message>
     <message>
         <source>Window</source>
-        <translation type="unfinished"></translation>
+        <translation>Fenêtre</translation>
     </message>
     <message>
         <source>Window to capture</source>
-        <translation type="unfinished"></translation>
+        <translation>Fenêtre à capturer</translation>
     </message>
     <message>
         <source>Windows icon image</source>
-        <translation type="unfinished"></translation>
+        <translation>Image d’icône Windows</translation>
     </message>
     <message>
         <source>With “raw” there is no form: leave out “file” and “fields”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Avec « raw », il n’y a pas de formulaire : omettez « file » et « fields ».</translation>
     </message>
     <message>
         <source>Without a command the window opens, with the files that are named. A command does one thing and exits; when a window has the library open, it runs in the window's process, so that two processes never write one library.</source>
@@ -6034,47 +6034,47 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Without its window Zelto takes no pictures of the screen.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sans sa fenêtre, Zelto ne prend pas d’images de l’écran.</translation>
     </message>
     <message>
         <source>Word document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document Word</translation>
     </message>
     <message>
         <source>Would you like to import the following duplicate image?</source>
-        <translation type="unfinished"></translation>
+        <translation>Voulez-vous importer l’image suivante, qui est un doublon ?</translation>
     </message>
     <message>
         <source>Write &lt;, = or &gt; behind “%@”, and then what to compare with.</source>
-        <translation type="unfinished"></translation>
+        <translation>Écrivez &lt;, = ou &gt; après « %@ », puis la valeur à comparer.</translation>
     </message>
     <message>
         <source>Writing notes…</source>
-        <translation type="unfinished"></translation>
+        <translation>Écriture des remarques…</translation>
     </message>
     <message>
         <source>Writing the file…</source>
-        <translation type="unfinished"></translation>
+        <translation>Écriture du fichier…</translation>
     </message>
     <message>
         <source>Writing the license…</source>
-        <translation type="unfinished"></translation>
+        <translation>Écriture de la licence…</translation>
     </message>
     <message>
         <source>Writing the source…</source>
-        <translation type="unfinished"></translation>
+        <translation>Écriture de la source…</translation>
     </message>
     <message>
         <source>XML document</source>
-        <translation type="unfinished"></translation>
+        <translation>Document XML</translation>
     </message>
     <message>
         <source>Yesterday, %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Hier, %@</translation>
     </message>
     <message>
         <source>You can close this tab and go back to Zelto.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous pouvez fermer cet onglet et revenir à Zelto.</translation>
     </message>
     <message>
         <source>You have %@.</source>
@@ -6082,55 +6082,55 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>You have exceded your maximum daily upload limit</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous avez dépassé votre limite d’envoi quotidienne</translation>
     </message>
     <message>
         <source>You have no permission to read it. Change its permissions and import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous n’avez pas la permission de le lire. Modifiez ses permissions et importez-le de nouveau.</translation>
     </message>
     <message>
         <source>You may not change its folder. Change the folder's permissions, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous n’avez pas la permission de modifier son dossier. Changez les permissions du dossier et réessayez.</translation>
     </message>
     <message>
         <source>You may not write into “%@”. Change its permissions, or choose another folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous n’avez pas la permission d’écrire dans « %@ ». Modifiez ses permissions, ou choisissez un autre dossier.</translation>
     </message>
     <message>
         <source>You may not write to the files there. Change their permissions to let their tags travel with them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous n’avez pas la permission d’y écrire dans les fichiers. Modifiez leurs permissions pour que leurs mots-clés les accompagnent.</translation>
     </message>
     <message>
         <source>Your Dropbox is full.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre Dropbox est plein.</translation>
     </message>
     <message>
         <source>Your desktop shows no status icons. The commands are in the menu, and as “zelto snap area”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre bureau n’affiche pas d’icônes d’état. Les commandes se trouvent dans le menu, et sous « zelto snap area ».</translation>
     </message>
     <message>
         <source>Your desktop shows status icons. The same commands are in the menu, and as “zelto snap area”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre bureau affiche des icônes d’état. Les mêmes commandes se trouvent dans le menu, et sous « zelto snap area ».</translation>
     </message>
     <message>
         <source>Your server does not accept the user name and the password.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre serveur n’accepte pas le nom d’utilisateur et le mot de passe.</translation>
     </message>
     <message>
         <source>Your server is full.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre serveur est plein.</translation>
     </message>
     <message>
         <source>Your server needs the name of a user.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre serveur demande un nom d’utilisateur.</translation>
     </message>
     <message>
         <source>Your share of the disk is used up. Make room there, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Votre part du disque est épuisée. Libérez-y de l’espace, puis réessayez.</translation>
     </message>
     <message>
         <source>ZIP archive</source>
-        <translation type="unfinished"></translation>
+        <translation>Archive ZIP</translation>
     </message>
     <message>
         <source>Zelto %@ is the newest version.</source>
@@ -6146,11 +6146,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto can copy everything that can still be read into a new store. The damaged one is kept beside it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto peut copier tout ce qui est encore lisible dans une nouvelle base de données. Celle qui est endommagée est conservée à côté.</translation>
     </message>
     <message>
         <source>Zelto can quit, open again and copy everything that can still be read into a new store. The damaged one is kept beside it. Until then some items cannot be shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto peut quitter, se rouvrir et copier tout ce qui est encore lisible dans une nouvelle base de données. Celle qui est endommagée est conservée à côté. D’ici là, certains éléments ne peuvent pas être affichés.</translation>
     </message>
     <message>
         <source>Zelto could not look for new versions</source>
@@ -6162,7 +6162,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto ended before all files were in the library. It can go on with those that are missing. What is in the library stays there either way.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto s’est terminé avant que tous les fichiers soient dans la bibliothèque. Il peut reprendre avec ceux qui manquent. Ce qui est dans la bibliothèque y reste dans tous les cas.</translation>
     </message>
     <message>
         <source>Zelto ended unexpectedly</source>
@@ -6170,23 +6170,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto has the library in use but not open: answer what it asks, then try again</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto utilise la bibliothèque sans l’avoir ouverte : répondez à ce qu’il demande, puis réessayez</translation>
     </message>
     <message>
         <source>Zelto is about to quit.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto est sur le point de quitter.</translation>
     </message>
     <message>
         <source>Zelto is importing files</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto importe des fichiers</translation>
     </message>
     <message>
         <source>Zelto is importing files, are you sure to quit?</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto importe des fichiers ; voulez-vous vraiment quitter ?</translation>
     </message>
     <message>
         <source>Zelto is quitting, and takes nothing into the library any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto est en train de quitter et ne reprend plus rien dans la bibliothèque.</translation>
     </message>
     <message>
         <source>Zelto is there when you have logged in.</source>
@@ -6198,23 +6198,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto is uploading files</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto envoie des fichiers</translation>
     </message>
     <message>
         <source>Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto envoie des fichiers ; voulez-vous vraiment quitter ? Ceux qui ne sont pas encore envoyés ne le seront pas.</translation>
     </message>
     <message>
         <source>Zelto is uploading other files; try again when that is done</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto envoie d’autres fichiers ; réessayez quand ce sera terminé</translation>
     </message>
     <message>
         <source>Zelto quit before the picture was in the library; where it was being imported, the import goes on when Zelto opens the library the next time</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto a quitté avant que l’image soit dans la bibliothèque ; là où elle était en cours d’import, l’import se poursuivra à la prochaine ouverture de la bibliothèque</translation>
     </message>
     <message>
         <source>Zelto therefore draws no EPS and PostScript files and uses no thumbnailers of the desktop. A Linux kernel with Landlock (5.13 or newer) changes that.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto ne dessine donc pas de fichiers EPS et PostScript et n’utilise aucun générateur de vignettes du bureau. Un noyau Linux avec Landlock (5.13 ou plus récent) change cela.</translation>
     </message>
     <message>
         <source>Zelto was installed by %@, which brings new versions, too.</source>
@@ -6222,127 +6222,127 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto was quit before it could be imported. Import it again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto a été quitté avant de pouvoir l’importer. Importez-le de nouveau.</translation>
     </message>
     <message>
         <source>Zelto was quit or opened another library meanwhile; what was read before that stays, ask again for the rest</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto a été quitté ou a ouvert une autre bibliothèque entre-temps ; ce qui avait été lu est conservé, redemandez le reste</translation>
     </message>
     <message>
         <source>Zelto will now quit</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto va maintenant quitter</translation>
     </message>
     <message>
         <source>Zip export</source>
-        <translation type="unfinished"></translation>
+        <translation>Export Zip</translation>
     </message>
     <message>
         <source>Zoom</source>
-        <translation type="unfinished"></translation>
+        <translation>Zoom</translation>
     </message>
     <message>
         <source>Zoom (+ and −)</source>
-        <translation type="unfinished"></translation>
+        <translation>Zoom (+ et −)</translation>
     </message>
     <message>
         <source>Zoom In</source>
-        <translation type="unfinished"></translation>
+        <translation>Zoom avant</translation>
     </message>
     <message>
         <source>Zoom Out</source>
-        <translation type="unfinished"></translation>
+        <translation>Zoom arrière</translation>
     </message>
     <message>
         <source>a comparison</source>
-        <translation type="unfinished"></translation>
+        <translation>une comparaison</translation>
     </message>
     <message>
         <source>a date needs a number of seconds since 2001 within 30 000 years</source>
-        <translation type="unfinished"></translation>
+        <translation>une date demande un nombre de secondes depuis 2001, dans une limite de 30 000 ans</translation>
     </message>
     <message>
         <source>a file has the name of its folder</source>
-        <translation type="unfinished"></translation>
+        <translation>un fichier porte le nom de son dossier</translation>
     </message>
     <message>
         <source>a file of this name is in its way</source>
-        <translation type="unfinished"></translation>
+        <translation>un fichier de ce nom lui fait obstacle</translation>
     </message>
     <message>
         <source>a key path or a value</source>
-        <translation type="unfinished"></translation>
+        <translation>un chemin de clés ou une valeur</translation>
     </message>
     <message>
         <source>a list can only stand left of CONTAINS or right of IN and BETWEEN</source>
-        <translation type="unfinished"></translation>
+        <translation>une liste ne peut se trouver qu’à gauche de CONTAINS ou à droite de IN et BETWEEN</translation>
     </message>
     <message>
         <source>a list cannot hold a list</source>
-        <translation type="unfinished"></translation>
+        <translation>une liste ne peut pas contenir une liste</translation>
     </message>
     <message>
         <source>a malformed \u escape</source>
-        <translation type="unfinished"></translation>
+        <translation>une séquence d’échappement \u mal formée</translation>
     </message>
     <message>
         <source>a malformed number</source>
-        <translation type="unfinished"></translation>
+        <translation>un nombre mal formé</translation>
     </message>
     <message>
         <source>a name and a password are needed</source>
-        <translation type="unfinished"></translation>
+        <translation>un nom et un mot de passe sont nécessaires</translation>
     </message>
     <message>
         <source>a number</source>
-        <translation type="unfinished"></translation>
+        <translation>un nombre</translation>
     </message>
     <message>
         <source>a page is captured %d to %d pixels wide</source>
-        <translation type="unfinished"></translation>
+        <translation>la capture d’une page a une largeur de %d à %d pixels</translation>
     </message>
     <message>
         <source>a quotation that is not closed</source>
-        <translation type="unfinished"></translation>
+        <translation>une citation non fermée</translation>
     </message>
     <message>
         <source>a search has at most %d characters</source>
-        <translation type="unfinished"></translation>
+        <translation>une recherche compte au plus %d caractères</translation>
     </message>
     <message>
         <source>a server behind it does not answer</source>
-        <translation type="unfinished"></translation>
+        <translation>un serveur situé derrière ne répond pas</translation>
     </message>
     <message>
         <source>a smart folder needs a title</source>
-        <translation type="unfinished"></translation>
+        <translation>un dossier intelligent doit avoir un titre</translation>
     </message>
     <message>
         <source>a tag needs a name</source>
-        <translation type="unfinished"></translation>
+        <translation>un mot-clé doit avoir un nom</translation>
     </message>
     <message>
         <source>a value of the type %@ cannot be compared</source>
-        <translation type="unfinished"></translation>
+        <translation>une valeur de type %@ ne peut pas être comparée</translation>
     </message>
     <message>
         <source>access refused</source>
-        <translation type="unfinished"></translation>
+        <translation>accès refusé</translation>
     </message>
     <message>
         <source>add export preset</source>
-        <translation type="unfinished"></translation>
+        <translation>ajouter un préréglage d’export</translation>
     </message>
     <message>
         <source>add live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>ajouter des dossiers actifs</translation>
     </message>
     <message>
         <source>an address, --width, --psd and --visible are only for zelto snap web</source>
-        <translation type="unfinished"></translation>
+        <translation>une adresse, --width, --psd et --visible ne servent qu’avec zelto snap web</translation>
     </message>
     <message>
         <source>an error in the server</source>
-        <translation type="unfinished"></translation>
+        <translation>une erreur du serveur</translation>
     </message>
     <message>
         <source>an error, in which case nothing was changed; a change of many items that fails or is cancelled keeps what was done before that</source>
@@ -6350,107 +6350,107 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>an unknown character "%@"</source>
-        <translation type="unfinished"></translation>
+        <translation>un caractère inconnu « %@ »</translation>
     </message>
     <message>
         <source>an unknown placeholder</source>
-        <translation type="unfinished"></translation>
+        <translation>un emplacement à remplir inconnu</translation>
     </message>
     <message>
         <source>and</source>
-        <translation type="unfinished"></translation>
+        <translation>et</translation>
     </message>
     <message>
         <source>and %d more</source>
-        <translation type="unfinished"></translation>
+        <translation>et %d autres</translation>
     </message>
     <message>
         <source>at character %ld of the search, “%@”: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>au caractère %ld de la recherche, « %@ » : %@</translation>
     </message>
     <message>
         <source>bad request</source>
-        <translation type="unfinished"></translation>
+        <translation>requête incorrecte</translation>
     </message>
     <message>
         <source>before %@</source>
-        <translation type="unfinished"></translation>
+        <translation>avant %@</translation>
     </message>
     <message>
         <source>belongs to no item; the next launch takes it back or removes it: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>n’appartient à aucun élément ; le prochain démarrage le reprend ou le supprime : %@</translation>
     </message>
     <message>
         <source>black</source>
-        <translation type="unfinished"></translation>
+        <translation>noir</translation>
     </message>
     <message>
         <source>blue</source>
-        <translation type="unfinished"></translation>
+        <translation>bleu</translation>
     </message>
     <message>
         <source>brush</source>
-        <translation type="unfinished"></translation>
+        <translation>pinceau</translation>
     </message>
     <message>
         <source>capturing what a browser shows needs the window: run `zelto` with this address instead, or `zelto snap web` with that of the page</source>
-        <translation type="unfinished"></translation>
+        <translation>capturer ce qu’affiche un navigateur demande la fenêtre : lancez plutôt `zelto` avec cette adresse, ou `zelto snap web` avec celle de la page</translation>
     </message>
     <message>
         <source>change search of '%@'</source>
-        <translation type="unfinished"></translation>
+        <translation>modifier la recherche de « %@ »</translation>
     </message>
     <message>
         <source>chosen</source>
-        <translation type="unfinished"></translation>
+        <translation>choisi</translation>
     </message>
     <message>
         <source>close bracket</source>
-        <translation type="unfinished"></translation>
+        <translation>parenthèse fermante</translation>
     </message>
     <message>
         <source>color</source>
-        <translation type="unfinished"></translation>
+        <translation>couleur</translation>
     </message>
     <message>
         <source>copy files</source>
-        <translation type="unfinished"></translation>
+        <translation>copier des fichiers</translation>
     </message>
     <message>
         <source>copy items</source>
-        <translation type="unfinished"></translation>
+        <translation>copier des éléments</translation>
     </message>
     <message>
         <source>date</source>
-        <translation type="unfinished"></translation>
+        <translation>date</translation>
     </message>
     <message>
         <source>delete %@</source>
-        <translation type="unfinished"></translation>
+        <translation>supprimer %@</translation>
     </message>
     <message>
         <source>delete export preset</source>
-        <translation type="unfinished"></translation>
+        <translation>supprimer un préréglage d’export</translation>
     </message>
     <message>
         <source>delete items</source>
-        <translation type="unfinished"></translation>
+        <translation>supprimer des éléments</translation>
     </message>
     <message>
         <source>delete items and content</source>
-        <translation type="unfinished"></translation>
+        <translation>supprimer des éléments et leur contenu</translation>
     </message>
     <message>
         <source>disable %@</source>
-        <translation type="unfinished"></translation>
+        <translation>désactiver %@</translation>
     </message>
     <message>
         <source>disable live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>désactiver des dossiers actifs</translation>
     </message>
     <message>
         <source>document</source>
-        <translation type="unfinished"></translation>
+        <translation>document</translation>
     </message>
     <message>
         <source>done in part, or something was found: `verify` or `backup` found something wrong, `updates check` knows a newer version, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
@@ -6462,147 +6462,147 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>duplicate items</source>
-        <translation type="unfinished"></translation>
+        <translation>dupliquer des éléments</translation>
     </message>
     <message>
         <source>edit license</source>
-        <translation type="unfinished"></translation>
+        <translation>modifier la licence</translation>
     </message>
     <message>
         <source>edit notes</source>
-        <translation type="unfinished"></translation>
+        <translation>modifier les remarques</translation>
     </message>
     <message>
         <source>edit source</source>
-        <translation type="unfinished"></translation>
+        <translation>modifier la source</translation>
     </message>
     <message>
         <source>edit tags</source>
-        <translation type="unfinished"></translation>
+        <translation>modifier les mots-clés</translation>
     </message>
     <message>
         <source>enable %@</source>
-        <translation type="unfinished"></translation>
+        <translation>activer %@</translation>
     </message>
     <message>
         <source>enable live folders</source>
-        <translation type="unfinished"></translation>
+        <translation>activer des dossiers actifs</translation>
     </message>
     <message>
         <source>expected %@, found %@</source>
-        <translation type="unfinished"></translation>
+        <translation>attendu : %@, trouvé : %@</translation>
     </message>
     <message>
         <source>exported in part: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>exporté en partie : %@ : %@</translation>
     </message>
     <message>
         <source>extension</source>
-        <translation type="unfinished"></translation>
+        <translation>extension</translation>
     </message>
     <message>
         <source>files as they are keep their size; choose a --format to scale them</source>
-        <translation type="unfinished"></translation>
+        <translation>les fichiers tels quels gardent leur taille ; choisissez un --format pour les mettre à l’échelle</translation>
     </message>
     <message>
         <source>font</source>
-        <translation type="unfinished"></translation>
+        <translation>police</translation>
     </message>
     <message>
         <source>gone for good</source>
-        <translation type="unfinished"></translation>
+        <translation>définitivement supprimé</translation>
     </message>
     <message>
         <source>gray</source>
-        <translation type="unfinished"></translation>
+        <translation>gris</translation>
     </message>
     <message>
         <source>green</source>
-        <translation type="unfinished"></translation>
+        <translation>vert</translation>
     </message>
     <message>
         <source>icon</source>
-        <translation type="unfinished"></translation>
+        <translation>icône</translation>
     </message>
     <message>
         <source>icon … vector</source>
-        <translation type="unfinished"></translation>
+        <translation>icône … vectoriel</translation>
     </message>
     <message>
         <source>image</source>
-        <translation type="unfinished"></translation>
+        <translation>image</translation>
     </message>
     <message>
         <source>imported in part: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>importé en partie : %@ : %@</translation>
     </message>
     <message>
         <source>in trash</source>
-        <translation type="unfinished"></translation>
+        <translation>dans la corbeille</translation>
     </message>
     <message>
         <source>is a link and no folder of an item, and stays as it is: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>est un lien et non le dossier d’un élément, et reste tel quel : %@</translation>
     </message>
     <message>
         <source>is named like the folder of an item, in other letters, and stays as it is: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>porte le nom du dossier d’un élément, avec une autre casse, et reste tel quel : %@</translation>
     </message>
     <message>
         <source>it ends too early</source>
-        <translation type="unfinished"></translation>
+        <translation>il se termine trop tôt</translation>
     </message>
     <message>
         <source>it holds more than %d MB</source>
-        <translation type="unfinished"></translation>
+        <translation>il contient plus de %d Mo</translation>
     </message>
     <message>
         <source>it holds more than %d files</source>
-        <translation type="unfinished"></translation>
+        <translation>il contient plus de %d fichiers</translation>
     </message>
     <message>
         <source>it is a link</source>
-        <translation type="unfinished"></translation>
+        <translation>c’est un lien</translation>
     </message>
     <message>
         <source>it is no file that an import would leave</source>
-        <translation type="unfinished"></translation>
+        <translation>ce n’est pas un fichier qu’un import laisserait</translation>
     </message>
     <message>
         <source>it is no regular file</source>
-        <translation type="unfinished"></translation>
+        <translation>ce n’est pas un fichier ordinaire</translation>
     </message>
     <message>
         <source>it lies in more than %d other archives</source>
-        <translation type="unfinished"></translation>
+        <translation>il se trouve dans plus de %d autres archives</translation>
     </message>
     <message>
         <source>it lies too deep in folders</source>
-        <translation type="unfinished"></translation>
+        <translation>il se trouve trop profondément dans des dossiers</translation>
     </message>
     <message>
         <source>it needs too much memory</source>
-        <translation type="unfinished"></translation>
+        <translation>cela demande trop de mémoire</translation>
     </message>
     <message>
         <source>it took too long</source>
-        <translation type="unfinished"></translation>
+        <translation>cela a pris trop de temps</translation>
     </message>
     <message>
         <source>it was cancelled; the copied files stay, and the next `zelto sync` makes their items</source>
-        <translation type="unfinished"></translation>
+        <translation>annulé ; les fichiers copiés restent, et le prochain `zelto sync` crée leurs éléments</translation>
     </message>
     <message>
         <source>it was cancelled; the live folder is still there</source>
-        <translation type="unfinished"></translation>
+        <translation>annulé ; le dossier actif est toujours là</translation>
     </message>
     <message>
         <source>it was cancelled; what was changed before that stays so</source>
-        <translation type="unfinished"></translation>
+        <translation>annulé ; ce qui a été modifié avant le reste</translation>
     </message>
     <message>
         <source>it was cancelled; what was read before that stays in the library, and the next `zelto sync` goes on</source>
-        <translation type="unfinished"></translation>
+        <translation>annulé ; ce qui a été lu avant reste dans la bibliothèque, et le prochain `zelto sync` reprend la suite</translation>
     </message>
     <message>
         <source>it was given up</source>
@@ -6610,23 +6610,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>its content has changed</source>
-        <translation type="unfinished"></translation>
+        <translation>son contenu a changé</translation>
     </message>
     <message>
         <source>its content is more than %d times as large</source>
-        <translation type="unfinished"></translation>
+        <translation>son contenu est plus de %d fois plus grand</translation>
     </message>
     <message>
         <source>its end is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>sa fin est manquante</translation>
     </message>
     <message>
         <source>its name cannot be read</source>
-        <translation type="unfinished"></translation>
+        <translation>son nom est illisible</translation>
     </message>
     <message>
         <source>its name leads out of the archive</source>
-        <translation type="unfinished"></translation>
+        <translation>son nom mène hors de l’archive</translation>
     </message>
     <message>
         <source>keep a library of assets</source>
@@ -6634,75 +6634,75 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>kind</source>
-        <translation type="unfinished"></translation>
+        <translation>type</translation>
     </message>
     <message>
         <source>large</source>
-        <translation type="unfinished"></translation>
+        <translation>grand</translation>
     </message>
     <message>
         <source>last 7 days</source>
-        <translation type="unfinished"></translation>
+        <translation>7 derniers jours</translation>
     </message>
     <message>
         <source>live folders are not kept in step here</source>
-        <translation type="unfinished"></translation>
+        <translation>les dossiers actifs ne sont pas synchronisés ici</translation>
     </message>
     <message>
         <source>medium</source>
-        <translation type="unfinished"></translation>
+        <translation>moyen</translation>
     </message>
     <message>
         <source>missing</source>
-        <translation type="unfinished"></translation>
+        <translation>manquant</translation>
     </message>
     <message>
         <source>missing: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>manquant : %@ : %@</translation>
     </message>
     <message>
         <source>move export preset</source>
-        <translation type="unfinished"></translation>
+        <translation>déplacer un préréglage d’export</translation>
     </message>
     <message>
         <source>move items</source>
-        <translation type="unfinished"></translation>
+        <translation>déplacer des éléments</translation>
     </message>
     <message>
         <source>move sidebar items</source>
-        <translation type="unfinished"></translation>
+        <translation>déplacer des entrées de la barre latérale</translation>
     </message>
     <message>
         <source>name</source>
-        <translation type="unfinished"></translation>
+        <translation>nom</translation>
     </message>
     <message>
         <source>name at least one item, and after the items a rating from 0 to 5</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez au moins un élément, et après les éléments une note de 0 à 5</translation>
     </message>
     <message>
         <source>name at least one item, and after the items the text of the note</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez au moins un élément, et après les éléments le texte de la remarque</translation>
     </message>
     <message>
         <source>name the addresses of the images</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez les adresses des images</translation>
     </message>
     <message>
         <source>name the items to export, or write --in with a sidebar entry</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez les éléments à exporter, ou écrivez --in avec une entrée de la barre latérale</translation>
     </message>
     <message>
         <source>name the items to share, or write --in with a sidebar entry</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez les éléments à partager, ou écrivez --in avec une entrée de la barre latérale</translation>
     </message>
     <message>
         <source>name the page, as zelto snap web https://example.org</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez la page, par exemple zelto snap web https://example.org</translation>
     </message>
     <message>
         <source>name what to import, or write --resume or --forget</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez ce qu’il faut importer, ou écrivez --resume ou --forget</translation>
     </message>
     <message>
         <source>new</source>
@@ -6710,303 +6710,303 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>none</source>
-        <translation type="unfinished"></translation>
+        <translation>aucun</translation>
     </message>
     <message>
         <source>none of the images could be downloaded</source>
-        <translation type="unfinished"></translation>
+        <translation>aucune des images n’a pu être téléchargée</translation>
     </message>
     <message>
         <source>none of the items could be exported</source>
-        <translation type="unfinished"></translation>
+        <translation>aucun des éléments n’a pu être exporté</translation>
     </message>
     <message>
         <source>none of the items has a file to share</source>
-        <translation type="unfinished"></translation>
+        <translation>aucun des éléments n’a de fichier à partager</translation>
     </message>
     <message>
         <source>not</source>
-        <translation type="unfinished"></translation>
+        <translation>sauf</translation>
     </message>
     <message>
         <source>not available at the moment</source>
-        <translation type="unfinished"></translation>
+        <translation>indisponible pour le moment</translation>
     </message>
     <message>
         <source>not available for legal reasons</source>
-        <translation type="unfinished"></translation>
+        <translation>indisponible pour des raisons juridiques</translation>
     </message>
     <message>
         <source>not chosen</source>
-        <translation type="unfinished"></translation>
+        <translation>non choisi</translation>
     </message>
     <message>
         <source>not downloaded: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>non téléchargé : %@ : %@</translation>
     </message>
     <message>
         <source>not exported: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>non exporté : %@ : %@</translation>
     </message>
     <message>
         <source>not found</source>
-        <translation type="unfinished"></translation>
+        <translation>introuvable</translation>
     </message>
     <message>
         <source>not imported: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>non importé : %@ : %@</translation>
     </message>
     <message>
         <source>not imported: %d files: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>non importés : %d fichiers : %@</translation>
     </message>
     <message>
         <source>not shared: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>non partagé : %@ : %@</translation>
     </message>
     <message>
         <source>note: %@: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>remarque : %@ : %@</translation>
     </message>
     <message>
         <source>nothing</source>
-        <translation type="unfinished"></translation>
+        <translation>rien</translation>
     </message>
     <message>
         <source>nothing selected</source>
-        <translation type="unfinished"></translation>
+        <translation>aucune sélection</translation>
     </message>
     <message>
         <source>nothing was imported from “%@”, which nobody has agreed to yet. %@ Add --yes if you asked for this in the browser</source>
-        <translation type="unfinished"></translation>
+        <translation>rien n’a été importé depuis « %@ », que personne n’a encore approuvé. %@ Ajoutez --yes si vous l’avez demandé dans le navigateur</translation>
     </message>
     <message>
         <source>off</source>
-        <translation type="unfinished"></translation>
+        <translation>désactivé</translation>
     </message>
     <message>
         <source>open bracket</source>
-        <translation type="unfinished"></translation>
+        <translation>parenthèse ouvrante</translation>
     </message>
     <message>
         <source>or</source>
-        <translation type="unfinished"></translation>
+        <translation>ou</translation>
     </message>
     <message>
         <source>orange</source>
-        <translation type="unfinished"></translation>
+        <translation>orange</translation>
     </message>
     <message>
         <source>orig</source>
-        <translation type="unfinished"></translation>
+        <translation>orig</translation>
     </message>
     <message>
         <source>pink</source>
-        <translation type="unfinished"></translation>
+        <translation>rose</translation>
     </message>
     <message>
         <source>pixels</source>
-        <translation type="unfinished"></translation>
+        <translation>pixels</translation>
     </message>
     <message>
         <source>purple</source>
-        <translation type="unfinished"></translation>
+        <translation>violet</translation>
     </message>
     <message>
         <source>rate</source>
-        <translation type="unfinished"></translation>
+        <translation>noter</translation>
     </message>
     <message>
         <source>red</source>
-        <translation type="unfinished"></translation>
+        <translation>rouge</translation>
     </message>
     <message>
         <source>remove items</source>
-        <translation type="unfinished"></translation>
+        <translation>retirer des éléments</translation>
     </message>
     <message>
         <source>remove rating</source>
-        <translation type="unfinished"></translation>
+        <translation>retirer la note</translation>
     </message>
     <message>
         <source>rename '%@' in '%@'</source>
-        <translation type="unfinished"></translation>
+        <translation>renommer « %@ » en « %@ »</translation>
     </message>
     <message>
         <source>say which tags: --add TAG, --remove TAG, or both, each as often as needed</source>
-        <translation type="unfinished"></translation>
+        <translation>indiquez les mots-clés : --add TAG, --remove TAG, ou les deux, chacun aussi souvent que nécessaire</translation>
     </message>
     <message>
         <source>small</source>
-        <translation type="unfinished"></translation>
+        <translation>petit</translation>
     </message>
     <message>
         <source>somebody else removed the live folder meanwhile</source>
-        <translation type="unfinished"></translation>
+        <translation>quelqu’un d’autre a retiré le dossier actif entre-temps</translation>
     </message>
     <message>
         <source>text</source>
-        <translation type="unfinished"></translation>
+        <translation>texte</translation>
     </message>
     <message>
         <source>the Zelto that has the library “%@” open is at it; Ctrl+C stops it</source>
-        <translation type="unfinished"></translation>
+        <translation>le Zelto dans lequel la bibliothèque « %@ » est ouverte s’en occupe ; Ctrl+C l’arrête</translation>
     </message>
     <message>
         <source>the argument for %@ is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>l’argument de %@ est manquant</translation>
     </message>
     <message>
         <source>the argument for %@ is not a number</source>
-        <translation type="unfinished"></translation>
+        <translation>l’argument de %@ n’est pas un nombre</translation>
     </message>
     <message>
         <source>the conditions are nested too deeply</source>
-        <translation type="unfinished"></translation>
+        <translation>les conditions sont imbriquées trop profondément</translation>
     </message>
     <message>
         <source>the download was cancelled; nothing was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>le téléchargement a été annulé ; rien n’a été importé</translation>
     </message>
     <message>
         <source>the download was cancelled; what is listed was imported before that</source>
-        <translation type="unfinished"></translation>
+        <translation>le téléchargement a été annulé ; ce qui est listé a été importé avant</translation>
     </message>
     <message>
         <source>the end</source>
-        <translation type="unfinished"></translation>
+        <translation>la fin</translation>
     </message>
     <message>
         <source>the export was cancelled; nothing was written</source>
-        <translation type="unfinished"></translation>
+        <translation>l’export a été annulé ; rien n’a été écrit</translation>
     </message>
     <message>
         <source>the export was cancelled; what was written before that stays</source>
-        <translation type="unfinished"></translation>
+        <translation>l’export a été annulé ; ce qui a été écrit avant reste</translation>
     </message>
     <message>
         <source>the file is missing</source>
-        <translation type="unfinished"></translation>
+        <translation>le fichier est manquant</translation>
     </message>
     <message>
         <source>the import was cancelled; nothing was kept</source>
-        <translation type="unfinished"></translation>
+        <translation>l’import a été annulé ; rien n’a été conservé</translation>
     </message>
     <message>
         <source>the import was cancelled; what is listed was imported before that</source>
-        <translation type="unfinished"></translation>
+        <translation>l’import a été annulé ; ce qui est listé a été importé avant</translation>
     </message>
     <message>
         <source>the items can't be counted; `zelto verify` says what is wrong with the library</source>
-        <translation type="unfinished"></translation>
+        <translation>les éléments ne peuvent pas être comptés ; `zelto verify` dit ce qui ne va pas dans la bibliothèque</translation>
     </message>
     <message>
         <source>the library can't be opened</source>
-        <translation type="unfinished"></translation>
+        <translation>la bibliothèque ne peut pas être ouverte</translation>
     </message>
     <message>
         <source>the library could not be saved, so nothing was removed</source>
-        <translation type="unfinished"></translation>
+        <translation>la bibliothèque n’a pas pu être enregistrée ; rien n’a donc été supprimé</translation>
     </message>
     <message>
         <source>the library is not open</source>
-        <translation type="unfinished"></translation>
+        <translation>la bibliothèque n’est pas ouverte</translation>
     </message>
     <message>
         <source>the library is open in a window; quitting it purges</source>
-        <translation type="unfinished"></translation>
+        <translation>la bibliothèque est ouverte dans une fenêtre ; la purge se fait quand on quitte celle-ci</translation>
     </message>
     <message>
         <source>the list was given up</source>
-        <translation type="unfinished"></translation>
+        <translation>la liste a été abandonnée</translation>
     </message>
     <message>
         <source>the option c, d or cd</source>
-        <translation type="unfinished"></translation>
+        <translation>l’option c, d ou cd</translation>
     </message>
     <message>
         <source>the pattern is invalid: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>le motif n’est pas valide : %@</translation>
     </message>
     <message>
         <source>the preference “%@” is not set</source>
-        <translation type="unfinished"></translation>
+        <translation>la préférence « %@ » n’est pas définie</translation>
     </message>
     <message>
         <source>the request took too long</source>
-        <translation type="unfinished"></translation>
+        <translation>la requête a pris trop de temps</translation>
     </message>
     <message>
         <source>the request was refused</source>
-        <translation type="unfinished"></translation>
+        <translation>la requête a été refusée</translation>
     </message>
     <message>
         <source>the search was given up</source>
-        <translation type="unfinished"></translation>
+        <translation>la recherche a été abandonnée</translation>
     </message>
     <message>
         <source>the service gave no reason; try again later</source>
-        <translation type="unfinished"></translation>
+        <translation>le service n’a donné aucune raison ; réessayez plus tard</translation>
     </message>
     <message>
         <source>the tags can't be read; `zelto verify` says what is wrong with the library</source>
-        <translation type="unfinished"></translation>
+        <translation>les mots-clés sont illisibles ; `zelto verify` dit ce qui ne va pas dans la bibliothèque</translation>
     </message>
     <message>
         <source>the template “%@” became no asset: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>le modèle « %@ » n’a pas donné d’élément : %@</translation>
     </message>
     <message>
         <source>the type "NSDate"</source>
-        <translation type="unfinished"></translation>
+        <translation>le type « NSDate »</translation>
     </message>
     <message>
         <source>the upload was cancelled; nothing was shared</source>
-        <translation type="unfinished"></translation>
+        <translation>l’envoi a été annulé ; rien n’a été partagé</translation>
     </message>
     <message>
         <source>the upload was cancelled; the links above stay valid</source>
-        <translation type="unfinished"></translation>
+        <translation>l’envoi a été annulé ; les liens ci-dessus restent valables</translation>
     </message>
     <message>
         <source>the window asks whether to import the images</source>
-        <translation type="unfinished"></translation>
+        <translation>la fenêtre demande s’il faut importer les images</translation>
     </message>
     <message>
         <source>there are %d presets; the panel Quick export makes more</source>
-        <translation type="unfinished"></translation>
+        <translation>il y a %d préréglages ; le panneau « Export rapide » permet d’en créer d’autres</translation>
     </message>
     <message>
         <source>there are no items to export there; of a folder of projects name one of the projects</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a là aucun élément à exporter ; pour un dossier de projets, indiquez l’un des projets</translation>
     </message>
     <message>
         <source>there are no items to share there; of a folder of projects name one of the projects</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a là aucun élément à partager ; pour un dossier de projets, indiquez l’un des projets</translation>
     </message>
     <message>
         <source>there are no templates; put files whose names end in .zttemplate into “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de modèles ; placez dans « %@ » des fichiers dont le nom se termine par .zttemplate</translation>
     </message>
     <message>
         <source>there is no file or folder “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a ni fichier ni dossier « %@ »</translation>
     </message>
     <message>
         <source>there is no file “%@”</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de fichier « %@ »</translation>
     </message>
     <message>
         <source>there is no item “%@”; name it by its bundleID, its SHA1 or a path inside the library</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas d’élément « %@ » ; désignez-le par son bundleID, son SHA1 ou un chemin dans la bibliothèque</translation>
     </message>
     <message>
         <source>there is no library database “%@”; name the library with --library, or put back a copy from a backup</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de base de données de bibliothèque « %@ » ; indiquez la bibliothèque avec --library, ou remettez en place une copie issue d’une sauvegarde</translation>
     </message>
     <message>
         <source>there is no preference “%@”; `zelto defaults read` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de préférence « %@ » ; `zelto defaults read` les liste</translation>
     </message>
     <message>
         <source>there is no report of a crash</source>
@@ -7014,135 +7014,135 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>there is no service “%@”; there are %@</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de service « %@ » ; il y a %@</translation>
     </message>
     <message>
         <source>there is no sidebar entry “%@”; `zelto sidebar` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas d’entrée « %@ » dans la barre latérale ; `zelto sidebar` les liste</translation>
     </message>
     <message>
         <source>there is no tag “%@”; `zelto tags` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de mot-clé « %@ » ; `zelto tags` les liste</translation>
     </message>
     <message>
         <source>there is no template “%@”; there are: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a pas de modèle « %@ » ; il y a : %@</translation>
     </message>
     <message>
         <source>there is nothing to search for; give a text</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a rien à rechercher ; donnez un texte</translation>
     </message>
     <message>
         <source>there is nothing to search for; give a text behind the title</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a rien à rechercher ; donnez un texte après le titre</translation>
     </message>
     <message>
         <source>this library has no entry “Library”; `zelto verify` checks it</source>
-        <translation type="unfinished"></translation>
+        <translation>cette bibliothèque n’a pas d’entrée « Library » ; `zelto verify` la contrôle</translation>
     </message>
     <message>
         <source>this library has no entry “PROJECTS”; `zelto verify` checks it</source>
-        <translation type="unfinished"></translation>
+        <translation>cette bibliothèque n’a pas d’entrée « PROJECTS » ; `zelto verify` la contrôle</translation>
     </message>
     <message>
         <source>this month</source>
-        <translation type="unfinished"></translation>
+        <translation>ce mois-ci</translation>
     </message>
     <message>
         <source>this process takes no pictures of pages</source>
-        <translation type="unfinished"></translation>
+        <translation>ce processus ne prend pas d’images de pages</translation>
     </message>
     <message>
         <source>this process takes no pictures of the screen</source>
-        <translation type="unfinished"></translation>
+        <translation>ce processus ne prend pas d’images de l’écran</translation>
     </message>
     <message>
         <source>this program was built without a window</source>
-        <translation type="unfinished"></translation>
+        <translation>ce programme a été construit sans fenêtre</translation>
     </message>
     <message>
         <source>this year</source>
-        <translation type="unfinished"></translation>
+        <translation>cette année</translation>
     </message>
     <message>
         <source>today</source>
-        <translation type="unfinished"></translation>
+        <translation>aujourd’hui</translation>
     </message>
     <message>
         <source>too many requests</source>
-        <translation type="unfinished"></translation>
+        <translation>trop de requêtes</translation>
     </message>
     <message>
         <source>unrated</source>
-        <translation type="unfinished"></translation>
+        <translation>sans note</translation>
     </message>
     <message>
         <source>vector</source>
-        <translation type="unfinished"></translation>
+        <translation>vectoriel</translation>
     </message>
     <message>
         <source>video</source>
-        <translation type="unfinished"></translation>
+        <translation>vidéo</translation>
     </message>
     <message>
         <source>waiting for another Zelto, which works on the library “%@”; Ctrl+C ends the waiting</source>
-        <translation type="unfinished"></translation>
+        <translation>en attente d’un autre Zelto qui travaille sur la bibliothèque « %@ » ; Ctrl+C met fin à l’attente</translation>
     </message>
     <message>
         <source>waiting for the Zelto that has the library “%@” open, which does something else first; Ctrl+C ends the waiting</source>
-        <translation type="unfinished"></translation>
+        <translation>en attente du Zelto dans lequel la bibliothèque « %@ » est ouverte, et qui fait d’abord autre chose ; Ctrl+C met fin à l’attente</translation>
     </message>
     <message>
         <source>what unpacks it stopped</source>
-        <translation type="unfinished"></translation>
+        <translation>le programme de décompression s’est arrêté</translation>
     </message>
     <message>
         <source>what was sent is too large</source>
-        <translation type="unfinished"></translation>
+        <translation>ce qui a été envoyé est trop grand</translation>
     </message>
     <message>
         <source>white</source>
-        <translation type="unfinished"></translation>
+        <translation>blanc</translation>
     </message>
     <message>
         <source>yellow</source>
-        <translation type="unfinished"></translation>
+        <translation>jaune</translation>
     </message>
     <message>
         <source>yesterday</source>
-        <translation type="unfinished"></translation>
+        <translation>hier</translation>
     </message>
     <message>
         <source>“%@” and %d others</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » et %d autres</translation>
     </message>
     <message>
         <source>“%@” and one other</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » et un autre</translation>
     </message>
     <message>
         <source>“%@” answered without a link.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a répondu sans lien.</translation>
     </message>
     <message>
         <source>“%@” appears twice.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » apparaît deux fois.</translation>
     </message>
     <message>
         <source>“%@” became shorter.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a raccourci.</translation>
     </message>
     <message>
         <source>“%@” can only be reached unencrypted. Use an address that begins with https.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est accessible que sans chiffrement. Utilisez une adresse qui commence par https.</translation>
     </message>
     <message>
         <source>“%@” can't be opened.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être ouvert.</translation>
     </message>
     <message>
         <source>“%@” can't be read as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être lu comme une image.</translation>
     </message>
     <message>
         <source>“%@” can't be read. Remove it, and try again.</source>
@@ -7158,99 +7158,99 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” cannot be a folder on a server.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être un dossier sur un serveur.</translation>
     </message>
     <message>
         <source>“%@” cannot be copied into itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être copié dans lui-même.</translation>
     </message>
     <message>
         <source>“%@” cannot be copied into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être copié dans le dossier actif.</translation>
     </message>
     <message>
         <source>“%@” cannot be deleted.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être supprimé.</translation>
     </message>
     <message>
         <source>“%@” cannot be found. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est introuvable. %@</translation>
     </message>
     <message>
         <source>“%@” cannot be moved back.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être remis à sa place.</translation>
     </message>
     <message>
         <source>“%@” cannot be put into the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être placé dans le dossier actif.</translation>
     </message>
     <message>
         <source>“%@” cannot be read. Allow reading it first.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est illisible. Autorisez d’abord sa lecture.</translation>
     </message>
     <message>
         <source>“%@” cannot be restored.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être restauré.</translation>
     </message>
     <message>
         <source>“%@” cannot be set as a header.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être défini comme en-tête.</translation>
     </message>
     <message>
         <source>“%@” cannot be unpacked, since it is damaged or no archive (%@). Get it once more, or unpack it with another program and import what it holds.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être décompressé, car il est endommagé ou n’est pas une archive (%@). Procurez-vous-le de nouveau, ou décompressez-le avec un autre programme et importez son contenu.</translation>
     </message>
     <message>
         <source>“%@” cannot be written: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être écrit : %@</translation>
     </message>
     <message>
         <source>“%@” changed while it was being copied. Close it in other programs and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a changé pendant sa copie. Fermez-le dans les autres programmes et réessayez.</translation>
     </message>
     <message>
         <source>“%@” changed while it was sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a changé pendant son envoi.</translation>
     </message>
     <message>
         <source>“%@” compares nothing; leave “%@” away.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne compare rien ; omettez « %@ ».</translation>
     </message>
     <message>
         <source>“%@” could not be imported: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas pu être importé : %@</translation>
     </message>
     <message>
         <source>“%@” could not be written</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas pu être écrit</translation>
     </message>
     <message>
         <source>“%@” did not come from the other program. Save it there as a file, and drop that here.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas arrivé de l’autre programme. Enregistrez-le là-bas dans un fichier et déposez celui-ci ici.</translation>
     </message>
     <message>
         <source>“%@” does not answer. Try again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne répond pas. Réessayez plus tard.</translation>
     </message>
     <message>
         <source>“%@” does not take this: it goes to the library</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’accepte pas cela : ce sera placé dans la bibliothèque</translation>
     </message>
     <message>
         <source>“%@” exists already</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » existe déjà</translation>
     </message>
     <message>
         <source>“%@” has a file of that name already, which was left as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » contient déjà un fichier de ce nom, qui a été laissé tel quel.</translation>
     </message>
     <message>
         <source>“%@” has them already</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » les contient déjà</translation>
     </message>
     <message>
         <source>“%@” has these keys.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » utilise déjà ces touches.</translation>
     </message>
     <message>
         <source>“%@” holds no picture yet</source>
@@ -7258,83 +7258,83 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” holds no smart folders; name PROJECTS or a folder in it</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne contient pas de dossiers intelligents ; indiquez PROJECTS ou un dossier qui s’y trouve</translation>
     </message>
     <message>
         <source>“%@” holds nothing that can be an asset</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne contient rien qui puisse devenir un élément</translation>
     </message>
     <message>
         <source>“%@” holds too many files named “%@”. Rename it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » contient trop de fichiers nommés « %@ ». Renommez-le et réessayez.</translation>
     </message>
     <message>
         <source>“%@” in the library belongs to no item and could not be taken back.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ », dans la bibliothèque, n’appartient à aucun élément et n’a pas pu être repris.</translation>
     </message>
     <message>
         <source>“%@” in the title, the notes, the extension or a tag</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » dans le titre, les remarques, l’extension ou un mot-clé</translation>
     </message>
     <message>
         <source>“%@” is a file to download and no page. Import the file instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est un fichier à télécharger et non une page. Importez plutôt le fichier.</translation>
     </message>
     <message>
         <source>“%@” is a file; give a folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est un fichier ; indiquez un dossier.</translation>
     </message>
     <message>
         <source>“%@” is a folder on the disk. It goes from here when it goes from there.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est un dossier du disque. Il disparaît d’ici lorsqu’il disparaît de là-bas.</translation>
     </message>
     <message>
         <source>“%@” is a library that another Zelto has open.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est une bibliothèque ouverte dans un autre Zelto.</translation>
     </message>
     <message>
         <source>“%@” is a part of another live folder; remove that one, or move the folder elsewhere on the disk</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » fait partie d’un autre dossier actif ; retirez celui-ci, ou déplacez le dossier ailleurs sur le disque</translation>
     </message>
     <message>
         <source>“%@” is among the live folders already.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » fait déjà partie des dossiers actifs.</translation>
     </message>
     <message>
         <source>“%@” is another folder than before. Items whose files are not in it leave the library and their projects. If only its drive is not connected, connect that instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est un autre dossier qu’auparavant. Les éléments dont les fichiers n’y sont pas quittent la bibliothèque et leurs projets. Si seul son disque n’est pas connecté, connectez-le plutôt.</translation>
     </message>
     <message>
         <source>“%@” is damaged: only a part of the picture is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est endommagé : il ne reste qu’une partie de l’image.</translation>
     </message>
     <message>
         <source>“%@” is deleted; bring it back with `zelto restore %@`, then try again</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est supprimé ; récupérez-le avec `zelto restore %@`, puis réessayez</translation>
     </message>
     <message>
         <source>“%@” is disabled. Enable it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est désactivé. Activez-le et réessayez.</translation>
     </message>
     <message>
         <source>“%@” is disabled; enable it in the window first</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est désactivé ; activez-le d’abord dans la fenêtre</translation>
     </message>
     <message>
         <source>“%@” is empty. Connect its drive, put files into it first, or remove the live folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est vide. Connectez son disque, placez-y d’abord des fichiers, ou retirez le dossier actif.</translation>
     </message>
     <message>
         <source>“%@” is in the library itself. Choose a folder outside it.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » se trouve dans la bibliothèque elle-même. Choisissez un dossier en dehors.</translation>
     </message>
     <message>
         <source>“%@” is in the trash.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est dans la corbeille.</translation>
     </message>
     <message>
         <source>“%@” is incomplete: only a part of it can be drawn</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est incomplet : seule une partie peut en être dessinée</translation>
     </message>
     <message>
         <source>“%@” is inside a library.</source>
@@ -7342,135 +7342,135 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is inside the library itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » se trouve à l’intérieur de la bibliothèque elle-même.</translation>
     </message>
     <message>
         <source>“%@” is larger than such a file can be.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est plus grand qu’un tel fichier ne peut l’être.</translation>
     </message>
     <message>
         <source>“%@” is looked through for the first time. What is found comes here.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est parcouru pour la première fois. Ce qui y est trouvé arrive ici.</translation>
     </message>
     <message>
         <source>“%@” is looked through.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est en cours d’examen.</translation>
     </message>
     <message>
         <source>“%@” is missing.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est manquant.</translation>
     </message>
     <message>
         <source>“%@” is neither a command nor a file; `zelto --help` lists the commands</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est ni une commande ni un fichier ; `zelto --help` liste les commandes</translation>
     </message>
     <message>
         <source>“%@” is neither a command nor a file; did you mean `zelto %@`?</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est ni une commande ni un fichier ; vouliez-vous dire `zelto %@` ?</translation>
     </message>
     <message>
         <source>“%@” is neither a file nor a folder, so it cannot be copied.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est ni un fichier ni un dossier et ne peut donc pas être copié.</translation>
     </message>
     <message>
         <source>“%@” is no Zelto library.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une bibliothèque Zelto.</translation>
     </message>
     <message>
         <source>“%@” is no address of a web page.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas l’adresse d’une page web.</translation>
     </message>
     <message>
         <source>“%@” is no address of an image on the web, so nothing was imported</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas l’adresse d’une image du web ; rien n’a donc été importé</translation>
     </message>
     <message>
         <source>“%@” is no address of the web.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une adresse web.</translation>
     </message>
     <message>
         <source>“%@” is no address that Zelto knows; there are zelto:import: and zelto:snap:</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une adresse connue de Zelto ; il y a zelto:import: et zelto:snap:</translation>
     </message>
     <message>
         <source>“%@” is no color; there are %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une couleur ; il y a %@.</translation>
     </message>
     <message>
         <source>“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une date ; écrivez-la 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday ou 7d.</translation>
     </message>
     <message>
         <source>“%@” is no file and no folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est ni un fichier ni un dossier.</translation>
     </message>
     <message>
         <source>“%@” is no file, but a folder, a pipe or a device.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas un fichier, mais un dossier, un tube ou un périphérique.</translation>
     </message>
     <message>
         <source>“%@” is no live folder; `zelto livefolders` lists them</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas un dossier actif ; `zelto livefolders` les liste</translation>
     </message>
     <message>
         <source>“%@” is no page of the web, so nothing was taken from it. Only pages whose address begins with http or https can be.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une page du web ; rien n’en a donc été repris. Seules les pages dont l’adresse commence par http ou https peuvent l’être.</translation>
     </message>
     <message>
         <source>“%@” is no rating; the last argument is a number from 0 (none) to 5</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une note ; le dernier argument est un nombre de 0 (aucune) à 5</translation>
     </message>
     <message>
         <source>“%@” is no size class; there are %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une classe de taille ; il y a %@.</translation>
     </message>
     <message>
         <source>“%@” is no size; write it as 1280x800</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une taille ; écrivez-la 1280x800</translation>
     </message>
     <message>
         <source>“%@” is no size; write it in pixels as 1920x1080</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une taille ; écrivez-la en pixels, par exemple 1920x1080</translation>
     </message>
     <message>
         <source>“%@” is no smart folder; `zelto sidebar` shows them with their text</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas un dossier intelligent ; `zelto sidebar` les affiche avec leur texte</translation>
     </message>
     <message>
         <source>“%@” is no value for %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une valeur pour %@</translation>
     </message>
     <message>
         <source>“%@” is no value for %@; it is now %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une valeur pour %@ ; la valeur actuelle est %@</translation>
     </message>
     <message>
         <source>“%@” is no value.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une valeur.</translation>
     </message>
     <message>
         <source>“%@” is no web page: only addresses with http and https can be captured.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas une page web : seules les adresses en http et https peuvent être capturées.</translation>
     </message>
     <message>
         <source>“%@” is no whole number.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas un nombre entier.</translation>
     </message>
     <message>
         <source>“%@” is none of the templates</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne fait pas partie des modèles</translation>
     </message>
     <message>
         <source>“%@” is not known. Check how it is spelled.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas connu. Vérifiez l’orthographe.</translation>
     </message>
     <message>
         <source>“%@” is not the address of a server. Enter one like https://example.org.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas l’adresse d’un serveur. Saisissez une adresse comme https://example.org.</translation>
     </message>
     <message>
         <source>“%@” is not the name of a header.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas le nom d’un en-tête.</translation>
     </message>
     <message>
         <source>“%@” is not the same in the backup as in the library.</source>
@@ -7478,31 +7478,31 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is not there now. Look whether its disk is there, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas là pour le moment. Vérifiez que son disque est présent et réessayez.</translation>
     </message>
     <message>
         <source>“%@” is on this computer or in its own network.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » se trouve sur cet ordinateur ou dans son propre réseau.</translation>
     </message>
     <message>
         <source>“%@” is one of the layers: choose another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est l’un des calques : choisissez un autre nom.</translation>
     </message>
     <message>
         <source>“%@” is out of reach.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est hors d’atteinte.</translation>
     </message>
     <message>
         <source>“%@” is out of reach; its items are kept. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est hors d’atteinte ; ses éléments sont conservés. %@</translation>
     </message>
     <message>
         <source>“%@” is protected by a password (“%@” in it is encrypted). Unpack it yourself and import what it holds.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est protégé par un mot de passe (« %@ » y est chiffré). Décompressez-le vous-même et importez son contenu.</translation>
     </message>
     <message>
         <source>“%@” is protected by a password. Unpack it yourself and import what it holds.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est protégé par un mot de passe. Décompressez-le vous-même et importez son contenu.</translation>
     </message>
     <message>
         <source>“%@” is there already; with --force it is replaced</source>
@@ -7510,183 +7510,183 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is too large for Imgur, which takes files of up to %d MB.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est trop grand pour Imgur, qui accepte des fichiers jusqu’à %d Mo.</translation>
     </message>
     <message>
         <source>“%@” joins nothing; what it joins stands before and behind it.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne relie rien ; ce qu’il relie se place avant et après lui.</translation>
     </message>
     <message>
         <source>“%@” leads to %@, which is on this computer or in its own network. Type that address to capture it.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » mène à %@, qui se trouve sur cet ordinateur ou dans son propre réseau. Saisissez cette adresse pour la capturer.</translation>
     </message>
     <message>
         <source>“%@” leaves out nothing; what it leaves out stands behind it.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’exclut rien ; ce qu’il exclut se place après lui.</translation>
     </message>
     <message>
         <source>“%@” must be a text of 1 to %d characters.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » doit être un texte de 1 à %d caractères.</translation>
     </message>
     <message>
         <source>“%@” must be a text.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » doit être un texte.</translation>
     </message>
     <message>
         <source>“%@” must be names with texts in “{” and “}”, at most %d.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » doit contenir entre « { » et « } » des noms avec des textes, au plus %d.</translation>
     </message>
     <message>
         <source>“%@” needs a value for “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a besoin d’une valeur pour « %@ ».</translation>
     </message>
     <message>
         <source>“%@” of “%@” is not known any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » de « %@ » n’est plus connu.</translation>
     </message>
     <message>
         <source>“%@” says no place: write FILE@X,Y or FILE@X,Y,OPACITY,NAME with whole numbers and an opacity from 0 to 1</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’indique pas d’emplacement : écrivez FILE@X,Y ou FILE@X,Y,OPACITY,NAME avec des nombres entiers et une opacité de 0 à 1</translation>
     </message>
     <message>
         <source>“%@” sends what you share to %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » envoie ce que vous partagez à %@.</translation>
     </message>
     <message>
         <source>“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne définit rien ; écrivez --set KEY=VALUE avec un attribut comme license, notes ou webURL</translation>
     </message>
     <message>
         <source>“%@” stays as it is.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » reste tel quel.</translation>
     </message>
     <message>
         <source>“%@” stays as it is. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » reste tel quel. %@</translation>
     </message>
     <message>
         <source>“%@” stays as it is: items whose files are not in it would leave the library. With --yes they do</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » reste tel quel : des éléments dont les fichiers n’y sont pas quitteraient la bibliothèque. Avec --yes, ils la quittent</translation>
     </message>
     <message>
         <source>“%@” stays where it is on the disk. Move the folder there.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » reste à sa place sur le disque. Déplacez le dossier là-bas.</translation>
     </message>
     <message>
         <source>“%@” stays where it was copied to.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » reste là où il a été copié.</translation>
     </message>
     <message>
         <source>“%@” takes no files. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’accepte pas de fichiers. %@</translation>
     </message>
     <message>
         <source>“%@” takes no files. Import it into the library, a project or a tag.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’accepte pas de fichiers. Importez-le dans la bibliothèque, un projet ou un mot-clé.</translation>
     </message>
     <message>
         <source>“%@” takes no templates. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’accepte pas de modèles. %@</translation>
     </message>
     <message>
         <source>“%@” waits for its turn to be looked through. What is found comes here.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » attend son tour d’être parcouru. Ce qui y est trouvé arrive ici.</translation>
     </message>
     <message>
         <source>“%@” was changed meanwhile. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été modifié entre-temps. Réessayez.</translation>
     </message>
     <message>
         <source>“%@” was changed while it was moved. Compare both, and delete the one you do not need.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été modifié pendant son déplacement. Comparez les deux et supprimez celui dont vous n’avez pas besoin.</translation>
     </message>
     <message>
         <source>“%@” was changed while it was uploaded.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été modifié pendant son envoi.</translation>
     </message>
     <message>
         <source>“%@” was copied, but its original stays where it was.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été copié, mais son original reste où il était.</translation>
     </message>
     <message>
         <source>“%@” was copied, but may not be safe on the disk. Its original stays where it was.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été copié, mais n’est peut-être pas en sécurité sur le disque. Son original reste où il était.</translation>
     </message>
     <message>
         <source>“%@” was imported in part: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été importé en partie : %@</translation>
     </message>
     <message>
         <source>“%@” was not added. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas été ajouté. %@</translation>
     </message>
     <message>
         <source>“%@” was not copied. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas été copié. %@</translation>
     </message>
     <message>
         <source>“%@” was not exported. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas été exporté. %@</translation>
     </message>
     <message>
         <source>“%@” was not rated: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas été noté : %@</translation>
     </message>
     <message>
         <source>“%@” was not unpacked: %@. If you trust it, unpack it yourself and import what it holds, or raise the limit with `zelto defaults`.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas été décompressé : %@. Si vous lui faites confiance, décompressez-le vous-même et importez son contenu, ou relevez la limite avec `zelto defaults`.</translation>
     </message>
     <message>
         <source>“%@” was put into the trash</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été mis à la corbeille</translation>
     </message>
     <message>
         <source>“%@” was written with %d layers</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été écrit avec %d calques</translation>
     </message>
     <message>
         <source>“%@” was written with one layer</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été écrit avec un calque</translation>
     </message>
     <message>
         <source>“%@” was written without what can't be read as a picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été écrit sans ce qui ne peut pas être lu comme une image.</translation>
     </message>
     <message>
         <source>“%@” was written, but pictures in it are incomplete.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été écrit, mais des images qu’il contient sont incomplètes.</translation>
     </message>
     <message>
         <source>“%@”: %@ There are %d more notes like this.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » : %@ Il y a encore %d remarques de ce genre.</translation>
     </message>
     <message>
         <source>“==” compares nothing here; write it behind a token, as #width=100.</source>
-        <translation type="unfinished"></translation>
+        <translation>« == » ne compare rien ici ; écrivez-le après un token, comme #width=100.</translation>
     </message>
     <message>
         <source>“file” is missing: the name of the form field for the file.</source>
-        <translation type="unfinished"></translation>
+        <translation>« file » est manquant : le nom du champ de formulaire pour le fichier.</translation>
     </message>
     <message>
         <source>“final” is true.</source>
-        <translation type="unfinished"></translation>
+        <translation>« final » vaut true.</translation>
     </message>
     <message>
         <source>“format” is missing; it is 1.</source>
-        <translation type="unfinished"></translation>
+        <translation>« format » est manquant ; c’est 1.</translation>
     </message>
     <message>
         <source>“link” must hold one of “pointer”, “header”, “final”, or both “before” and “after”.</source>
-        <translation type="unfinished"></translation>
+        <translation>« link » doit contenir l’un des champs « pointer », « header », « final », ou à la fois « before » et « after ».</translation>
     </message>
     <message>
         <source>“raw” is true, or left out.</source>
-        <translation type="unfinished"></translation>
+        <translation>« raw » vaut true, ou est omis.</translation>
     </message>
     <message>
         <source>“{” and “}” stand only around a secret: {secret:NAME}, with letters, digits, “-” and “_” in its name.</source>
-        <translation type="unfinished"></translation>
+        <translation>« { » et « } » n’entourent qu’un secret : {secret:NAME}, avec des lettres, des chiffres, « - » et « _ » dans son nom.</translation>
     </message>
 </context>
 </TS>
