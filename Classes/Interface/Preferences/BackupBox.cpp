@@ -102,7 +102,7 @@ void BackupBox::chooseDirectory()
     FileChoice choice;
     choice.title = zqLocalized("Please choose the folder for backups");
     choice.prompt = zqLocalized("Choose");
-    choice.name = BackupSchedule::directory();
+    choice.startFolder = BackupSchedule::directory();
     choice.directory = true;
     const QStringList chosen = m_delegate.userInteraction().chooseFilesToOpen(choice);
     if (chosen.isEmpty()) {

@@ -85,7 +85,8 @@ void CrashReportSheet::save()
 {
     const auto path = m_user.chooseFileToSave({.title = zqLocalized("Save Report"),
                                                .prompt = zqLocalized("Save"),
-                                               .name = QStringLiteral("Zelto crash report.txt"),
+                                               .suggestedName = QStringLiteral("Zelto crash report.txt"),
+                                               .startFolder = {},
                                                .extensions = {QStringLiteral("txt")}});
     ZQError error;
     if (path && !writeNew(*path, m_text.toUtf8(), &error)) {
