@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Kit/Persistence/ZQObjectID.h"
+
+#include <QList>
 #include <QStringList>
 
 #include <functional>
@@ -11,11 +14,12 @@ class ZQManagedObjectContext;
 struct LibraryFindings
 {
     qint64 items = 0;
-    bool isWhole = true;    // false: stopped on the way
-    QStringList problems;   // what is wrong, a sentence each
-    QStringList orphans;    // item directories that no item names
-    QStringList otherNames; // they differ from those of items in their letters alone
-    QStringList links;      // in the place of item directories
+    bool isWhole = true;        // false: stopped on the way
+    QStringList problems;       // what is wrong, a sentence each
+    QStringList orphans;        // item directories that no item names
+    QStringList otherNames;     // they differ from those of items in their letters alone
+    QStringList links;          // in the place of item directories
+    QList<ZQObjectID> misnamed; // items whose file lies in their directory under another name; a problem each
 
     QStringList lines() const; // for a person
 };

@@ -8,6 +8,7 @@
 #include "Classes/Editing/LiveFolderEdits.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/DuplicateAnswer.h"
 #include "Classes/Import/ForLiveFolder.h"
 #include "Classes/Import/ImportErrors.h"
@@ -35,7 +36,7 @@ std::optional<QString> addMetadata(const QString &setting, QVariantMap &metadata
     const QString key = setting.left(equals);
     const ZQEntityDescription *entity = zqCurrentModel()->entity(ZQLibraryBaseItem::entityName());
     const ZQAttributeDescription *attribute = equals > 0 ? entity->attribute(key) : nullptr;
-    if (!attribute || attribute->type == ZQAttributeType::Binary) {
+    if (!attribute || attribute->type == ZQAttributeType::Binary || BaseImportOperation::isFoundOut(key)) {
         return zqFormat(
             zqLocalized("“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL"),
             {setting});
