@@ -41,7 +41,11 @@ int askWhatToDo(const QString &advice, const QString &reason, const std::shared_
     question.buttons = {zqLocalized("Try Again"), zqLocalized("Discard"), zqLocalized("Keep in Pictures")};
     question.withdrawal = withdrawal;
     tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
-    return delegate ? delegate->userInteraction().ask(question) : Keep;
+    if (!delegate) {
+        return Keep;
+    }
+    delegate->reopenMainWindow(); // or nobody sees it who captures another program
+    return delegate->userInteraction().ask(question);
 }
 
 bool writeNewPNG(const QImage &image, const QString &path, ZQError *error)

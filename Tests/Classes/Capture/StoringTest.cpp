@@ -428,10 +428,11 @@ TEST_F(StoringTest, AWebPageKeepsItsAddressAndTitle)
 {
     const QString file = path(QStringLiteral("TMPDIR/page.png"));
     ASSERT_TRUE(picture(Qt::green).save(file));
-    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A \n page "), note());
+    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A / \n page: 1 "), note());
     waitForOutcomes(1);
     ASSERT_EQ(screenshots().size(), 1);
-    EXPECT_EQ(screenshots().first()->title(), QStringLiteral("A page"));
+    EXPECT_EQ(screenshots().first()->title(), QStringLiteral("A - page: 1"));
+    EXPECT_TRUE(QFileInfo::exists(screenshots().first()->itemURL()));
     EXPECT_EQ(screenshots().first()->webPageURL(), QStringLiteral("https://example.org/a"));
 }
 
