@@ -240,18 +240,16 @@ int copyIntoLiveFolder(const QStringList &given, const ZQObjectID &folder, const
     return manager ? zqAfterLiveFolders(*manager, {folder}, context, report) : report(context, false);
 }
 
-void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
-{
-    operation->cancel();
-    std::for_each(operation->followUps().begin(), operation->followUps().end(), cancelWholly);
-}
-
 // Waits for the imports and all that follows from them.
 int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operations, CommandContext &context)
 {
     const AbandonWatch watch(context, [&] {
-        context.delegate->userInteraction().dismissQuestions();
-        std::for_each(operations.begin(), operations.end(), cancelWholly);
+        const bool mayAsk = std::any_of(operations.begin(), operations.end(),
+                                        [](const auto &operation) { return operation->isAnyRunning(); });
+        std::for_each(operations.begin(), operations.end(), [](const auto &operation) { operation->cancelWholly(); });
+        if (mayAsk) { // not a question about what somebody else imports
+            context.delegate->userInteraction().dismissQuestions();
+        }
     });
     zqRunMainLoopUntil(
         [&] {
