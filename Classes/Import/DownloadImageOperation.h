@@ -57,6 +57,7 @@ private:
     QString freePath(const QString &name) const;
     void fixExtension(QString &path, const QString &contentType) const;
     void massDownloadEnded();
+    QString titleOfNewProject() const;
     ZQObjectID newProject() const;
     void finish();
 
