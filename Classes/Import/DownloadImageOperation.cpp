@@ -231,7 +231,7 @@ void DownloadImageOperation::massDownloadEnded()
             }
         };
     }
-    m_folder->keep(); // the import takes the files from there, also after a restart
+    request.holder = std::move(m_folder); // the import takes the files from there, also after a restart
     m_importOperation = m_owner.startImport(request);
 }
 

@@ -440,6 +440,11 @@ TEST_F(AnswersTest, PreferencesAreValuesOfTheirType)
         {"Mine", "1,2", "1,2"},
     };
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n") << "the default";
+    EXPECT_EQ(run("defaults write UseDarkIU true"), 0);
+    EXPECT_TRUE(context.errors.contains("“UseDarkIU”")) << context.errors.constData();
+    EXPECT_EQ(run("defaults delete UseDarkIU"), 0);
+    EXPECT_EQ(run("defaults write UseDarkUI true"), 0);
+    EXPECT_TRUE(context.errors.isEmpty()) << context.errors.constData();
     for (const Case &each : cases) {
         int flushes = 0;
         int status = 0;

@@ -143,6 +143,7 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
 
 TEST_F(DownloadImageTest, ImagesThatAreThereAskWithTheirAddressAndACancelTakesTheNewProjectBack)
 {
+    const QSet<QString> folders = temporaryFolders();
     servePicture("/pic.png");
     const QString pic = server.address(QStringLiteral("/pic.png"));
     download({pic});
@@ -159,6 +160,7 @@ TEST_F(DownloadImageTest, ImagesThatAreThereAskWithTheirAddressAndACancelTakesTh
     EXPECT_EQ(projectTitles().last(), QStringLiteral("Página"));
     EXPECT_EQ(projectsLabel()->orderedChildren().last()->numberOfItems(), 1);
     EXPECT_EQ(items().size(), 1);
+    EXPECT_TRUE((temporaryFolders() - folders).isEmpty());
 }
 
 TEST_F(DownloadImageTest, ImagesOfOneBareNameAllCome)
