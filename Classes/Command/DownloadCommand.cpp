@@ -9,7 +9,6 @@
 #include "Classes/Import/ImportOperation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
-#include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QJsonArray>
@@ -97,24 +96,20 @@ void printText(const DownloadImageOperation &download, const QStringList &import
     }
 }
 
-void tellOfMissingPage(const DownloadImageOperation &download, CommandContext &context)
+void tellOfMissingPage(CommandContext &context)
 {
-    const auto isRefused = [](const DownloadImageOperation::Failure &failure) {
-        return zqIsNetworkError(failure.error, ZQNetworkErrorCode::NotAllowed);
-    };
-    if (download.pageUrl().isEmpty() &&
-        std::any_of(download.failures().begin(), download.failures().end(), isRefused)) {
-        context.errors += "zelto: " +
-                          zqLocalized("images on this computer or in its own network come only for a page that is "
-                                      "there, too: write --page with its address, as --page http://127.0.0.1/")
-                              .toUtf8() +
-                          '\n';
-    }
+    context.errors += "zelto: " +
+                      zqLocalized("images on this computer or in its own network come only for a page that is "
+                                  "there, too: write --page with its address, as --page http://127.0.0.1/")
+                          .toUtf8() +
+                      '\n';
 }
 
 int report(const DownloadImageOperation &download, CommandContext &context)
 {
-    tellOfMissingPage(download, context);
+    if (download.lacksPage()) {
+        tellOfMissingPage(context);
+    }
     QStringList imported;
     QList<DroppedFile> dropped;
     bool isCancelled = download.isCancelled();

@@ -241,6 +241,13 @@ void DownloadImageOperation::finish()
     m_folder.reset();
 }
 
+bool DownloadImageOperation::lacksPage() const
+{
+    return pageUrl().isEmpty() && std::any_of(m_failures.begin(), m_failures.end(), [](const Failure &failure) {
+               return zqIsNetworkError(failure.error, ZQNetworkErrorCode::NotAllowed);
+           });
+}
+
 ZQError DownloadImageOperation::errorOfFailures() const
 {
     constexpr qsizetype mostTold = 8;

@@ -342,7 +342,7 @@ TEST_F(AnswersTest, WhateverTitleAFileIsGivenItIsFoundUnderIt)
 {
     const QString file = picture(QStringLiteral("in/q.png"), qRgb(1, 2, 3));
     const std::pair<QString, QString> cases[] = {
-        {QStringLiteral("A / B: c | \"d\"?"), QStringLiteral("A - B: c | \"d\"?")},
+        {QStringLiteral("A / B: c | <d>?"), QStringLiteral("A - B: c | <d>?")},
         {QStringLiteral("."), QStringLiteral("q")},
         {QStringLiteral("../../x"), QStringLiteral("-..-x")},
         {QStringLiteral("..."), QStringLiteral("q")},
