@@ -187,9 +187,11 @@ std::optional<int> handOver(const QString &bundle, const QStringList &arguments,
     ZQError error;
     const auto tell = [&bundle](bool hasBegun) {
         tellOfWaiting(hasBegun
-                          ? zqLocalized("the Zelto that has the library “%@” open is at it; Ctrl+C stops it")
+                          ? zqLocalized("the Zelto that has the library “%@” open is at it; where its window asks "
+                                        "something, answer there; Ctrl+C stops it")
                           : zqLocalized("waiting for the Zelto that has the library “%@” open, which does something "
-                                        "else first; Ctrl+C ends the waiting"),
+                                        "else first; where its window asks something, answer there; Ctrl+C ends the "
+                                        "waiting"),
                       bundle);
     };
     const auto reply = InstanceServer::send(LibraryLock::socketNameForBundle(bundle),

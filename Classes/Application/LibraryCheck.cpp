@@ -5,6 +5,7 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQMisnamedFile.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QDirIterator>
@@ -13,12 +14,22 @@
 
 namespace {
 
-void checkItem(ZQLibraryBaseItem &item, bool deep, QStringList &problems)
+void checkItem(ZQLibraryBaseItem &item, bool deep, LibraryFindings &findings)
 {
+    QStringList &problems = findings.problems;
     const QString name = item.title() + QStringLiteral(" (") + item.bundleID() + u')';
     const QString path = item.findItemURL();
     if (path.isEmpty() || !QFileInfo::exists(path)) {
-        problems.append(zqFormat(zqLocalized("%@: the file is missing"), {name}));
+        const QString misnamed = zqMisnamedFileOf(item);
+        if (misnamed.isEmpty()) {
+            problems.append(zqFormat(zqLocalized("%@: the file is missing"), {name}));
+        } else {
+            problems.append(
+                zqFormat(zqLocalized("%@: the file has another name, “%@”; “zelto verify --repair” names it "
+                                     "after its item"),
+                         {name, QFileInfo(misnamed).fileName()}));
+            findings.misnamed.append({item.objectID(), problems.last()});
+        }
         return;
     }
     const QString thumb = item.thumbName().isEmpty() ? QString() : item.thumbURL();
@@ -103,7 +114,7 @@ void LibraryCheck::checkItems(bool deep, const std::stop_token &stop, const Prog
             if (stop.stop_requested()) {
                 return;
             }
-            checkItem(*item, deep, m_findings.problems);
+            checkItem(*item, deep, m_findings);
             ++m_findings.items;
         }
         if (didCheck) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Kit/Persistence/ZQObjectID.h"
+
+#include <QList>
 #include <QStringList>
 
 #include <functional>
@@ -16,6 +19,13 @@ struct LibraryFindings
     QStringList orphans;    // item directories that no item names
     QStringList otherNames; // they differ from those of items in their letters alone
     QStringList links;      // in the place of item directories
+    // Whose file lies in its directory under another name; `problem` is among the problems.
+    struct Misnamed
+    {
+        ZQObjectID item;
+        QString problem;
+    };
+    QList<Misnamed> misnamed;
 
     QStringList lines() const; // for a person
 };

@@ -54,6 +54,8 @@ struct DuplicatePair
     qint64 bytes = 0;
     int pixelWidth = 0;
     int pixelHeight = 0;
+    QString newAddress = {};      // where the copy was taken from; empty: it is a file of the person's
+    bool goesIntoProject = false; // and not into the library alone
 };
 
 // What is to become of duplicates.

@@ -41,7 +41,19 @@ int askWhatToDo(const QString &advice, const QString &reason, const std::shared_
     question.buttons = {zqLocalized("Try Again"), zqLocalized("Discard"), zqLocalized("Keep in Pictures")};
     question.withdrawal = withdrawal;
     tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
-    return delegate ? delegate->userInteraction().ask(question) : Keep;
+    if (!delegate) {
+        return Keep;
+    }
+    delegate->reopenMainWindow(); // or nobody sees it who captures another program
+    return delegate->userInteraction().ask(question);
+}
+
+void showNotice(const QString &text)
+{
+    constexpr std::chrono::seconds longEnoughToRead(6);
+    if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate()) {
+        delegate->userInteraction().showNotificationWithText(text, NotificationPlace::Browser, longEnoughToRead);
+    }
 }
 
 bool writeNewPNG(const QImage &image, const QString &path, ZQError *error)
@@ -244,6 +256,9 @@ void CaptureStore::didImport(const ImportEnd &end, const Picture &picture)
 {
     switch (end.kind) {
     case ImportEnd::Kind::Imported:
+        if (picture.isTriedAgain) {
+            showNotice(zqLocalized("The captured picture is in the library.")); // in place of why it could not be
+        }
         removeFile(picture.path); // or its folder, when it was moved into the library
         tellOfStored();
         picture.told.didEnd(end.items, {});
@@ -298,6 +313,7 @@ void CaptureStore::askAboutFailed()
 void CaptureStore::act(Picture picture, int answer)
 {
     if (answer == TryAgain) {
+        picture.isTriedAgain = true;
         picture.isWritten ? importPicture(std::move(picture)) : write(std::move(picture));
     } else if (answer == Discard) {
         PendingCaptures::remove(bundle(), picture.pending);
@@ -330,6 +346,7 @@ void CaptureStore::keep(Picture picture)
         if (delegate) {
             delegate->userInteraction().showSystemNotification(zqLocalized("The captured picture can't be stored"),
                                                                word.localizedDescription());
+            showNotice(word.localizedDescription()); // where no desktop shows the other one
         }
         picture.told.didEnd({}, word);
         return;

@@ -71,6 +71,7 @@ private:
         QString pending = {}; // among the pending captures; empty: there is no copy
         ZQError error = {};
         bool isWritten = false; // and it is the library that did not take it
+        bool isTriedAgain = false;
     };
     static void writeFile(Picture &picture); // any thread
     void write(Picture picture);

@@ -40,6 +40,7 @@ struct WebCaptureResult
     QString file;    // finished, in a folder of its own in the temporary area; empty: there is `error`
     QString pageURL; // where the page ended up
     QString title;   // of the page, or its server's name
+    int status = 0;  // that the page's server answered with, as 200 or 404; 0: none did
     QSize size;      // pixels
     qsizetype layers = 0;
     QStringList notes; // what is not as it might be expected, for the person

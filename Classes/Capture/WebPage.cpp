@@ -96,13 +96,21 @@ QString reasonFor(const QString &text)
         Known{"ERR_FILE_NOT_FOUND", zqKey("There is no such file.")},
         Known{"ERR_CERT_", zqKey("The server's certificate is not valid, so that nobody can tell whose page it is.")},
         Known{"ERR_TIMED_OUT", zqKey("The server did not answer in time.")},
+        Known{"ERR_CONNECTION_TIMED_OUT", zqKey("The server did not answer in time.")},
+        Known{"ERR_ADDRESS_UNREACHABLE", zqKey("There is no way to that server: see whether the network is there.")},
+        Known{"ERR_NETWORK_CHANGED", zqKey("The network changed meanwhile. Try again.")},
+        Known{"ERR_SSL_", zqKey("The server can't be spoken with safely.")},
+        Known{"ERR_UNSAFE_PORT", zqKey("Pages are not at that port: see whether the address is written right.")},
+        Known{"ERR_INVALID_URL", zqKey("See whether the address is written right.")},
+        Known{"ERR_ACCESS_DENIED", zqKey("It can't be read: see who may.")},
+        Known{"ERR_HTTP_RESPONSE_CODE_FAILURE", zqKey("The server says that it has no such page.")},
     };
     for (const Known &entry : known) {
         if (text.contains(QLatin1String(entry.text))) {
             return zqLocalized(entry.reason);
         }
     }
-    return text;
+    return zqFormat(zqLocalized("The browser can't load it; try again later, or in another browser (%@)."), {text});
 }
 
 QJsonObject rectangle(const QRect &rect, double zoom)
@@ -213,7 +221,7 @@ bool WebPage::guard(ZQError *error)
     }
     m_frame = tree->value(QStringLiteral("frameTree"))[QStringLiteral("frame")][QStringLiteral("id")].toString();
     const QJsonObject all{{QStringLiteral("urlPattern"), QStringLiteral("*")},
-                            {QStringLiteral("requestStage"), QStringLiteral("Request")}};
+                          {QStringLiteral("requestStage"), QStringLiteral("Request")}};
     return m_devTools.callBrowser(QStringLiteral("Fetch.enable"), {{QStringLiteral("patterns"), QJsonArray{all}}},
                                   error);
 }
@@ -309,6 +317,12 @@ void WebPage::observeNetwork(const QString &method, const QJsonObject &parameter
             return;
         }
         m_requests.insert(number);
+    } else if (method == QStringLiteral("Network.responseReceived")) {
+        if (parameters[QStringLiteral("type")] == QStringLiteral("Document")) {
+            m_statusOfFrame.insert(parameters[QStringLiteral("frameId")].toString(),
+                                   parameters[QStringLiteral("response")][QStringLiteral("status")].toInt());
+        }
+        return;
     } else if (method == QStringLiteral("Network.loadingFinished") ||
                method == QStringLiteral("Network.loadingFailed")) {
         m_requests.remove(number);

@@ -5,6 +5,7 @@
 #include "Kit/Foundation/ZQError.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QImage>
 #include <QRect>
 #include <QSet>
@@ -43,7 +44,8 @@ public:
     bool isLoaded() const { return m_isLoaded; } // in full; else as far as it was there in time
     QSize viewport() const { return m_viewport; }
     int scale() const { return m_scale; }
-    std::optional<QSize> contentSize(ZQError *error = nullptr); // in points
+    std::optional<QSize> contentSize(ZQError *error = nullptr);   // in points
+    int status() const { return m_statusOfFrame.value(m_frame); } // that its server answered with; 0: none did
     QString title();
     QString url(); // where it ended up
 
@@ -77,6 +79,7 @@ private:
     std::optional<PageReach> m_reach; // nothing: as far as it leads
     QString m_refusedHost;
     QString m_frame;
+    QHash<QString, int> m_statusOfFrame; // answers come before it is known which frame is the page's
     bool m_isLoaded = false;
     bool m_isCrashed = false;
     bool m_isDownload = false;

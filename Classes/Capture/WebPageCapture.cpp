@@ -113,6 +113,11 @@ bool WebPageCapture::capture(const QString &folder, ZQError *error)
     if (!page.isLoaded()) {
         m_result.notes.append(zqLocalized("The page did not load in full; this is what was there."));
     }
+    m_result.status = page.status();
+    if (constexpr int firstError = 400; m_result.status >= firstError) {
+        m_result.notes.append(zqFormat(zqLocalized("The server answered with an error (%d); this is the page it sent."),
+                                       {m_result.status}));
+    }
     m_result.title = page.title();
     m_result.pageURL = page.url();
     if (!page.holdStill(error) || !findRect(page, error)) {

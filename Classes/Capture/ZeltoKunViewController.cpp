@@ -158,6 +158,7 @@ void ZeltoKunViewController::fail(const ZQError &error, const Ended &ended)
     const bool isKnown = error.domain == CaptureStore::errorDomain && error.code != CaptureStore::NotOpen &&
                          error.code != CaptureStore::Held;
     if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate(); delegate && !ended && !isKnown) {
+        delegate->reopenMainWindow(); // a hot key was pressed in another program, where nobody sees this
         delegate->userInteraction().presentError(error);
     }
     if (ended) {

@@ -37,6 +37,7 @@ struct CommandLine::Options
     bool forgets = false;
     bool deleted = false;
     bool deep = false;
+    bool repair = false;
     std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
@@ -312,8 +313,10 @@ void CommandLine::defineVerify()
 {
     CLI::App *command =
         add("verify", "Check that the store is sound and that every item has its files; exit status 1 when not", true,
-            [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
+            [this](CommandContext &context) { return zqRunVerify(m_options->deep, m_options->repair, context); });
     command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
+    command->add_flag("--repair", m_options->repair,
+                      "First name the files after their items that lie in their item directories under other names");
     command->add_flag("--json", m_json, "Print one object: items, problems, orphans, otherNames, links");
     CLI::App *recover =
         add("recover",

@@ -72,4 +72,7 @@ void CommandLine::defineSnap()
                       "As a Photoshop document in which each visible element is a layer, instead of a PNG file");
     command->add_flag("--visible", given->web.visible,
                       "Only what a window of that width shows at first, not the whole page");
+    command->add_flag(
+        "--json", m_json,
+        "Of a page: print an array of objects keyed by attribute names, with httpStatus and captureNotes");
 }

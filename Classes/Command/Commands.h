@@ -169,7 +169,7 @@ int zqRunTemplates(CommandContext &context);
 // Makes an asset of the template of that title, or file name, in the entry; `into` empty: in the library.
 int zqRunNewFromTemplate(const QString &title, const QString &into, CommandContext &context);
 
-int zqRunVerify(bool deep, CommandContext &context);
+int zqRunVerify(bool deep, bool repair, CommandContext &context);
 
 struct BackupRequest
 {

@@ -1,5 +1,6 @@
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -41,6 +42,12 @@ QVariant parsed(const QString &value)
         return document.array().first().toVariant();
     }
     return value;
+}
+
+bool isKnown(const QString &key)
+{
+    return PreferencesController::defaultPreferences().contains(key) || HotKeyCommand::find(key) ||
+           ZQUserDefaults::standardUserDefaults().objectForKey(key).isValid();
 }
 
 int stored(const QVariant &value, const QString &key, CommandContext &context)
@@ -91,6 +98,15 @@ int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext 
         (isNumber && !wanted.canConvert<double>()) || (isNumber && wanted.typeId() == QMetaType::QString)) {
         return context.fail(zqFormat(zqLocalized("“%@” is no value for %@; it is now %@"),
                                      {value, zqShortened(key), zqShortened(plainText(before))}));
+    }
+    if (!isKnown(key)) {
+        context.errors +=
+            "zelto: " +
+            zqFormat(zqLocalized("“%@” is not among the preferences that `zelto defaults read` lists; it is "
+                                 "kept, see whether it is written right"),
+                     {zqShortened(key)})
+                .toUtf8() +
+            '\n';
     }
     return stored(wanted, key, context);
 }

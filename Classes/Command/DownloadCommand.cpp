@@ -1,5 +1,8 @@
 #include "Classes/Command/AbandonWatch.h"
 #include "Classes/Command/Commands.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/DownloadImageOperation.h"
 #include "Classes/Import/ImageDownloads.h"
@@ -25,17 +28,16 @@ bool isDone(const Download &download)
     return download->isFinished() && (!import || import->isWhollyFinished());
 }
 
-void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
-{
-    operation->cancel();
-    std::for_each(operation->followUps().begin(), operation->followUps().end(), cancelWholly);
-}
-
-void cancel(const Download &download)
+// A question of the import goes with who asked for it: its answer could change nothing any more.
+void cancel(const Download &download, UserInteraction &user)
 {
     download->cancel();
     if (const auto import = download->isFinished() ? download->importOperation() : nullptr) {
-        cancelWholly(import);
+        const bool mayAsk = import->isAnyRunning();
+        import->cancelWholly();
+        if (mayAsk) {
+            user.dismissQuestions();
+        }
     }
 }
 
@@ -94,8 +96,20 @@ void printText(const DownloadImageOperation &download, const QStringList &import
     }
 }
 
+void tellOfMissingPage(CommandContext &context)
+{
+    context.errors += "zelto: " +
+                      zqLocalized("images on this computer or in its own network come only for a page that is "
+                                  "there, too: write --page with its address, as --page http://127.0.0.1/")
+                          .toUtf8() +
+                      '\n';
+}
+
 int report(const DownloadImageOperation &download, CommandContext &context)
 {
+    if (download.lacksPage()) {
+        tellOfMissingPage(context);
+    }
     QStringList imported;
     QList<DroppedFile> dropped;
     bool isCancelled = download.isCancelled();
@@ -146,16 +160,17 @@ int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context
                                                      ImageDownloads::Tells::Caller);
     const auto finish = [download](CommandContext &finished) { return report(*download, finished); };
     if (context.mayBeFinishedLater) {
-        const auto isDoneOrUnwanted = [download, isAbandoned = context.isAbandoned] {
+        const auto isDoneOrUnwanted = [download, isAbandoned = context.isAbandoned,
+                                       &user = context.delegate->userInteraction()] {
             if (isAbandoned && isAbandoned()) {
-                cancel(download);
+                cancel(download, user);
             }
             return isDone(download);
         };
         context.pending = PendingCommand{isDoneOrUnwanted, finish, AImportManager::didFinishImportOperation};
         return 0;
     }
-    const AbandonWatch watch(context, [&download] { cancel(download); });
+    const AbandonWatch watch(context, [&] { cancel(download, context.delegate->userInteraction()); });
     zqRunMainLoopUntil([&download] { return isDone(download); }, std::chrono::milliseconds(5));
     return finish(context);
 }

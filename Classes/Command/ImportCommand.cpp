@@ -8,6 +8,7 @@
 #include "Classes/Editing/LiveFolderEdits.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/DuplicateAnswer.h"
 #include "Classes/Import/ForLiveFolder.h"
 #include "Classes/Import/ImportErrors.h"
@@ -35,7 +36,7 @@ std::optional<QString> addMetadata(const QString &setting, QVariantMap &metadata
     const QString key = setting.left(equals);
     const ZQEntityDescription *entity = zqCurrentModel()->entity(ZQLibraryBaseItem::entityName());
     const ZQAttributeDescription *attribute = equals > 0 ? entity->attribute(key) : nullptr;
-    if (!attribute || attribute->type == ZQAttributeType::Binary) {
+    if (!attribute || attribute->type == ZQAttributeType::Binary || BaseImportOperation::isFoundOut(key)) {
         return zqFormat(
             zqLocalized("“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL"),
             {setting});
@@ -239,18 +240,16 @@ int copyIntoLiveFolder(const QStringList &given, const ZQObjectID &folder, const
     return manager ? zqAfterLiveFolders(*manager, {folder}, context, report) : report(context, false);
 }
 
-void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
-{
-    operation->cancel();
-    std::for_each(operation->followUps().begin(), operation->followUps().end(), cancelWholly);
-}
-
 // Waits for the imports and all that follows from them.
 int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operations, CommandContext &context)
 {
     const AbandonWatch watch(context, [&] {
-        context.delegate->userInteraction().dismissQuestions();
-        std::for_each(operations.begin(), operations.end(), cancelWholly);
+        const bool mayAsk = std::any_of(operations.begin(), operations.end(),
+                                        [](const auto &operation) { return operation->isAnyRunning(); });
+        std::for_each(operations.begin(), operations.end(), [](const auto &operation) { operation->cancelWholly(); });
+        if (mayAsk) { // not a question about what somebody else imports
+            context.delegate->userInteraction().dismissQuestions();
+        }
     });
     zqRunMainLoopUntil(
         [&] {

@@ -13,6 +13,9 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPointer>
 
 #include <memory>
@@ -92,10 +95,28 @@ public:
         for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
             ids.append(item->objectID());
         }
-        return zqPrintItems(ids, context) ? 0 : 2;
+        if (!zqPrintItems(ids, context)) {
+            return 2;
+        }
+        if (context.json) {
+            addCaptureTo(context);
+        }
+        return 0;
     }
 
 private:
+    void addCaptureTo(CommandContext &context) const
+    {
+        QJsonArray items = QJsonDocument::fromJson(std::exchange(context.output, {})).array();
+        for (QJsonValueRef item : items) {
+            QJsonObject object = item.toObject();
+            object.insert(QStringLiteral("httpStatus"), m_capture->result().status);
+            object.insert(QStringLiteral("captureNotes"), QJsonArray::fromStringList(m_capture->result().notes));
+            item = object;
+        }
+        context.printJSON(items);
+    }
+
     const QPointer<CaptureCommands> m_controller; // null once it has gone
     const std::function<bool()> m_isAbandoned;
     // Written before the capture begins and after it ended; the line is null where none is shown.

@@ -16,6 +16,7 @@
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Models/DataModel/ZQItemTitle.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
 #include <QDir>
@@ -26,6 +27,8 @@
 #include <cerrno>
 
 namespace {
+
+const QString titleKey = QStringLiteral("title");
 
 bool isPackage(const QString &path)
 {
@@ -39,6 +42,15 @@ QDateTime dateFromMilliseconds(qint64 milliseconds)
 }
 
 } // namespace
+
+bool BaseImportOperation::isFoundOut(const QString &attribute)
+{
+    static const QStringList attributes{
+        QStringLiteral("originalExtension"), QStringLiteral("managed"),     QStringLiteral("bundleID"),
+        QStringLiteral("thumbName"),         QStringLiteral("itemURLData"), QStringLiteral("SHA1"),
+    };
+    return attributes.contains(attribute);
+}
 
 BaseImportOperation::BaseImportOperation(const QString &filePath)
     : m_fileData(QVariantMap{{QStringLiteral("tags"), QStringList()}}), m_sourcePath(filePath), m_filePath(filePath),
@@ -177,7 +189,7 @@ void BaseImportOperation::removeItemBundle()
 
 void BaseImportOperation::fillTitle()
 {
-    m_fileData->insert(QStringLiteral("title"), zqBaseName(m_filePath));
+    m_fileData->insert(titleKey, zqBaseName(m_filePath));
 }
 
 // What could make the copy hang, or what no one can want in a library, is told apart before anything is made.
@@ -213,10 +225,20 @@ bool isReallyTemporary(const QString &path)
 }
 } // namespace
 
+// Its title is made of it, so that what is asked for as a title has to be a name first.
+QString BaseImportOperation::nameInLibrary() const
+{
+    const QString title = m_metadata.value(titleKey).toString();
+    const QString extension = zqPathExtension(m_filePath);
+    return title.isEmpty() || extension.isEmpty()
+               ? QFileInfo(m_filePath).fileName()
+               : zqItemTitleForText(title, extension, zqBaseName(m_filePath)) + u'.' + extension;
+}
+
 bool BaseImportOperation::copyFile()
 {
     ZQError error;
-    const QString target = m_libraryItemBundlePath + u'/' + QFileInfo(m_filePath).fileName();
+    const QString target = m_libraryItemBundlePath + u'/' + nameInLibrary();
     m_isMove = !m_keepsSource && m_readPath == m_filePath && isReallyTemporary(m_filePath) &&
                !m_filePath.contains(QStringLiteral("zttemplate"));
     const auto cancelled = [this] { return isCancelled(); };
@@ -231,6 +253,7 @@ bool BaseImportOperation::copyFile()
         m_SHA1 = QString::fromLatin1(result->SHA1);
     }
     m_filePath = target;
+    fillTitle();
     lookForAttributes();
     if (m_hasAttributes && !m_isMove) {
         // The record of an item of another library would say that this one had been saved once.
@@ -390,7 +413,7 @@ void BaseImportOperation::fillCustomMetadata()
     for (auto entry = m_metadata.constBegin(); entry != m_metadata.constEnd(); ++entry) {
         if (entry.key() == u"tags") {
             addTags(entry.value().toStringList());
-        } else {
+        } else if (entry.key() != titleKey && !isFoundOut(entry.key())) {
             m_fileData->insert(entry.key(), entry.value());
         }
     }

@@ -25,6 +25,8 @@ public:
     ~BaseImportOperation() override;
 
     // Before the start.
+    // Attribute values for the item. A "title" is what the file in the library is called, as nearly as a file can be;
+    // one that stays where it is keeps its name.
     void setMetadata(const QVariantMap &metadata) { m_metadata = metadata; }
     void setImportData(ImportedFile *slot) { m_slot = slot; }                          // outlives the operation's run
     void setFatherOperation(ImportBatch *batch) { m_batch = batch; }                   // outlives the operation's run
@@ -36,6 +38,10 @@ public:
     // The file lies in this item directory already: it becomes an item where it is, and stays whatever happens.
     void setItemDirectory(const QString &directory);
     void setImportDate(const QDateTime &date) { m_importDate = date; } // instead of the moment it is read
+
+    // Whether the import finds this attribute out of the file and says nothing else of it: an item's file would not be
+    // found under what somebody else says.
+    static bool isFoundOut(const QString &attribute);
 
     QString filePath() const { return m_filePath; }
     const std::optional<QVariantMap> &fileData() const { return m_fileData; } // nothing after a failure
@@ -96,6 +102,7 @@ private:
     void collect();
     bool checkSource();
     bool copyFile();
+    QString nameInLibrary() const;
     void lookForAttributes();
     void removeItemBundle();
     void tellIfIncomplete();

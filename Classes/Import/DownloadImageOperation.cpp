@@ -35,11 +35,31 @@ tamberin_AppDelegate &application()
     return *tamberin_AppDelegate::sharedDelegate();
 }
 
+// A project that was made for an import which brought nothing into it, as when the person cancelled; not one that
+// somebody has put something into, or named, since.
+void takeBackIfEmpty(const ZQObjectID &id, const QString &title)
+{
+    tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+    ZQManagedObjectContext *const context = delegate ? delegate->managedObjectContext() : nullptr;
+    const auto project = context ? zqCast<ZQSidebarProject>(context->objectWithID(id)) : ZQRef<ZQSidebarProject>();
+    if (project && !project->isDeleted() && project->title() == title && project->numberOfItems() == 0 &&
+        project->projectItems().isEmpty() && project->childs().isEmpty()) {
+        project->deletePermanently();
+        delegate->saveAction();
+    }
+}
+
 // By its content; empty for what is no picture.
 QString extensionOfPicture(const QString &path)
 {
     const QString type = QMimeDatabase().mimeTypeForFile(path, QMimeDatabase::MatchContent).name();
     return type.startsWith(u"image/") ? zqExtensionForContentType(type) : QString();
+}
+
+bool isPage(const QString &path)
+{
+    const QString type = QMimeDatabase().mimeTypeForFile(path, QMimeDatabase::MatchContent).name();
+    return type == u"text/html" || type == u"application/xhtml+xml";
 }
 
 } // namespace
@@ -116,6 +136,11 @@ void DownloadImageOperation::download(ImageFetch &fetch, const QString &imageUrl
     QString path = freePath(safeFileNameFromUrl(imageUrl));
     const auto response = fetch.fetch(imageUrl, path);
     ZQError error = response.error;
+    if (error.isNull() && isPage(path)) { // whatever the server calls it
+        error = zqNetworkError(ZQNetworkErrorCode::UnwantedType,
+                               zqLocalized("The server sent a page of text in place of the picture."));
+        QFile::remove(path);
+    }
     if (error.isNull()) {
         fixExtension(path, QString::fromLatin1(response.header("Content-Type")));
         if (!ImportQueries::fileAtPathIsSupported(path)) {
@@ -155,6 +180,12 @@ void DownloadImageOperation::fixExtension(QString &path, const QString &contentT
     }
 }
 
+QString DownloadImageOperation::titleOfNewProject() const
+{
+    const QString title = pageTitle().trimmed();
+    return title.isEmpty() ? zqLocalized("New Project") : title;
+}
+
 // Of the main context: it has to be in the store before the import looks for it.
 ZQObjectID DownloadImageOperation::newProject() const
 {
@@ -164,7 +195,7 @@ ZQObjectID DownloadImageOperation::newProject() const
         return {};
     }
     const auto project = context.insertNewObject<ZQSidebarProject>();
-    project->setTitle(pageTitle().trimmed().isEmpty() ? zqLocalized("New Project") : pageTitle().trimmed());
+    project->setTitle(titleOfNewProject());
     label->appendChild(project.get());
     application().saveAction();
     return project->objectID();
@@ -192,7 +223,15 @@ void DownloadImageOperation::massDownloadEnded()
         request.paths.append(path);
         request.fileMetadata.insert(path, metadata);
     }
-    m_folder->keep(); // the import takes the files from there, also after a restart
+    if (!request.target.isNull()) {
+        request.didEnd = [project = request.target, title = titleOfNewProject()](const ImportOperation &ended,
+                                                                                 bool goesOn) {
+            if (!goesOn && ended.followUps().isEmpty()) { // archives bring theirs later
+                takeBackIfEmpty(project, title);
+            }
+        };
+    }
+    request.holder = std::move(m_folder); // the import takes the files from there, also after a restart
     m_importOperation = m_owner.startImport(request);
 }
 
@@ -200,6 +239,13 @@ void DownloadImageOperation::finish()
 {
     m_progress.reset();
     m_folder.reset();
+}
+
+bool DownloadImageOperation::lacksPage() const
+{
+    return pageUrl().isEmpty() && std::any_of(m_failures.begin(), m_failures.end(), [](const Failure &failure) {
+               return zqIsNetworkError(failure.error, ZQNetworkErrorCode::NotAllowed);
+           });
 }
 
 ZQError DownloadImageOperation::errorOfFailures() const

@@ -46,6 +46,8 @@ public:
     // Once it has finished.
     const QList<QVariantMap> &filesToImport() const { return m_filesToImport; } // "imageUrl", "imagePath"
     const QList<Failure> &failures() const { return m_failures; }
+    // One was refused that a page there could have brought, and no page was named.
+    bool lacksPage() const;
     // What became of those that came; null when none did, or it was cancelled.
     std::shared_ptr<ImportOperation> importOperation() const { return m_importOperation; }
     // Null when all came, or it was cancelled.
@@ -57,6 +59,7 @@ private:
     QString freePath(const QString &name) const;
     void fixExtension(QString &path, const QString &contentType) const;
     void massDownloadEnded();
+    QString titleOfNewProject() const;
     ZQObjectID newProject() const;
     void finish();
 

@@ -2,6 +2,7 @@
 
 #include "Classes/Import/BatchResumption.h"
 #include "Classes/Import/CreatedItems.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
@@ -107,9 +108,27 @@ QList<DuplicatePair> DuplicateCheck::pairs(const std::vector<Duplicate> &duplica
              .newThumbPath = created.thumbName.isEmpty() ? created.filePath : file.path() + u'/' + created.thumbName,
              .bytes = file.size(),
              .pixelWidth = item->pixelWidth(),
-             .pixelHeight = item->pixelHeight()});
+             .pixelHeight = item->pixelHeight(),
+             .newAddress = addressOf(created),
+             .goesIntoProject = goesIntoProject(created)});
     }
     return pairs;
+}
+
+// The place of a file that was fetched for this import tells a person nothing.
+QString DuplicateCheck::addressOf(const CreatedItem &created) const
+{
+    const ZQRef<ZQLibraryBaseItem> item = m_items.object(created);
+    if (!item || m_batch.request.origin || !ImportQueries::fileIsInsideTemporaryDirectory(created.sourcePath)) {
+        return {};
+    }
+    return item->webURL().isEmpty() ? item->webPageURL() : item->webURL();
+}
+
+bool DuplicateCheck::goesIntoProject(const CreatedItem &created) const
+{
+    const ZQRef<ZQLibraryBaseItem> item = m_items.object(created);
+    return item && !item->projectsItems().isEmpty();
 }
 
 bool DuplicateCheck::doArchivesFollow() const

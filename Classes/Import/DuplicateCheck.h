@@ -36,6 +36,8 @@ private:
     std::optional<std::vector<Duplicate>> find();
     QList<DuplicatePair> pairs(const std::vector<Duplicate> &duplicates) const;
     void resolve(const Duplicate &duplicate, DuplicateChoice choice);
+    QString addressOf(const CreatedItem &created) const;
+    bool goesIntoProject(const CreatedItem &created) const;
     bool doArchivesFollow() const;
     void relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created);
 

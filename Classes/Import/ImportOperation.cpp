@@ -44,6 +44,19 @@ bool ImportOperation::isAnyCancelled() const
                                         [](const auto &operation) { return operation->isAnyCancelled(); });
 }
 
+bool ImportOperation::isAnyRunning() const
+{
+    return (m_hasStarted && !isFinished()) ||
+           std::any_of(m_followUps.begin(), m_followUps.end(),
+                       [](const auto &operation) { return operation->isAnyRunning(); });
+}
+
+void ImportOperation::cancelWholly()
+{
+    cancel();
+    std::for_each(m_followUps.begin(), m_followUps.end(), [](const auto &operation) { operation->cancelWholly(); });
+}
+
 void ImportOperation::main()
 {
     m_hasStarted = true;

@@ -34,6 +34,9 @@ public:
     // Whether this and all that followed from it have finished, and whether one of them was cancelled. Main thread.
     bool isWhollyFinished() const;
     bool isAnyCancelled() const;
+    // Whether a question that is open may be theirs: imports run one after another. Main thread.
+    bool isAnyRunning() const;
+    void cancelWholly(); // this, and all that followed from it. Main thread.
     // Once it has finished.
     bool isRequestKept() const { return m_resumption.isRequestKept(); }
     quint32 originalDropIndex() const { return m_batch.originalDropIndex; }

@@ -16,6 +16,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQHiddenFile.h"
+#include "Models/DataModel/ZQItemTitle.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
@@ -31,9 +32,7 @@ namespace {
 
 const QString errorDomain = QStringLiteral("zelto.model");
 
-enum ErrorCode { MissingFile = 1, EmptyTitle, ForbiddenCharacter, LeadingDot, TitleTooLong };
-
-constexpr qsizetype maximumNameBytes = 255;
+constexpr int missingFile = 1;
 
 bool isHidden(const QString &path)
 {
@@ -50,36 +49,12 @@ QString sibling(const QString &path, const QString &name)
     return QFileInfo(path).path() + QLatin1Char('/') + name;
 }
 
-// Null when files of an item may be called so.
-ZQError errorForTitle(const QString &title, const QString &extension)
-{
-    if (title.isEmpty()) {
-        return ZQError::with(errorDomain, EmptyTitle, zqLocalized("The name is empty. Please type a name."));
-    }
-    if (title.contains(QLatin1Char('/')) || title.contains(QChar())) {
-        return ZQError::with(errorDomain, ForbiddenCharacter,
-                             zqLocalized("A name cannot contain \"/\" or a null character. Please use another name."));
-    }
-    if (title.startsWith(QLatin1Char('.'))) {
-        return ZQError::with(
-            errorDomain, LeadingDot,
-            zqLocalized("A name that starts with a dot would hide the file. Please use another name."));
-    }
-    // The longest name made of it is that of the thumbnail between its two moves.
-    const QString longest = withExtension(title + QStringLiteral("_thumb"), extension) + QStringLiteral(".tmp");
-    if (longest.toUtf8().size() > maximumNameBytes) {
-        return ZQError::with(errorDomain, TitleTooLong,
-                             zqLocalized("The name is too long. Please use a shorter name."));
-    }
-    return {};
-}
-
 // In two steps, so that a change of letter case alone also succeeds where case does not count. Nothing moved after a
 // failure.
 bool moveThroughTemporaryName(const QString &from, const QString &to, ZQError *error)
 {
     const QString name = QFileInfo(from).fileName() + QStringLiteral(".tmp");
-    const QString temporary = sibling(from, zqNumberedName(name, 0, maximumNameBytes)); // shortened where it must be
+    const QString temporary = sibling(from, zqNumberedName(name, 0)); // shortened where it must be
     if (!zqMoveNoted(from, temporary, error)) {
         return false;
     }
@@ -230,9 +205,9 @@ bool ZQLibraryBaseItem::setNewTitle(const QString &newTitle)
     }
     const QString path = findItemURL();
     const QString extension = zqPathExtension(path);
-    ZQError error = errorForTitle(newTitle, extension);
+    ZQError error = zqErrorForItemTitle(newTitle, extension);
     if (error.isNull() && (path.isEmpty() || !QFileInfo::exists(path))) {
-        error = ZQError::with(errorDomain, MissingFile,
+        error = ZQError::with(errorDomain, missingFile,
                               zqFormat(zqLocalized("\"%@\" cannot be renamed: its file is missing."), {title()}));
     }
     const QString renamed = sibling(path, withExtension(newTitle, extension));

@@ -7,11 +7,29 @@ PickableWindows::PickableWindows(const ScreenSource &source, QObject *parent) : 
 {
     const ZQPredicate canBePicked =
         ZQPredicate::predicateWithFormat(QStringLiteral("(kCGWindowLayer >= 0 && kCGWindowLayer < 20)"));
+    for (const ScreenInfo &screen : source.screens()) {
+        m_screens.append(screen.pixelFrame);
+    }
     for (const QVariantMap &window : source.onScreenWindows()) {
         if (canBePicked.evaluateWithObject(QVariant(window))) {
             m_windows.append(window);
         }
     }
+}
+
+QRect PickableWindows::screenOfHighlighted() const
+{
+    QRect most;
+    qint64 mostPixels = 0;
+    for (const QRect &screen : m_screens) {
+        const QRect part = screen.intersected(highlightedBounds());
+        const qint64 pixels = part.isEmpty() ? 0 : qint64(part.width()) * part.height();
+        if (pixels > mostPixels) {
+            most = screen;
+            mostPixels = pixels;
+        }
+    }
+    return most;
 }
 
 std::optional<quint32> PickableWindows::highlighted() const

@@ -45,6 +45,7 @@ void ZQScreenshotAreaView::clearSelection()
 {
     m_selection = {};
     m_isDragging = false;
+    m_isElsewhere = true;
     update();
 }
 
@@ -57,8 +58,12 @@ void ZQScreenshotAreaView::confirm()
 
 QString ZQScreenshotAreaView::hint() const
 {
-    return m_selection.isEmpty() ? zqLocalized("Drag over an area, or press an arrow key · Esc leaves")
-                                 : zqLocalized("Return takes it · Esc leaves · arrows move, Shift by 10");
+    if (!m_selection.isEmpty()) {
+        return zqLocalized("Return takes it · Esc leaves · arrows move, Shift by 10, Ctrl resizes");
+    }
+    return QGuiApplication::screens().size() > 1
+               ? zqLocalized("Drag over an area of one screen, or press an arrow key · Esc leaves")
+               : zqLocalized("Drag over an area, or press an arrow key · Esc leaves");
 }
 
 QString ZQScreenshotAreaView::sizeText() const
@@ -78,6 +83,7 @@ void ZQScreenshotAreaView::select(const QRect &selection)
 {
     const bool begins = m_selection.isEmpty();
     m_selection = selection;
+    m_isElsewhere = false;
     update();
     if (begins && !m_selection.isEmpty()) {
         m_delegate.screenshotAreaViewDidBegin(*this);
@@ -255,10 +261,10 @@ void ZQScreenshotAreaView::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     paintPicture(painter, m_selection);
-    if (m_selection.isEmpty()) {
-        paintHint(painter, {(width() - tagSize(hint()).width()) / 2, height() - 4 * tagDistance});
-    } else {
+    if (!m_selection.isEmpty()) {
         paintSelection(painter);
+    } else if (!m_isElsewhere) {
+        paintHint(painter, {(width() - tagSize(hint()).width()) / 2, height() - 4 * tagDistance});
     }
     if (showsMagnifier()) {
         paintMagnifier(painter);

@@ -23,7 +23,7 @@ public:
     ZQScreenshotAreaView(const FrozenScreen &screen, ZQScreenshotAreaViewDelegate &delegate, QWidget *parent = nullptr);
 
     const QRect &selection() const { return m_selection; } // in pixels of the picture; empty: none
-    void clearSelection();
+    void clearSelection(); // since there is one on another screen, where the hint now is
 
 protected:
     void confirm() override;
@@ -68,5 +68,6 @@ private:
     QPointF m_pressed;
     QPointF m_pointer;
     bool m_isDragging = false;
+    bool m_isElsewhere = false; // the selection lies on another screen
     bool m_isPointerHere = false;
 };

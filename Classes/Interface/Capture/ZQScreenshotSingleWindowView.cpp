@@ -113,7 +113,7 @@ void ZQScreenshotSingleWindowView::paintEvent(QPaintEvent * /*event*/)
         painter.drawRect(rect.adjusted(lineWidth / 2, lineWidth / 2, -lineWidth / 2, -lineWidth / 2));
         const QString name = zqShortened(m_windows.highlightedName(), longestName);
         const QSizeF size = tagSize(name);
-        if (!name.isEmpty()) {
+        if (!name.isEmpty() && m_windows.screenOfHighlighted() == screen().info.pixelFrame) { // once, where it is most
             paintTag(painter, rect.center() - QPointF(size.width() / 2, size.height() / 2), name);
         }
     }

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Capture/CaptureEffects.h"
 #include "Classes/Interface/Capture/PickableWindows.h"
+#include "Kit/Desktop/ZQKeyboardHold.h"
 #include "Kit/Desktop/ZQLockWatch.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -18,7 +19,12 @@
 namespace {
 
 const QString defaultName = QStringLiteral("Screenshot");
-constexpr std::chrono::milliseconds grabPause(40);
+constexpr std::chrono::milliseconds grabPause(10);
+
+bool isX()
+{
+    return QGuiApplication::platformName() == QStringLiteral("xcb");
+}
 
 ZQError cannotSee()
 {
@@ -47,8 +53,17 @@ ZQScreenshotViewController::~ZQScreenshotViewController()
     closeViews();
 }
 
+// What is typed right after the hot key is meant for the choice, and must not reach the program that has the focus.
+void ZQScreenshotViewController::holdKeyboard(Kind kind)
+{
+    if (kind != Kind::FullScreen && isX() && m_source.canSeeScreen()) {
+        m_keyboardHold = std::make_unique<ZQKeyboardHold>();
+    }
+}
+
 void ZQScreenshotViewController::begin(Kind kind)
 {
+    holdKeyboard(kind);
     if (m_effects.endFlash()) { // of the capture before
         QTimer::singleShot(CaptureEffects::repaintTime, this, [this, kind] { beginNow(kind); });
     } else {
@@ -185,6 +200,7 @@ bool ZQScreenshotViewController::eventFilter(QObject *object, QEvent *event)
 void ZQScreenshotViewController::giveKeyboardTo(ScreenshotView &view)
 {
     if (m_keyView != &view) {
+        m_keyboardHold.reset();
         m_keyView = &view;
         view.setFocus();
         view.grabKeyboard();
@@ -195,9 +211,8 @@ void ZQScreenshotViewController::giveKeyboardTo(ScreenshotView &view)
 // Not granted while a menu of another program is open, or the hot key is still held.
 void ZQScreenshotViewController::grabKeyboard()
 {
-    const bool canGrab = QGuiApplication::platformName() == QStringLiteral("xcb");
     QWindow *const window = m_keyView ? m_keyView->windowHandle() : nullptr;
-    if (!canGrab || !window || window->setKeyboardGrabEnabled(true)) {
+    if (!isX() || !window || window->setKeyboardGrabEnabled(true)) {
         m_grabTimer.stop();
     } else if (!m_grabTimer.isActive()) {
         m_grabTimer.start();
@@ -207,6 +222,7 @@ void ZQScreenshotViewController::grabKeyboard()
 // Views are left to the event loop, since what they tell may end the session.
 void ZQScreenshotViewController::closeViews()
 {
+    m_keyboardHold.reset();
     m_grabTimer.stop();
     m_idleTimer.stop();
     m_lockWatch.reset();

@@ -15,6 +15,7 @@
 
 class CaptureEffects;
 class PickableWindows;
+class ZQKeyboardHold;
 class ZQLockWatch;
 
 // A capture over all screens, in views that each cover one. An area is what was seen when the choice began; a window
@@ -54,6 +55,7 @@ private:
     void captureScreens();
     void captureWindow(quint32 number);
     void giveKeyboardTo(ScreenshotView &view);
+    void holdKeyboard(Kind kind);
     void grabKeyboard();
     void limitTheChoice();
     void closeViews();
@@ -70,6 +72,7 @@ private:
     ScreenshotView *m_keyView = nullptr;
     QTimer m_grabTimer;
     QTimer m_idleTimer;
-    std::unique_ptr<ZQLockWatch> m_lockWatch; // while the views are there
+    std::unique_ptr<ZQLockWatch> m_lockWatch;       // while the views are there
+    std::unique_ptr<ZQKeyboardHold> m_keyboardHold; // until the views have it; null: they do, or none come
     bool m_hasEnded = false;
 };

@@ -5,10 +5,13 @@
 
 #include <QAccessible>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
@@ -20,6 +23,9 @@ constexpr int margin = 10;
 constexpr int capMargin = 6;
 constexpr int capHeight = 19;
 constexpr int capDistance = 6;
+
+constexpr Qt::KeyboardModifiers recordedModifiers =
+    Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier | Qt::ShiftModifier;
 
 bool isModifier(int key)
 {
@@ -39,6 +45,13 @@ HotKeyField::HotKeyField(const QString &name, QWidget *parent) : QWidget(parent)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setToolTip(zqLocalized("Click, then press the keys. Backspace clears."));
     updateSpokenText();
+    constexpr std::chrono::milliseconds interval(120);
+    m_heldWatch.setInterval(interval);
+    connect(&m_heldWatch, &QTimer::timeout, this, [this] {
+        if (!(QGuiApplication::queryKeyboardModifiers() & recordedModifiers)) {
+            didRelease();
+        }
+    });
 }
 
 QSize HotKeyField::sizeHint() const
@@ -95,6 +108,7 @@ void HotKeyField::beginRecording()
 
 void HotKeyField::endRecording()
 {
+    m_heldWatch.stop();
     if (std::exchange(m_isRecording, false)) {
         updateSpokenText();
         Q_EMIT recordingChanged(false);
@@ -119,6 +133,7 @@ bool HotKeyField::event(QEvent *event)
 
 void HotKeyField::record(const QKeyEvent &event)
 {
+    m_hasSeenKey = true;
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     const std::optional<HotKey> keys = HotKey::fromQt(event.key(), modifiers, event.nativeScanCode());
     if (keys) {
@@ -155,7 +170,8 @@ void HotKeyField::keyPressEvent(QKeyEvent *event)
 void HotKeyField::keyReleaseEvent(QKeyEvent *event)
 {
     const bool isDown = event->type() == QEvent::KeyPress;
-    m_held = event->modifiers();
+    const Qt::KeyboardModifiers before = m_held;
+    m_held = event->modifiers() & recordedModifiers;
     switch (event->key()) {
     case Qt::Key_Control:
         m_held.setFlag(Qt::ControlModifier, isDown);
@@ -174,8 +190,27 @@ void HotKeyField::keyReleaseEvent(QKeyEvent *event)
     default:
         break;
     }
+    if (m_isRecording && !before && m_held) {
+        m_hasSeenKey = false;
+        if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
+            m_heldWatch.start();
+        }
+    } else if (m_isRecording && before && !m_held) {
+        didRelease();
+    }
     updateGeometry();
     update();
+}
+
+void HotKeyField::didRelease()
+{
+    m_heldWatch.stop();
+    m_held = {};
+    updateGeometry();
+    update();
+    if (!std::exchange(m_hasSeenKey, true)) {
+        Q_EMIT refused(zqLocalized("No key came with it: the desktop keeps such keys for itself. Take another one."));
+    }
 }
 
 void HotKeyField::mousePressEvent(QMouseEvent *event)

@@ -2,6 +2,7 @@
 
 #include "Classes/Services/HotKey.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <optional>
@@ -38,11 +39,14 @@ protected:
 private:
     void beginRecording();
     void record(const QKeyEvent &event);
+    void didRelease(); // all that was held
     void choose(const std::optional<HotKey> &hotKey);
     QStringList texts() const;
     void updateSpokenText();
 
     std::optional<HotKey> m_hotKey;
     Qt::KeyboardModifiers m_held;
+    bool m_hasSeenKey = false; // since the first of what is held was pressed
+    QTimer m_heldWatch;        // asks the display: releases go to who took the key
     bool m_isRecording = false;
 };

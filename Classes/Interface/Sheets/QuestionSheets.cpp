@@ -217,7 +217,9 @@ DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pa
     note->setObjectName(QStringLiteral("SmallMuted"));
     content()->addSpacing(14);
     content()->addWidget(note);
-    m_options->button(int(DuplicateChoice::Discard))->setChecked(true);
+    // What is to be in a project is wanted there, also where the library has it already.
+    const bool goesIntoProject = !pairs.isEmpty() && pairs.first().goesIntoProject;
+    m_options->button(int(goesIntoProject ? DuplicateChoice::Relink : DuplicateChoice::Discard))->setChecked(true);
     footer()->insertWidget(0, m_applyToAll);
     addButton(zqLocalized("Cancel"), cancelCode, false);
     addButton(zqLocalized("Next"), acceptCode, true);
@@ -240,7 +242,7 @@ void DuplicatesSheet::showPair()
     }
     m_existing->show(withExtension(pair.existingTitle, pair.existingPath), since + u'\n' + facts,
                      pair.existingThumbPath);
-    const QString folder = QFileInfo(pair.newPath).absolutePath();
+    const QString folder = pair.newAddress.isEmpty() ? QFileInfo(pair.newPath).absolutePath() : pair.newAddress;
     const QString from = pair.newPath.isEmpty()
                              ? zqLocalized("New")
                              : zqFormat(zqLocalized("New, from %@"), {zqForLabel(folder, zqLongestQuotation)});

@@ -203,7 +203,7 @@ TEST_F(ApplicationTest, AddressesOfTheSchemeReachTheirManagerFromEveryDoorAndAre
 
     const QString file = world.filePath(QStringLiteral("a b.png"));
     QStringList opened;
-    DesktopActivation desktop([&opened](const QStringList &paths) { opened = paths; }, nullptr);
+    DesktopActivation desktop({.open = [&opened](const QStringList &paths) { opened = paths; }, .doAction = {}});
     const QString library = QStringLiteral("zelto:import:{}.ztlibrary"); // would be one that is switched to
     desktop.Open({QStringLiteral("ZELTO:import:{\"a b\"}"), QUrl::fromLocalFile(file).toString(),
                   QStringLiteral("https://a.example/"), library, QStringLiteral("zelto:x.zttemplate")},

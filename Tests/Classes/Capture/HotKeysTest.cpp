@@ -2,6 +2,7 @@
 #include "Classes/Services/HotKey.h"
 #include "Classes/Services/PortalHotKeys.h"
 #include "Classes/Services/XHotKeys.h"
+#include "Kit/Desktop/ZQKeyboardHold.h"
 #include "Kit/Desktop/ZQPortal.h"
 #include "Tests/Classes/Capture/MockPortal.h"
 #include "Tests/Classes/Capture/XDesktop.h"
@@ -115,6 +116,28 @@ TEST_F(XHotKeysTest, RunOnceWhateverLocksAreOn)
     }
     settle();
     EXPECT_EQ(count, expected);
+}
+
+TEST(KeyboardHoldTest, KeepsTheKeyboardFromOthersUntilItsEndAndNotLongerThanItsLimit)
+{
+    const auto other = ZQXConnection::open();
+    ASSERT_TRUE(other);
+    const auto isFree = [&other] {
+        const auto cookie = xcb_grab_keyboard(other->get(), 0, other->root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                                              XCB_GRAB_MODE_ASYNC);
+        const ZQXReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(other->get(), cookie, nullptr));
+        const bool isGranted = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        other->wasDone(xcb_ungrab_keyboard_checked(other->get(), XCB_CURRENT_TIME));
+        return isGranted;
+    };
+    {
+        const ZQKeyboardHold hold(std::chrono::minutes(5));
+        EXPECT_TRUE(XDesktop::waitUntil([&] { return !isFree(); }));
+    }
+    EXPECT_TRUE(isFree());
+    const ZQKeyboardHold forgotten(std::chrono::seconds(2));
+    EXPECT_TRUE(XDesktop::waitUntil([&] { return !isFree(); }));
+    EXPECT_TRUE(XDesktop::waitUntil(isFree));
 }
 
 TEST_F(XHotKeysTest, SayWhoHasTheKeysAndTakeThemOnceTheyAreFree)

@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <future>
 #include <thread>
@@ -112,6 +113,11 @@ protected:
         capture = std::make_unique<ZeltoKunViewController>(std::move(parts));
     }
     void TearDown() override { capture.reset(); }
+    bool wasTold(const QString &part) const
+    {
+        return std::any_of(user.notifications.begin(), user.notifications.end(),
+                           [&part](const auto &notification) { return notification.text.contains(part); });
+    }
     void take(const QImage &image, const QString &name)
     {
         capture->snap(ScreenshotSession::Kind::Area, note());
@@ -249,6 +255,7 @@ TEST_F(StoringTest, LosesNoPictureThatTheLibraryDoesNotTake)
     EXPECT_EQ(last.items, QStringList{screenshots().first()->bundleID()});
     remember();
     EXPECT_TRUE(left.isEmpty());
+    EXPECT_TRUE(wasTold(QStringLiteral("is in the library")));
 }
 
 // Esc, a question that is dismissed, and quitting while it is asked.
@@ -283,6 +290,7 @@ TEST_F(StoringTest, KeepsAmongThePersonsPicturesWhatNobodyDecidedAbout)
     }
     const QStringList kept = pictures.entryList(QDir::Files);
     ASSERT_EQ(kept.size(), 2);
+    EXPECT_TRUE(wasTold(pictures.filePath(kept.first()))) << "in the window, too";
     for (const QString &name : kept) {
         EXPECT_EQ(QImage(pictures.filePath(name)).pixelColor(7, 5), QColor(1, 2, 3));
     }
@@ -428,10 +436,11 @@ TEST_F(StoringTest, AWebPageKeepsItsAddressAndTitle)
 {
     const QString file = path(QStringLiteral("TMPDIR/page.png"));
     ASSERT_TRUE(picture(Qt::green).save(file));
-    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A \n page "), note());
+    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A / \n page: 1 "), note());
     waitForOutcomes(1);
     ASSERT_EQ(screenshots().size(), 1);
-    EXPECT_EQ(screenshots().first()->title(), QStringLiteral("A page"));
+    EXPECT_EQ(screenshots().first()->title(), QStringLiteral("A - page: 1"));
+    EXPECT_TRUE(QFileInfo::exists(screenshots().first()->itemURL()));
     EXPECT_EQ(screenshots().first()->webPageURL(), QStringLiteral("https://example.org/a"));
 }
 

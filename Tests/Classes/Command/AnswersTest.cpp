@@ -338,6 +338,60 @@ TEST_F(AnswersTest, VerifySaysWhatIsWrong)
     EXPECT_TRUE(output().startsWith(QStringLiteral("1 item checked\n"))) << context.output.constData();
 }
 
+TEST_F(AnswersTest, WhateverTitleAFileIsGivenItIsFoundUnderIt)
+{
+    const QString file = picture(QStringLiteral("in/q.png"), qRgb(1, 2, 3));
+    const std::pair<QString, QString> cases[] = {
+        {QStringLiteral("A / B: c | <d>?"), QStringLiteral("A - B: c | <d>?")},
+        {QStringLiteral("."), QStringLiteral("q")},
+        {QStringLiteral("../../x"), QStringLiteral("-..-x")},
+        {QStringLiteral("..."), QStringLiteral("q")},
+        {QStringLiteral("  "), QStringLiteral("q")},
+        {QString(), QStringLiteral("q")},
+        {QStringLiteral("End. "), QStringLiteral("End.")},
+        {QStringLiteral("a\nb"), QStringLiteral("a-b")},
+        {QStringLiteral("a") + QChar() + u'b', QStringLiteral("a-b")},
+        {QString(300, QChar(0xE9)), QString(120, QChar(0xE9))}, // two bytes each; with "_thumb.png.tmp" at most 255
+    };
+    for (const auto &[asked, title] : cases) {
+        ASSERT_EQ(answer({QStringLiteral("import"), file, QStringLiteral("--set"), QStringLiteral("title=") + asked}),
+                  0)
+            << context.errors.constData();
+        const auto made = item(title);
+        ASSERT_TRUE(made) << asked.toStdString();
+        EXPECT_TRUE(QFileInfo(made->itemURL()).isFile()) << made->itemURL().toStdString();
+        EXPECT_TRUE(made->setNewTitle(title + u'2')) << asked.toStdString();
+        EXPECT_EQ(QFileInfo(made->itemURL()).fileName(), title + QStringLiteral("2.png"));
+        made->deletePermanently();
+        delegate->saveAction();
+    }
+    EXPECT_EQ(run("import in/q.png --set originalExtension=jpg"), 2) << "no file is found under that";
+}
+
+TEST_F(AnswersTest, VerifyNamesAFileAfterItsItem)
+{
+    importPictures();
+    const auto a = item(QStringLiteral("a"));
+    const auto b = item(QStringLiteral("b"));
+    const QString directory = a->bundleURL() + u'/';
+    a->setTitle(QStringLiteral("A / B"));
+    ASSERT_TRUE(QFile::copy(b->itemURL(), b->bundleURL() + QStringLiteral("/other.png")));
+    b->setTitle(QStringLiteral("B / C")); // two files could be it
+    delegate->saveAction();
+    ASSERT_EQ(run("verify --json"), 1);
+    EXPECT_EQ(object().value(QStringLiteral("problems")).toArray().size(), 2);
+    EXPECT_TRUE(QFile::exists(directory + QStringLiteral("a.png"))) << "a look changes nothing";
+    ASSERT_EQ(run("verify --repair"), 1);
+    EXPECT_TRUE(output().startsWith(QStringLiteral("1 file named after its item\n"))) << context.output.constData();
+    EXPECT_EQ(a->title(), QStringLiteral("A - B"));
+    EXPECT_TRUE(QFile::exists(directory + QStringLiteral("A - B.png")));
+    EXPECT_EQ(b->title(), QStringLiteral("B / C"));
+    EXPECT_TRUE(QFile::exists(b->bundleURL() + QStringLiteral("/b.png")));
+    b->deletePermanently();
+    delegate->saveAction();
+    EXPECT_EQ(run("verify --repair"), 0) << context.output.constData();
+}
+
 TEST_F(AnswersTest, AStoreThatCannotBeReadIsSaidByEachCommand)
 {
     importPictures();
@@ -386,6 +440,11 @@ TEST_F(AnswersTest, PreferencesAreValuesOfTheirType)
         {"Mine", "1,2", "1,2"},
     };
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n") << "the default";
+    EXPECT_EQ(run("defaults write UseDarkIU true"), 0);
+    EXPECT_TRUE(context.errors.contains("“UseDarkIU”")) << context.errors.constData();
+    EXPECT_EQ(run("defaults delete UseDarkIU"), 0);
+    EXPECT_EQ(run("defaults write UseDarkUI true"), 0);
+    EXPECT_TRUE(context.errors.isEmpty()) << context.errors.constData();
     for (const Case &each : cases) {
         int flushes = 0;
         int status = 0;

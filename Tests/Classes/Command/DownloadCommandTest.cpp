@@ -57,6 +57,13 @@ TEST_F(DownloadCommandTest, InAWindowItIsAnsweredLaterAndEndsWhenNobodyWaits)
     EXPECT_EQ(context.pending->finish(context), 0) << context.errors.constData();
     EXPECT_TRUE(context.output.contains("1 item imported")) << context.output.constData();
 
+    context.isAbandoned = {};
+    context.pending.reset();
+    context.mayBeFinishedLater = false;
+    EXPECT_EQ(zqRunDownload({.urls = {red}, .page = {}, .title = {}, .all = false}, context), 2);
+    EXPECT_TRUE(context.errors.contains("write --page")) << context.errors.constData();
+    context.mayBeFinishedLater = true;
+
     server.setAnswer(QStringLiteral("/silent.png"), {.end = LocalHTTPServer::End::Silence, .endsBeforeHead = true});
     context.pending.reset();
     context.isAbandoned = [] { return true; };

@@ -141,6 +141,28 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     EXPECT_TRUE(operation->failures().isEmpty());
 }
 
+TEST_F(DownloadImageTest, ImagesThatAreThereAskWithTheirAddressAndACancelTakesTheNewProjectBack)
+{
+    const QSet<QString> folders = temporaryFolders();
+    servePicture("/pic.png");
+    const QString pic = server.address(QStringLiteral("/pic.png"));
+    download({pic});
+    const QStringList before = projectTitles();
+    download({pic}, QStringLiteral("yes")); // the scripted person cancels
+    ASSERT_EQ(user.duplicates.size(), 1);
+    EXPECT_EQ(user.duplicates.first().newAddress, pic);
+    EXPECT_TRUE(user.duplicates.first().goesIntoProject);
+    zqRunMainLoopUntil([&] { return projectTitles() == before; });
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Relink);
+    };
+    download({pic}, QStringLiteral("yes"));
+    EXPECT_EQ(projectTitles().last(), QStringLiteral("Página"));
+    EXPECT_EQ(projectsLabel()->orderedChildren().last()->numberOfItems(), 1);
+    EXPECT_EQ(items().size(), 1);
+    EXPECT_TRUE((temporaryFolders() - folders).isEmpty());
+}
+
 TEST_F(DownloadImageTest, ImagesOfOneBareNameAllCome)
 {
     server.setHandler(QStringLiteral("/picture"),
@@ -160,18 +182,21 @@ TEST_F(DownloadImageTest, WhatFailsIsToldAndTheOthersCome)
     server.setAnswer(QStringLiteral("/page.png"), Answer::with("text/html", "<p>not here</p>"));
     server.setAnswer(QStringLiteral("/short.png"), {.body = png(), .statedLength = 100'000});
     server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", "no picture"));
+    server.setAnswer(QStringLiteral("/called.jpg"),
+                     Answer::with("image/jpeg", "<!DOCTYPE html><html><head><title>x</title></head></html>"));
     QStringList images;
-    for (const char *name : {"/missing.png", "/page.png", "/short.png", "/unknown", "/good.png"}) {
+    for (const char *name : {"/missing.png", "/page.png", "/short.png", "/unknown", "/called.jpg", "/good.png"}) {
         images.append(server.address(QString::fromLatin1(name)));
     }
     images.append({QStringLiteral("ftp://127.0.0.1/a.png"), QStringLiteral("file:///etc/passwd"), QString(),
                    QStringLiteral("data:image/png;base64,*")});
     const auto operation = download(images);
     EXPECT_EQ(titles(items()), QStringList{QStringLiteral("good")});
-    EXPECT_EQ(operation->failures().size(), 8);
+    EXPECT_EQ(operation->failures().size(), 9);
     ASSERT_EQ(user.errors.size(), 1);
     const QString told = user.errors.first().localizedDescription();
-    EXPECT_TRUE(told.contains(QStringLiteral("8 of 9 images could not be downloaded:"))) << told.toStdString();
+    EXPECT_TRUE(told.contains(QStringLiteral("9 of 10 images could not be downloaded:"))) << told.toStdString();
+    EXPECT_TRUE(told.contains(QStringLiteral("a page of text in place of the picture"))) << told.toStdString();
     EXPECT_TRUE(told.contains(QStringLiteral("404"))) << told.toStdString();
     EXPECT_EQ(projectTitles(), before);
 

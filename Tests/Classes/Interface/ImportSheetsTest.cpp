@@ -197,6 +197,17 @@ TEST_F(ImportSheetsTest, DuplicatesAreNamedWithTheirExtensionsAndWhereTheNewOneC
         button(sheet, "Cancel")->click();
     });
     DuplicatesSheet(&window, {pair}).run();
+
+    pair.newPath = QStringLiteral("/tmp/x/t.1/mark copy.png");
+    pair.newAddress = QStringLiteral("https://example.org/a.png");
+    pair.goesIntoProject = true;
+    when<Sheet>([](Sheet &sheet) {
+        EXPECT_TRUE(texts(sheet).contains(QStringLiteral("New, from https://example.org/a.png\n")));
+        button(sheet, "Next")->click();
+    });
+    DuplicatesSheet sheet(&window, {pair});
+    const int code = sheet.run();
+    EXPECT_EQ(sheet.answer(code), std::optional(Choices{DuplicateChoice::Relink}));
 }
 
 TEST_F(ImportSheetsTest, AnAnswerForAllIsForTheRestTooWhereArchivesFollow)

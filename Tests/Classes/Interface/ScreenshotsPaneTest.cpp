@@ -164,6 +164,9 @@ TEST_F(ScreenshotsPaneTest, KeysThatCannotBeTakenAreRefusedWithTheReason)
     record("Area", Qt::Key_A, {});
     EXPECT_TRUE(field("Area").isRecording());
     EXPECT_TRUE(problems().contains(QStringLiteral("Ctrl, Alt or Super"))) << problems().toStdString();
+    QTest::keyPress(&field("Area"), Qt::Key_Control);
+    QTest::keyRelease(&field("Area"), Qt::Key_Control, Qt::ControlModifier);
+    EXPECT_TRUE(problems().contains(QStringLiteral("No key came with it"))) << problems().toStdString();
     QTest::keyClick(&field("Area"), Qt::Key_A, Qt::ShiftModifier);
     QTest::keyClick(&field("Area"), Qt::Key_Control, Qt::ControlModifier);
     QTest::keyClick(&field("Area"), Qt::Key_VolumeUp, Qt::ControlModifier);

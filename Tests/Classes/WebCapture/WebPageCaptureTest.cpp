@@ -226,6 +226,9 @@ TEST_F(WebPageCaptureTest, PagesThatMisbehave)
     server.setAnswer(QStringLiteral("/file"), Answer{.headers = {{"Content-Type", "application/octet-stream"},
                                                                  {"Content-Disposition", "attachment; filename=a.bin"}},
                                                      .body = "abc"});
+    server.setAnswer(
+        QStringLiteral("/gone"),
+        Answer{.status = 404, .headers = {{"Content-Type", "text/html"}}, .body = "<p>gone<iframe src=/never>"});
     struct Case
     {
         const char *target;
@@ -239,6 +242,7 @@ TEST_F(WebPageCaptureTest, PagesThatMisbehave)
         {"/circle", WebCaptureErrors::NotReached},
         {"/file", WebCaptureErrors::NoPage},
         {"/never", captured, 1},
+        {"/gone", captured, 2}, // its status, and the frame in it that does not load
         {"/dialogs", captured},
         {"/moved", captured, 0, "/dialogs"},
     };
@@ -246,6 +250,7 @@ TEST_F(WebPageCaptureTest, PagesThatMisbehave)
         const WebCaptureResult result = capture(requestForTarget(QString::fromLatin1(each.target)));
         EXPECT_EQ(result.error.code, each.code) << each.target << qPrintable(result.error.localizedDescription());
         EXPECT_EQ(result.notes.size(), each.notes) << each.target;
+        EXPECT_EQ(result.status == 404, each.notes == 2) << each.target;
         if (each.end) {
             EXPECT_EQ(result.pageURL, server.address(QString::fromLatin1(each.end)));
         }
