@@ -49,12 +49,9 @@ std::shared_ptr<CloudService> CloudServices::adapterClassForUpload() const
     if (!chosen.isEmpty()) {
         return serviceNamed(chosen);
     }
-    for (const QString &identifier : {QStringLiteral("cloudapp"), QStringLiteral("dropbox")}) {
-        if (const auto service = serviceNamed(identifier); service && service->isReady()) {
-            return service;
-        }
-    }
-    return serviceNamed(QStringLiteral("imgur"));
+    const List all = services();
+    const auto ready = std::find_if(all.begin(), all.end(), [](const auto &each) { return each->isReady(); });
+    return ready == all.end() ? serviceNamed(QStringLiteral("imgur")) : *ready;
 }
 
 ZQError CloudServices::problemOf(const CloudService *service)

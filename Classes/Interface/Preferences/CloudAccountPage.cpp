@@ -1,6 +1,8 @@
 #include "Classes/Interface/Preferences/CloudAccountPage.h"
 
 #include "Classes/Interface/Preferences/TurningIcon.h"
+#include "Classes/Sharing/CloudService.h"
+#include "Classes/Sharing/CloudServices.h"
 #include "Classes/Sharing/WebBrowser.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -26,13 +28,15 @@ ZQUserDefaults &defaults()
 } // namespace
 
 CloudAccountPage::CloudAccountPage(const QString &service, const QString &title, QWidget *parent)
-    : QWidget(parent), m_column(new QVBoxLayout), m_problem(new QLabel(this))
+    : QWidget(parent), m_column(new QVBoxLayout), m_use(new QPushButton(zqLocalized("Use It for Sharin&g"), this)),
+      m_problem(new QLabel(this))
 {
     setObjectName(service);
     setAccessibleName(title);
     auto *all = new QVBoxLayout(this);
     all->setContentsMargins(0, 6, 0, 0);
     all->addLayout(m_column);
+    all->addWidget(m_use, 0, Qt::AlignLeft);
     all->addWidget(m_problem);
     all->addStretch(1);
     m_column->setSpacing(8);
@@ -40,6 +44,16 @@ CloudAccountPage::CloudAccountPage(const QString &service, const QString &title,
     m_problem->setWordWrap(true);
     m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_problem->hide();
+    m_use->setAutoDefault(false);
+    m_use->hide();
+    connect(m_use, &QPushButton::clicked, this, [this] { Q_EMIT useRequested(serviceToUse()); });
+}
+
+void CloudAccountPage::showUse(const QString &serviceInUse)
+{
+    const QString own = serviceToUse();
+    const auto ready = CloudServices::sharedCloudServices().serviceNamed(own);
+    m_use->setVisible(own != serviceInUse && ready && ready->isReady());
 }
 
 QLineEdit *CloudAccountPage::addField(const QString &text, const QString &example, FieldKind kind)

@@ -28,10 +28,14 @@ public:
     QString title() const { return accessibleName(); }
     virtual QStringList preferences() const { return m_keys; } // what it shows
     virtual void refresh();                                    // everything, as it is now
+    // The identifier of the service that could be shared to; of several the one that is selected.
+    virtual QString serviceToUse() const { return service(); }
+    void showUse(const QString &serviceInUse); // offers to share to this one while another one is in use
 
 Q_SIGNALS:
     void refused(const ZQError &error); // what was entered could not be written
     void changed();                     // an account came or went
+    void useRequested(const QString &service);
 
 protected:
     enum class FieldKind { Plain, Secret };
@@ -57,6 +61,7 @@ private:
     QVBoxLayout *m_column;
     QGridLayout *m_form = nullptr;
     QHash<QLineEdit *, QLabel *> m_names;
+    QPushButton *m_use;
     QLabel *m_problem;
     QLabel *m_state = nullptr;
     TurningIcon *m_turning = nullptr;

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Preferences/DescriptionReview.h"
+#include "Classes/Sharing/CustomService.h"
 #include "Classes/Sharing/CustomServices.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -24,7 +25,10 @@ DescriptionsPage::DescriptionsPage(UserInteraction &user, QWidget *parent)
     m_list->setAccessibleName(zqLocalized("Other services"));
     m_list->setFixedHeight(listHeight);
     column()->addWidget(m_list);
-    connect(m_list, &QListWidget::currentRowChanged, this, &DescriptionsPage::updateButtons);
+    connect(m_list, &QListWidget::currentRowChanged, this, [this] {
+        updateButtons();
+        Q_EMIT changed(); // of which there is to be told whether it is in use
+    });
     QBoxLayout *row = addRow();
     m_import = addButton(row, zqLocalized("&Import…"), [this] { importFile(); });
     m_remove = addButton(row, zqLocalized("&Remove"), [this] { removeSelected(); });
@@ -57,6 +61,12 @@ void DescriptionsPage::refresh()
         }
     }
     updateButtons();
+}
+
+QString DescriptionsPage::serviceToUse() const
+{
+    const QListWidgetItem *const one = m_list->count() == 1 ? m_list->item(0) : m_list->currentItem();
+    return one ? CustomService::identifierOf(one->data(Qt::UserRole).toString()) : QString();
 }
 
 void DescriptionsPage::updateButtons()

@@ -18,6 +18,7 @@ public:
     explicit DescriptionsPage(UserInteraction &user, QWidget *parent = nullptr);
     QStringList preferences() const override;
     void refresh() override;
+    QString serviceToUse() const override;
 
     void importFile();
 

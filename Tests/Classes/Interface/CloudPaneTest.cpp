@@ -274,6 +274,14 @@ TEST_F(CloudPaneTest, AServerOfOnesOwnIsTriedWithWhatWasEntered)
     button("Test and Connect")->click();
     ASSERT_TRUE(waitFor([this] { return button("Disconnect") != nullptr; }));
     EXPECT_TRUE(isSaid(QStringLiteral("Connected as me@127.0.0.1")));
+    EXPECT_TRUE(isSaid(QStringLiteral("Now: 127.0.0.1."))) << "nothing else is set up";
+    EXPECT_FALSE(isSaid(QStringLiteral("not set up yet")));
+    EXPECT_FALSE(button("Use It for Sharing"));
+    defaults().setObjectForKey(QStringLiteral("imgur"), CloudServices::choiceKey);
+    ASSERT_TRUE(button("Use It for Sharing"));
+    button("Use It for Sharing")->click();
+    EXPECT_EQ(defaults().stringForKey(CloudServices::choiceKey), QStringLiteral("webdav"));
+    EXPECT_FALSE(button("Use It for Sharing"));
     ASSERT_EQ(secrets->entries.size(), 1);
     EXPECT_FALSE(kept().contains(password.toUtf8()));
     button("Disconnect")->click();

@@ -166,15 +166,21 @@ TEST_F(CloudUploaderTest, TheServiceIsTheChosenOneOrTheFirstThatIsReady)
     {
         bool hasCloudApp;
         bool hasDropbox;
+        bool hasImgur;
+        bool hasOwn;
         const char *chosen;
         const char *expected; // null: none
     } cases[] = {
-        {true, true, "", "cloudapp"},         {false, true, "", "dropbox"},     {false, false, "", "imgur"},
-        {false, false, "dropbox", "dropbox"}, {true, true, "webdav", "webdav"}, {true, true, "custom:gone", nullptr},
+        {true, true, true, true, "", "cloudapp"},     {false, true, true, true, "", "dropbox"},
+        {false, false, true, true, "", "imgur"},      {false, false, false, true, "", "webdav"},
+        {false, false, false, false, "", "imgur"},    {false, false, true, true, "dropbox", "dropbox"},
+        {true, true, true, true, "webdav", "webdav"}, {true, true, true, true, "custom:gone", nullptr},
     };
     for (const auto &each : cases) {
         cloudApp->ready = each.hasCloudApp;
         dropbox->ready = each.hasDropbox;
+        service->ready = each.hasImgur;
+        own->ready = each.hasOwn;
         ZQUserDefaults::standardUserDefaults().setObjectForKey(QString::fromLatin1(each.chosen),
                                                                CloudServices::choiceKey);
         const auto chosen = services.adapterClassForUpload();
