@@ -58,6 +58,21 @@ void post(const QString &name, const QVariantMap &userInfo = {})
     ZQNotificationCenter::defaultCenter().postNotification(name, nullptr, userInfo);
 }
 
+void askToSetUp(const ZQError &problem)
+{
+    UserInteraction *const user = person();
+    const auto text = [&problem](const QString &key) { return problem.userInfo.value(key).toString(); };
+    const int answer = user ? user->ask({text(ZQError::descriptionKey),
+                                         text(ZQError::failureReasonKey),
+                                         {zqLocalized("Open Cloud Preferences…"), zqLocalized("OK")},
+                                         {},
+                                         false})
+                            : -1;
+    if (answer == 0) {
+        post(CloudUploader::preferencesRequested);
+    }
+}
+
 void putOnClipboard(const QString &text)
 {
     if (qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
@@ -151,7 +166,7 @@ std::shared_ptr<CloudService> CloudUploader::readyService() const
 {
     auto service = CloudServices::sharedCloudServices().adapterClassForUpload();
     if (const ZQError problem = CloudServices::problemOf(service.get()); !problem.isNull()) {
-        present(problem);
+        askToSetUp(problem);
         return nullptr;
     }
     return service;

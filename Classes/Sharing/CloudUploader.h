@@ -49,6 +49,8 @@ public:
     static inline const QString didStart = QStringLiteral("CloudUploadDidStart");
     static inline const QString didUpdate = QStringLiteral("CloudUploadDidUpdate");
     static inline const QString didFinish = QStringLiteral("CloudUploadDidFinish");
+    // The person wants to set up where files go.
+    static inline const QString preferencesRequested = QStringLiteral("CloudPreferencesRequested");
     static inline const QString numberKey = QStringLiteral("number");
 
     static CloudUploader &sharedCloudUploader();

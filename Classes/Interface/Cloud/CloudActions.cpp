@@ -33,6 +33,7 @@ void CloudActions::follow()
        [this, number](const ZQNotification &said) { m_button.uploadDidStart(number(said).toLongLong()); });
     on(CloudUploader::didUpdate,
        [this, number](const ZQNotification &said) { m_button.uploadDidUpdate(number(said).toDouble()); });
+    on(CloudUploader::preferencesRequested, [this](const ZQNotification &) { Q_EMIT preferencesRequested(); });
     on(CloudUploader::didFinish, [this](const ZQNotification &) { m_button.uploadDidFinish(); });
 }
 

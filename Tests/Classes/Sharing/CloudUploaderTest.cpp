@@ -193,9 +193,28 @@ TEST_F(CloudUploaderTest, TheServiceIsTheChosenOneOrTheFirstThatIsReady)
     uploader.uploadLibrayItems(shared);
     EXPECT_FALSE(uploader.hasUploadsLeft());
     EXPECT_TRUE(told.isEmpty());
-    ASSERT_EQ(user.errors.size(), 2);
-    EXPECT_TRUE(alerts()[0].contains(QStringLiteral("not there any more")));
-    EXPECT_EQ(alerts()[1], QStringLiteral("Cannot upload the files Enter a key."));
+    ASSERT_EQ(user.questions.size(), 2);
+    EXPECT_TRUE(user.questions[0].informativeText.contains(QStringLiteral("not there any more")));
+    EXPECT_EQ(user.questions[1].message, QStringLiteral("Cannot upload the files"));
+    EXPECT_EQ(user.questions[1].informativeText, QStringLiteral("Enter a key."));
+}
+
+TEST_F(CloudUploaderTest, WhoSharesBeforeAnythingIsSetUpIsLedThere)
+{
+    service->ready = false;
+    int requests = 0;
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        CloudUploader::preferencesRequested, nullptr, [&requests](const ZQNotification &) { ++requests; });
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    EXPECT_EQ(requests, 0) << "the answer that changes least";
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    uploader.uploadLibrayItems(shared);
+    EXPECT_EQ(requests, 1);
+    ASSERT_EQ(user.questions.size(), 2);
+    EXPECT_TRUE(user.questions[0].informativeText.startsWith(QStringLiteral("Enter a key.")));
+    EXPECT_TRUE(user.questions[0].informativeText.contains(QStringLiteral("Nextcloud")));
+    EXPECT_TRUE(told.isEmpty());
 }
 
 TEST_F(CloudUploaderTest, WhatAnExportWroteIsUploadedWhenItsOwnExportEnds)
