@@ -180,7 +180,12 @@ int WindowUserInteraction::ask(const UserQuestion &question)
     QList<QAbstractButton *> buttons;
     for (qsizetype i = 0; i < question.buttons.size(); ++i) {
         const bool isLast = i + 1 == question.buttons.size();
-        buttons.append(box.addButton(question.buttons[i], isLast ? QMessageBox::RejectRole : QMessageBox::AcceptRole));
+        QPushButton *const button =
+            box.addButton(question.buttons[i], isLast ? QMessageBox::RejectRole : QMessageBox::AcceptRole);
+        buttons.append(button);
+        if (isLast && question.isLastDefault) {
+            box.setDefaultButton(button);
+        }
     }
     if (question.withdrawal) {
         question.withdrawal->setEnd([&box] { box.reject(); });

@@ -1,3 +1,4 @@
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Application/Quit.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Sharing/CloudAppAccount.h"
@@ -398,4 +399,29 @@ TEST_F(CloudUploaderTest, QuittingWhileUploadingAsks)
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_FALSE(uploader.hasUploadsLeft());
     EXPECT_EQ(user.questions.size(), 2);
+}
+
+TEST_F(CloudUploaderTest, NobodyIsAskedWhenTheProcessIsToEnd)
+{
+    service->script = [](FakeAdapter &) {}; // never ends by itself
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    bool wasWithdrawn = false;
+    user.answerQuestion = [&](const UserQuestion &question) {
+        delegate->terminate(); // by a person who is impatient
+        EXPECT_FALSE(question.withdrawal->isWithdrawn());
+        isEndWanted = true;
+        delegate->terminate(); // by a signal
+        wasWithdrawn = question.withdrawal->isWithdrawn();
+        return 1;
+    };
+    delegate->terminate();
+    EXPECT_TRUE(wasWithdrawn);
+    EXPECT_FALSE(uploader.hasUploadsLeft());
+    EXPECT_TRUE(delegate->isTerminating()) << "it has quit";
+    ASSERT_EQ(user.questions.size(), 1);
+
+    uploader.uploadLibrayItems(shared);
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    EXPECT_EQ(user.questions.size(), 1) << "there is nobody to ask";
 }
