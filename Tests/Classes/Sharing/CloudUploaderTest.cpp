@@ -401,7 +401,7 @@ TEST_F(CloudUploaderTest, QuittingWhileUploadingAsks)
     EXPECT_EQ(user.questions.size(), 2);
 }
 
-TEST_F(CloudUploaderTest, NobodyIsAskedWhenTheProcessIsToEnd)
+TEST_F(CloudUploaderTest, ASignalAnswersTheQuestionWhetherToQuit)
 {
     service->script = [](FakeAdapter &) {}; // never ends by itself
     const auto shared = items(1);
@@ -419,9 +419,15 @@ TEST_F(CloudUploaderTest, NobodyIsAskedWhenTheProcessIsToEnd)
     EXPECT_TRUE(wasWithdrawn);
     EXPECT_FALSE(uploader.hasUploadsLeft());
     EXPECT_TRUE(delegate->isTerminating()) << "it has quit";
-    ASSERT_EQ(user.questions.size(), 1);
+    EXPECT_EQ(user.questions.size(), 1);
+}
 
-    uploader.uploadLibrayItems(shared);
+TEST_F(CloudUploaderTest, ASignalEndsUploadsWithoutAQuestion)
+{
+    service->script = [](FakeAdapter &) {};
+    uploader.uploadLibrayItems(items(1));
+    isEndWanted = true;
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
-    EXPECT_EQ(user.questions.size(), 1) << "there is nobody to ask";
+    EXPECT_FALSE(uploader.hasUploadsLeft());
+    EXPECT_TRUE(user.questions.isEmpty());
 }
