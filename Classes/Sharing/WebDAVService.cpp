@@ -121,8 +121,8 @@ void WebDAVCheck::disconnect(const Done &done)
 {
     const QStringList accounts = SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets);
     // A server that is still known can be disconnected again when the keyring refused.
-    forgetSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
-        if (error.isNull()) {
+    giveUpSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
+        if (areSecretsGivenUp(error)) {
             for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
                 ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
             }

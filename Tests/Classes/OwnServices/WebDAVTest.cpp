@@ -200,6 +200,12 @@ TEST_F(WebDAVTest, APasswordIsKeptForTheServerThatTookItAndForNoOther)
     EXPECT_TRUE(disconnect().isNull());
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
+
+    EXPECT_TRUE(connectTo("pass")->isNull());
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Unavailable, QStringLiteral("none"));
+    EXPECT_EQ(disconnect().code, SecretStore::LeftBehind);
+    EXPECT_TRUE(secrets->entries.isEmpty()) << "no account without a keyring that could ever give it up";
+    EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
 }
 
 TEST_F(WebDAVTest, WhatIsCancelledWhileTheKeyringAsksIsNotKept)
