@@ -6,6 +6,25 @@
 #include "Classes/Sharing/WebDAVAdapter.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQNetworkError.h"
+#include "Kit/Network/ZQPrivateAddress.h"
+
+namespace {
+
+// Why a server gave no answer at all. Where the person named no scheme it may be one without encryption.
+ZQError withoutScheme(const WebDAVSettings &settings, const ZQHTTPResponse &response)
+{
+    const bool isHTTPAllowed = zqIsPrivateHostName(response.url.host()) && !settings.address.contains(u"://");
+    if (!isHTTPAllowed || !zqIsNetworkError(response.error, ZQNetworkErrorCode::Untrusted)) {
+        return response.error;
+    }
+    ZQError error = response.error;
+    error.userInfo.insert(ZQError::failureReasonKey,
+                          zqLocalized("If it has no encryption, write http:// before its address."));
+    return error;
+}
+
+} // namespace
 
 QString WebDAVService::title() const
 {
@@ -63,7 +82,7 @@ void WebDAVCheck::connectTo(const WebDAVSettings &settings, const ZQSecret &pass
                                               {response.url.toString(QUrl::RemoveUserInfo)}),
                                      zqLocalized("Check the address and the name of the user.")));
         } else {
-            done(response.error);
+            done(withoutScheme(settings, response));
         }
     });
 }
