@@ -35,7 +35,8 @@ ZQError offlineOr(const QString &host, const ZQError &other)
 bool isWithoutRoute(const QString &host, int systemError)
 {
     QHostAddress address;
-    return (systemError == ENETUNREACH || systemError == ENETDOWN) && address.setAddress(host) &&
+    return zqReachOfHostName(host) != ZQAddressReach::Machine &&
+           (systemError == ENETUNREACH || systemError == ENETDOWN) && address.setAddress(host) &&
            address.protocol() == QAbstractSocket::IPv4Protocol;
 }
 

@@ -141,6 +141,37 @@ TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
     }
 }
 
+TEST_F(WebDAVTest, AFailedUploadTakesItsFolderBackUnlessTheFileArrived)
+{
+    const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + uploadID + u'/';
+    const struct
+    {
+        QString at;
+        Answer answer;
+        bool isRemoved;
+    } cases[] = {
+        {folderOfIts + "a.png", {.status = 412}, false}, // somebody else's
+        {shares, {.status = 404}, false},                // the person is told that it is there
+        {folderOfIts + "a.png", {.status = 500}, true},
+        {folderOfIts + "a.png", {.endsBeforeHead = true}, true},
+        {shares, {.status = 500}, true},
+    };
+    int expected = 0;
+    const auto removals = [this] {
+        const QList<Request> all = server.requests();
+        return std::count_if(all.begin(), all.end(), [](const Request &each) { return each.method == "DELETE"; });
+    };
+    for (const auto &each : cases) {
+        server.setHandler(folderOfIts, forMe({.status = 201}));
+        server.setHandler(folderOfIts + "a.png", forMe({.status = 201}));
+        server.setHandler(each.at, forMe(each.answer));
+        run(std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), uploadID, this, settings));
+        ASSERT_TRUE(error) << each.at.toStdString();
+        expected += each.isRemoved ? 1 : 0;
+        zqRunMainLoopUntil([&] { return removals() >= expected; });
+    }
+}
+
 TEST_F(WebDAVTest, FailuresSayWhatToDo)
 {
     const QString file = own + QStringLiteral("Pic%20%231%3F.png");
