@@ -3,6 +3,9 @@
 #include "Classes/Sharing/WebDAVService.h"
 #include "Tests/Classes/OwnServices/ServicesFixture.h"
 
+#include <QSet>
+#include <QUuid>
+
 namespace {
 
 class WebDAVTest : public ServicesFixture
@@ -143,33 +146,40 @@ TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
 
 TEST_F(WebDAVTest, AFailedUploadTakesItsFolderBackUnlessTheFileArrived)
 {
-    const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + uploadID + u'/';
     const struct
     {
-        QString at;
+        bool isOfFile; // else of the link
         Answer answer;
         bool isRemoved;
     } cases[] = {
-        {folderOfIts + "a.png", {.status = 412}, false}, // somebody else's
-        {shares, {.status = 404}, false},                // the person is told that it is there
-        {folderOfIts + "a.png", {.status = 500}, true},
-        {folderOfIts + "a.png", {.endsBeforeHead = true}, true},
-        {shares, {.status = 500}, true},
+        {true, {.status = 412}, false},  // what is in it is somebody else's
+        {false, {.status = 404}, false}, // the person is told that it is there
+        {true, {.status = 500}, true},   {true, {.endsBeforeHead = true}, true}, {false, {.status = 500}, true},
     };
-    int expected = 0;
-    const auto removals = [this] {
-        const QList<Request> all = server.requests();
-        return std::count_if(all.begin(), all.end(), [](const Request &each) { return each.method == "DELETE"; });
+    QSet<QString> expected;
+    const auto removed = [this] {
+        QSet<QString> folders;
+        for (const Request &each : server.requests()) {
+            if (each.method == "DELETE") {
+                folders.insert(each.target);
+            }
+        }
+        return folders;
     };
     for (const auto &each : cases) {
+        const QString ID = QUuid::createUuid().toString(QUuid::WithoutBraces);
+        const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + ID + u'/';
         server.setHandler(folderOfIts, forMe({.status = 201}));
         server.setHandler(folderOfIts + "a.png", forMe({.status = 201}));
-        server.setHandler(each.at, forMe(each.answer));
-        run(std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), uploadID, this, settings));
-        ASSERT_TRUE(error) << each.at.toStdString();
-        expected += each.isRemoved ? 1 : 0;
-        zqRunMainLoopUntil([&] { return removals() >= expected; });
+        server.setHandler(each.isOfFile ? folderOfIts + "a.png" : shares, forMe(each.answer));
+        run(std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), ID, this, settings));
+        ASSERT_TRUE(error) << each.answer.status;
+        if (each.isRemoved) {
+            expected.insert(folderOfIts);
+            zqRunMainLoopUntil([&] { return removed().contains(folderOfIts); });
+        }
     }
+    EXPECT_EQ(removed(), expected);
 }
 
 TEST_F(WebDAVTest, FailuresSayWhatToDo)
