@@ -113,11 +113,12 @@ private:
     QPointer<ZQProgressLine> m_line;
 };
 
-QWidget *windowToAskIn(QWidget *main)
+QWidget *windowToAskIn(QWidget *mainWindow)
 {
     QWidget *const active = QApplication::activeWindow();
-    const bool isBeside = active && active->parentWidget() == main && active->property(Sheet::hasOwnProperty).toBool();
-    return isBeside ? active : main;
+    const bool isBeside =
+        active && active->parentWidget() == mainWindow && active->property(Sheet::hasOwnProperty).toBool();
+    return isBeside ? active : mainWindow;
 }
 
 QString filterFor(const FileChoice &choice)
