@@ -45,6 +45,7 @@
 #include <QProcess>
 #include <QScopeGuard>
 #include <QScreen>
+#include <QSessionManager>
 #include <QTimer>
 
 #include <algorithm>
@@ -420,7 +421,15 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
     parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
-    parts.isEndWanted = &SignalWatcher::hasCome;
+    const auto isSessionEnding = std::make_shared<bool>(false);
+    QObject::connect(
+        &application, &QGuiApplication::commitDataRequest, &application, [isSessionEnding] { *isSessionEnding = true; },
+        Qt::DirectConnection);
+    QObject::connect(&application, &QGuiApplication::applicationStateChanged, &application,
+                     [isSessionEnding](Qt::ApplicationState state) { // the end was called off
+                         *isSessionEnding = *isSessionEnding && state != Qt::ApplicationActive;
+                     });
+    parts.isEndWanted = [isSessionEnding] { return SignalWatcher::hasCome() || *isSessionEnding; };
     parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;

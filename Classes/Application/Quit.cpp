@@ -5,6 +5,7 @@
 #include "Classes/Application/LibraryPlaces.h"
 #include "Classes/Application/LibraryRemovals.h"
 #include "Classes/Application/LibraryStore.h"
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Application/RunningParts.h"
 #include "Classes/Application/StoreWork.h"
 #include "Classes/Application/TemporaryArea.h"
@@ -25,6 +26,17 @@ constexpr std::chrono::milliseconds drainStep{400};
 constexpr std::chrono::milliseconds uploadStep{20};
 constexpr std::chrono::seconds longestEndOfUploads{5};
 constexpr int pathsPerRemoval = 1000;
+
+UserQuestion mayQuit(const QString &message, const QString &informativeText)
+{
+    UserQuestion question;
+    question.message = message;
+    question.informativeText = informativeText;
+    question.buttons = {zqLocalized("Quit anyway"), zqLocalized("Cancel")};
+    question.isDestructive = true;
+    question.isLastDefault = true;
+    return question;
+}
 } // namespace
 
 Quit::Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, LeftoverCheck &leftovers,
@@ -37,16 +49,22 @@ Quit::Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, Le
 bool Quit::mayEndUploads()
 {
     const CloudUploading *const uploads = m_running.cloudUploading();
-    if (!uploads || !uploads->isUploading()) {
+    if (!uploads || !uploads->isUploading() || isEndWanted()) { // who ends the session waits for no answer
         return true;
     }
-    const int answer = m_running.userInteraction().ask(
-        {zqLocalized("Zelto is uploading files"),
-         zqLocalized("Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be."),
-         {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
-         {},
-         true});
-    return answer == 0 || !uploads->isUploading(); // the last may have arrived while the question stood there
+    UserQuestion question = mayQuit(
+        zqLocalized("Zelto is uploading files"),
+        zqLocalized("Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be."));
+    m_uploadQuestion = question.withdrawal = std::make_shared<QuestionWithdrawal>();
+    const int answer = m_running.userInteraction().ask(question);
+    m_uploadQuestion.reset();
+    // The last may have arrived, or the session ended, while the question stood there.
+    return answer == 0 || !uploads->isUploading() || isEndWanted();
+}
+
+bool Quit::isEndWanted() const
+{
+    return m_running.parts().isEndWanted && m_running.parts().isEndWanted();
 }
 
 // They end at once; one that cannot, for whatever reason, keeps nobody.
@@ -74,11 +92,8 @@ bool Quit::stopRunningImports()
     if (isIdle()) {
         return true;
     }
-    const int answer = m_running.userInteraction().ask({zqLocalized("Zelto is importing files"),
-                                                        zqLocalized("Zelto is importing files, are you sure to quit?"),
-                                                        {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
-                                                        {},
-                                                        true});
+    const int answer = m_running.userInteraction().ask(mayQuit(
+        zqLocalized("Zelto is importing files"), zqLocalized("Zelto is importing files, are you sure to quit?")));
     if (answer != 0) {
         return false;
     }
@@ -187,6 +202,9 @@ TerminateReply Quit::applicationShouldTerminate()
 void Quit::terminate()
 {
     if (m_isTerminating) {
+        if (m_uploadQuestion && isEndWanted()) {
+            m_uploadQuestion->withdraw();
+        }
         return;
     }
     m_isTerminating = true;

@@ -2,10 +2,13 @@
 
 #include <QStringList>
 
+#include <memory>
+
 class LeftoverCheck;
 class LibraryPlaces;
 class LibraryRemovals;
 class LibraryStore;
+class QuestionWithdrawal;
 class RunningParts;
 class StoreWork;
 
@@ -38,6 +41,7 @@ private:
     // Whether nothing is uploaded, or the person lets that end; nothing is ended yet.
     bool mayEndUploads();
     void endUploads();
+    bool isEndWanted() const; // by a signal or the desktop: nobody is there to be asked
     QStringList purge();
     void removePurged();
 
@@ -47,7 +51,8 @@ private:
     LeftoverCheck &m_leftovers;
     StoreWork &m_storeWork;
     LibraryRemovals &m_removals;
-    QStringList m_notedRemovals; // by every attempt to quit
+    std::shared_ptr<QuestionWithdrawal> m_uploadQuestion; // while it is shown
+    QStringList m_notedRemovals;                          // by every attempt to quit
     bool m_isTerminating = false;
     bool m_isEnding = false;
     bool m_hasQuit = false;

@@ -25,6 +25,7 @@ struct UserQuestion
     QString suppressionKey; // the user default a "Do not ask again" box sets to true; empty: no box
     bool isDestructive = false;
     std::shared_ptr<QuestionWithdrawal> withdrawal = {}; // null: it stays until it is answered
+    bool isLastDefault = false;                          // the last button is the default
 };
 
 // One path under review before an import.

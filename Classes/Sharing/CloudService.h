@@ -10,8 +10,7 @@
 // A place that files can be uploaded to. Main thread.
 //
 // Services stand in one list (`CloudServices`), in the order in which one is chosen when the person chose none:
-// CloudApp, Dropbox, Imgur; behind them those that are only chosen by name: a WebDAV server and what descriptions
-// define.
+// CloudApp, Dropbox, Imgur, a WebDAV server, and what descriptions define.
 class CloudService
 {
 public:

@@ -49,12 +49,9 @@ std::shared_ptr<CloudService> CloudServices::adapterClassForUpload() const
     if (!chosen.isEmpty()) {
         return serviceNamed(chosen);
     }
-    for (const QString &identifier : {QStringLiteral("cloudapp"), QStringLiteral("dropbox")}) {
-        if (const auto service = serviceNamed(identifier); service && service->isReady()) {
-            return service;
-        }
-    }
-    return serviceNamed(QStringLiteral("imgur"));
+    const List all = services();
+    const auto ready = std::find_if(all.begin(), all.end(), [](const auto &each) { return each->isReady(); });
+    return ready == all.end() ? serviceNamed(QStringLiteral("imgur")) : *ready;
 }
 
 ZQError CloudServices::problemOf(const CloudService *service)
@@ -65,5 +62,15 @@ ZQError CloudServices::problemOf(const CloudService *service)
                              zqLocalized("The service that was chosen for uploads is not there any more. Choose "
                                          "another one in the preferences, under Cloud."));
     }
-    return service->isReady() ? ZQError() : ZQError::with(errorDomain, 2, title, service->whatIsMissing());
+    if (service->isReady()) {
+        return {};
+    }
+    const List all = sharedCloudServices().services();
+    const bool isAnyReady = std::any_of(all.begin(), all.end(), [](const auto &each) { return each->isReady(); });
+    const QString others =
+        isAnyReady
+            ? QString()
+            : u' ' + zqLocalized("Any other one that is set up there does as well: a server of your own (WebDAV, "
+                                 "Nextcloud), Dropbox, Imgur, or a service that a description file explains.");
+    return ZQError::with(errorDomain, 2, title, service->whatIsMissing() + others);
 }

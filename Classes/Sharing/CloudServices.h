@@ -28,9 +28,9 @@ public:
     void setSource(Source source) { m_source = std::move(source); }
 
     std::shared_ptr<CloudService> serviceNamed(const QString &identifier) const; // null: there is none
-    // The one the person chose, else CloudApp when it has an account, else Dropbox when it is linked, else Imgur. Never
-    // another one than was chosen, since files would go where nobody wants them: null when it is not there any more.
-    // It may not be ready.
+    // The one the person chose, else the first that is ready: CloudApp, Dropbox, Imgur, a server of one's own, what
+    // descriptions define. When none is, Imgur. Never another one than was chosen, since files would go where nobody
+    // wants them: null when it is not there any more. It may not be ready.
     std::shared_ptr<CloudService> adapterClassForUpload() const;
     // Why nothing can be uploaded to it, with what to do; null: it can. `service` null: the chosen one is gone.
     static ZQError problemOf(const CloudService *service);

@@ -11,6 +11,7 @@
 #include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -57,6 +58,35 @@ void present(const QString &text)
 void post(const QString &name, const QVariantMap &userInfo = {})
 {
     ZQNotificationCenter::defaultCenter().postNotification(name, nullptr, userInfo);
+}
+
+// The same with what it is about in the title.
+ZQError titled(const ZQError &error, const QString &name, qsizetype notSent)
+{
+    ZQError told = error;
+    QString text = error.localizedDescription();
+    if (notSent > 0) {
+        text += u' ' + zqCounted({"One more file was not sent.", "%@ more files were not sent."}, notSent);
+    }
+    told.userInfo.insert(ZQError::descriptionKey,
+                         zqFormat(zqLocalized("“%@” could not be uploaded"), {zqShortened(name)}));
+    told.userInfo.insert(ZQError::failureReasonKey, text);
+    return told;
+}
+
+void askToSetUp(const ZQError &problem)
+{
+    UserInteraction *const user = person();
+    const auto text = [&problem](const QString &key) { return problem.userInfo.value(key).toString(); };
+    const int answer = user ? user->ask({text(ZQError::descriptionKey),
+                                         text(ZQError::failureReasonKey),
+                                         {zqLocalized("Open Cloud Preferences…"), zqLocalized("OK")},
+                                         {},
+                                         false})
+                            : -1;
+    if (answer == 0) {
+        post(CloudUploader::preferencesRequested);
+    }
 }
 
 void putOnClipboard(const QString &text)
@@ -152,7 +182,7 @@ std::shared_ptr<CloudService> CloudUploader::readyService() const
 {
     auto service = CloudServices::sharedCloudServices().adapterClassForUpload();
     if (const ZQError problem = CloudServices::problemOf(service.get()); !problem.isNull()) {
-        present(problem);
+        askToSetUp(problem);
         return nullptr;
     }
     return service;
@@ -397,12 +427,18 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
     }
     const QString url = ServiceAddress::link(didUploadFile.value(QStringLiteral("url")).toString());
     if (url.isEmpty()) {
-        fail(batch, UploadProblem::with(zqLocalized("The service did not say where the file is."),
-                                        zqLocalized("It may have been uploaded all the same. Try again later.")));
+        fail(batch,
+             UploadProblem::with(zqLocalized("The service did not say where the file is."),
+                                 zqLocalized("It may have been uploaded all the same. Try again later.")),
+             adapter.fileToUploadName());
         return;
     }
     batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
     ++m_uploadedCount;
+    if (batch->result.links.isEmpty()) {
+        m_lastLinks.clear();
+    }
+    m_lastLinks.append(url);
     batch->result.links.append({{adapter.fileToUploadURL(), adapter.fileToUploadName()}, url});
     const bool isLast = batch->left.isEmpty();
     if (isLast) {
@@ -441,28 +477,33 @@ void CloudUploader::didUploadLast(const QString &url)
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)
 {
     if (const auto batch = batchOf(adapter)) {
-        fail(batch, didFailUpload);
+        fail(batch, didFailUpload, adapter.fileToUploadName());
     }
 }
 
 // What is shown may run the main loop, and in it anything may be asked of this.
-void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &error)
+void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &error, const QString &name)
 {
+    const qsizetype notSent = batch->left.size() - 1;
     end(batch, [&error](CloudUploadResult &result) {
         result.hasFailed = true;
         result.error = error;
     });
-    qCWarning(zqLogApplication).noquote() << zqFormat(QStringLiteral("File upload failed: %@"),
-                                                      {error.isNull() ? QString() : error.localizedDescription()});
-    if (batch->ended) {
+    const QString line =
+        zqFormat(QStringLiteral("File upload failed: %@"), {error.isNull() ? QString() : error.localizedDescription()});
+    if (batch->ended) { // who asked says it, perhaps where this line would stand, too
+        qCDebug(zqLogApplication).noquote() << line;
         return;
     }
+    qCWarning(zqLogApplication).noquote() << line;
     if (zqIsNetworkError(error, ZQNetworkErrorCode::Offline)) {
         present(zqLocalized("The internet connection seem to be unavailable."));
     }
     if (error.domain == UploadProblem::errorDomain) {
-        present(error);
+        present(UploadProblem::isOurs(error) ? titled(error, name, notSent) : error);
     } else {
-        present(zqLocalized("An error as occured, please try again later"));
+        const QString advice = UploadProblem::adviceOf(error);
+        const QString general = zqLocalized("An error as occured, please try again later");
+        present(advice.isEmpty() ? general : general + QStringLiteral("\n\n") + advice);
     }
 }

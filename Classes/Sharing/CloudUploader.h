@@ -49,6 +49,8 @@ public:
     static inline const QString didStart = QStringLiteral("CloudUploadDidStart");
     static inline const QString didUpdate = QStringLiteral("CloudUploadDidUpdate");
     static inline const QString didFinish = QStringLiteral("CloudUploadDidFinish");
+    // The person wants to set up where files go.
+    static inline const QString preferencesRequested = QStringLiteral("CloudPreferencesRequested");
     static inline const QString numberKey = QStringLiteral("number");
 
     static CloudUploader &sharedCloudUploader();
@@ -72,6 +74,8 @@ public:
     void cancelUpload(quint64 upload); // these files and no others; nothing once they have ended
 
     bool isUploading() const override { return !m_batches.isEmpty(); }
+    // Of the files that were uploaded together last, in their order, since the application began.
+    QStringList linksOfLastUpload() const { return m_lastLinks; }
     void cancelUploads() override;
     bool hasUploadsLeft() const override { return isUploading() || m_queue.operationCount() > 0; }
 
@@ -107,11 +111,12 @@ private:
     void cancelExported(const std::shared_ptr<WaitingExport> &waiting);
     void adapterDidFinish(CloudAdapter &adapter);
     void didUploadLast(const QString &url);
-    void fail(const std::shared_ptr<Batch> &batch, const ZQError &error);
+    void fail(const std::shared_ptr<Batch> &batch, const ZQError &error, const QString &name);
 
     QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
     quint64 m_lastNumber = 0;
     qint32 m_uploadedCount = 0;
+    QStringList m_lastLinks;
     QList<std::shared_ptr<WaitingExport>> m_waitingExports;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;

@@ -10,7 +10,8 @@ class CustomService : public CloudService
 {
 public:
     explicit CustomService(UploadDescription description) : m_description(std::move(description)) {}
-    QString identifier() const override { return QStringLiteral("custom:") + m_description.name; }
+    static QString identifierOf(const QString &name) { return QStringLiteral("custom:") + name; }
+    QString identifier() const override { return identifierOf(m_description.name); }
     QString title() const override { return m_description.name; }
     bool isReady() const override;
     QString whatIsMissing() const override;

@@ -1,9 +1,14 @@
 #include "Classes/Interface/Preferences/CloudAccountPage.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Preferences/TurningIcon.h"
+#include "Classes/Sharing/CloudService.h"
+#include "Classes/Sharing/CloudServices.h"
+#include "Classes/Sharing/SecretStore.h"
 #include "Classes/Sharing/WebBrowser.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 
 #include <QAccessible>
 #include <QBoxLayout>
@@ -26,13 +31,15 @@ ZQUserDefaults &defaults()
 } // namespace
 
 CloudAccountPage::CloudAccountPage(const QString &service, const QString &title, QWidget *parent)
-    : QWidget(parent), m_column(new QVBoxLayout), m_problem(new QLabel(this))
+    : QWidget(parent), m_column(new QVBoxLayout), m_use(new QPushButton(zqLocalized("Use It for Sharin&g"), this)),
+      m_problem(new QLabel(this))
 {
     setObjectName(service);
     setAccessibleName(title);
     auto *all = new QVBoxLayout(this);
     all->setContentsMargins(0, 6, 0, 0);
     all->addLayout(m_column);
+    all->addWidget(m_use, 0, Qt::AlignLeft);
     all->addWidget(m_problem);
     all->addStretch(1);
     m_column->setSpacing(8);
@@ -40,6 +47,40 @@ CloudAccountPage::CloudAccountPage(const QString &service, const QString &title,
     m_problem->setWordWrap(true);
     m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_problem->hide();
+    m_use->setAutoDefault(false);
+    m_use->hide();
+    connect(m_use, &QPushButton::clicked, this, [this] { Q_EMIT useRequested(serviceToUse()); });
+    m_token = ZQNotificationCenter::defaultCenter().addObserver(SecretStore::waitingDidChange, nullptr,
+                                                                [this](const ZQNotification &) { refresh(); });
+}
+
+QString CloudAccountPage::orKeyring(const QString &otherwise)
+{
+    return SecretStore::isWaiting() ? zqLocalized("Waiting for the keyring…") : otherwise;
+}
+
+bool CloudAccountPage::isSureToDisconnect(UserInteraction &user, const QString &account)
+{
+    return user.ask({zqFormat(zqLocalized("Disconnect “%@”?"), {account}),
+                     zqLocalized("Its stored password is forgotten. What was uploaded stays where it is, and its links "
+                                 "go on working."),
+                     {zqLocalized("Disconnect"), zqLocalized("Cancel")},
+                     {},
+                     true}) == 0;
+}
+
+void CloudAccountPage::moveFocusTo(QWidget *widget)
+{
+    if (isVisible() && window()->isActiveWindow()) {
+        widget->setFocus();
+    }
+}
+
+void CloudAccountPage::showUse(const QString &serviceInUse)
+{
+    const QString own = serviceToUse();
+    const auto ready = CloudServices::sharedCloudServices().serviceNamed(own);
+    m_use->setVisible(own != serviceInUse && ready && ready->isReady());
 }
 
 QLineEdit *CloudAccountPage::addField(const QString &text, const QString &example, FieldKind kind)
@@ -123,18 +164,23 @@ QLabel *CloudAccountPage::addNote(const QString &text)
 
 void CloudAccountPage::addLink(const QString &text, const QUrl &url)
 {
-    auto *link = new QToolButton(this);
-    link->setObjectName(QStringLiteral("Link"));
-    link->setText(text);
-    link->setToolTip(url.toString());
-    link->setCursor(Qt::PointingHandCursor);
-    link->setFocusPolicy(Qt::TabFocus);
-    connect(link, &QToolButton::clicked, this, [this, url] {
+    addLink(text, url.toString(), [this, url] {
         const bool isOpen = WebBrowser::shared().open(url);
         showProblem(isOpen
                         ? QString()
                         : zqFormat(zqLocalized("No web browser could be opened. The address is %@"), {url.toString()}));
     });
+}
+
+void CloudAccountPage::addLink(const QString &text, const QString &toolTip, std::function<void()> run)
+{
+    auto *link = new QToolButton(this);
+    link->setObjectName(QStringLiteral("Link"));
+    link->setText(text);
+    link->setToolTip(toolTip);
+    link->setCursor(Qt::PointingHandCursor);
+    link->setFocusPolicy(Qt::TabFocus);
+    connect(link, &QToolButton::clicked, this, std::move(run));
     m_column->addWidget(link, 0, Qt::AlignLeft);
 }
 

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 
 class QBoxLayout;
 class QGridLayout;
@@ -15,6 +16,7 @@ class QLineEdit;
 class QPushButton;
 class QVBoxLayout;
 class TurningIcon;
+class UserInteraction;
 
 // The part of the cloud preferences about one account: a form, what it waits for, and what is wrong with it. Fields
 // of preferences are written when they are left or Return is pressed. Main thread.
@@ -28,10 +30,14 @@ public:
     QString title() const { return accessibleName(); }
     virtual QStringList preferences() const { return m_keys; } // what it shows
     virtual void refresh();                                    // everything, as it is now
+    // The identifier of the service that could be shared to; of several the one that is selected.
+    virtual QString serviceToUse() const { return service(); }
+    void showUse(const QString &serviceInUse); // offers to share to this one while another one is in use
 
 Q_SIGNALS:
     void refused(const ZQError &error); // what was entered could not be written
     void changed();                     // an account came or went
+    void useRequested(const QString &service);
 
 protected:
     enum class FieldKind { Plain, Secret };
@@ -41,13 +47,18 @@ protected:
     void storeFields(); // of preferences, as they are now
     QLabel *addNote(const QString &text);
     void addLink(const QString &text, const QUrl &url); // opens the web browser
-    QBoxLayout *addRow();                               // for buttons
+    void addLink(const QString &text, const QString &toolTip, std::function<void()> run);
+    QBoxLayout *addRow(); // for buttons
     QPushButton *addButton(QBoxLayout *row, const QString &text, std::function<void()> run);
     // What is under way, or done; behind the buttons. Once.
     void addState(QBoxLayout *row);
     void showState(const QString &text, bool isUnderWay = false);
     void showProblem(const QString &text); // empty: there is none
     QVBoxLayout *column() const { return m_column; }
+    // "Waiting for the keyring…" while that is asked, else `otherwise`.
+    static QString orKeyring(const QString &otherwise);
+    static bool isSureToDisconnect(UserInteraction &user, const QString &account);
+    void moveFocusTo(QWidget *widget); // where it would be lost, since what had it goes or rests
     static void setShown(std::initializer_list<QWidget *> widgets, bool isShown);
     void setFieldsShown(std::initializer_list<QLineEdit *> fields, bool isShown); // with their names
 
@@ -57,9 +68,11 @@ private:
     QVBoxLayout *m_column;
     QGridLayout *m_form = nullptr;
     QHash<QLineEdit *, QLabel *> m_names;
+    QPushButton *m_use;
     QLabel *m_problem;
     QLabel *m_state = nullptr;
     TurningIcon *m_turning = nullptr;
+    std::shared_ptr<void> m_token;
     QStringList m_keys;
     QList<QLineEdit *> m_fields; // of those
 };

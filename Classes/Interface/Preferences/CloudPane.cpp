@@ -21,8 +21,8 @@ CloudPane::CloudPane(UserInteraction &user, QWidget *parent)
       m_missing(new QLabel(this)), m_pages(new QStackedWidget(this))
 {
     addService();
-    addAccounts(
-        {new CloudAppPage(user), new DropboxPage, new ImgurPage, new OwnServerPage, new DescriptionsPage(user)});
+    addAccounts({new CloudAppPage(user), new DropboxPage(user), new ImgurPage, new OwnServerPage(user),
+                 new DescriptionsPage(user)});
     setShown(CloudServices::choiceKey, [this] { showServices(); });
 }
 
@@ -57,6 +57,7 @@ void CloudPane::addAccounts(const QList<CloudAccountPage *> &pages)
         m_pages->addWidget(page);
         connect(page, &CloudAccountPage::refused, this, &PreferencesPane::refused);
         connect(page, &CloudAccountPage::changed, this, &CloudPane::showServices);
+        connect(page, &CloudAccountPage::useRequested, this, &CloudPane::use);
     }
     m_switch = new ZQSwitch(titles, this);
     addHeading(zqLocalized("ACC&OUNTS"), m_switch);
@@ -119,10 +120,14 @@ void CloudPane::showServices()
 
     const auto inUse = services.adapterClassForUpload();
     m_inUse->setVisible(chosen.isEmpty());
-    m_inUse->setText(zqFormat(zqLocalized("CloudApp when an account is connected, else Dropbox when it is linked, else "
-                                          "Imgur. Now: %@."),
-                              {inUse ? inUse->title() : zqLocalized("nothing")}));
+    m_inUse->setText(
+        zqFormat(zqLocalized("The first of these that is set up: CloudApp, Dropbox, Imgur, your own server, "
+                             "the others. Now: %@."),
+                 {inUse ? inUse->title() : zqLocalized("nothing")}));
     m_missing->setVisible(!inUse || !inUse->isReady());
+    for (int i = 0; i < m_pages->count(); ++i) {
+        static_cast<CloudAccountPage *>(m_pages->widget(i))->showUse(inUse ? inUse->identifier() : QString());
+    }
     m_missing->setText(
         inUse ? zqFormat(zqLocalized("%@ is not set up yet: its part below says what it needs."), {inUse->title()})
               : zqLocalized("The service that was chosen is not there any more. Choose another one."));
@@ -130,7 +135,11 @@ void CloudPane::showServices()
 
 void CloudPane::choose(int index)
 {
-    const QString service = m_service->itemData(index).toString();
+    use(m_service->itemData(index).toString());
+}
+
+void CloudPane::use(const QString &service)
+{
     if (store(service, CloudServices::choiceKey)) {
         showPage(service);
     }

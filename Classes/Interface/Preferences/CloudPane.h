@@ -24,6 +24,7 @@ private:
     void addAccounts(const QList<CloudAccountPage *> &pages);
     void showServices(); // those there are, and the one that is chosen
     void choose(int index);
+    void use(const QString &service); // empty: whichever is there
 
     QComboBox *m_service;
     QLabel *m_inUse;

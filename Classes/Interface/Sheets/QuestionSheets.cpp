@@ -50,7 +50,8 @@ QuestionSheet::QuestionSheet(QWidget *window, const UserQuestion &question)
         footer()->insertWidget(0, m_suppress);
     }
     for (qsizetype i = question.buttons.size() - 1; i >= 0; --i) {
-        QPushButton *button = addButton(question.buttons[i], int(i) + acceptCode, i == 0);
+        const bool isDefault = i == (question.isLastDefault ? question.buttons.size() - 1 : 0);
+        QPushButton *button = addButton(question.buttons[i], int(i) + acceptCode, isDefault);
         button->setProperty("destructive", question.isDestructive && i == 0);
     }
 }

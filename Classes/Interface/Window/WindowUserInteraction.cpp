@@ -111,6 +111,14 @@ private:
     QPointer<ZQProgressLine> m_line;
 };
 
+QWidget *windowToAskIn(QWidget *mainWindow)
+{
+    QWidget *const active = QApplication::activeWindow();
+    const bool isBeside =
+        active && active->parentWidget() == mainWindow && active->property(Sheet::hasOwnProperty).toBool();
+    return isBeside ? active : mainWindow;
+}
+
 QString filterFor(const FileChoice &choice)
 {
     if (choice.extensions.isEmpty()) {
@@ -169,7 +177,7 @@ void WindowUserInteraction::presentError(const ZQError &error)
 int WindowUserInteraction::ask(const UserQuestion &question)
 {
     if (hasWindow()) {
-        return QuestionSheet(m_places.window, question).ask();
+        return QuestionSheet(windowToAskIn(m_places.window), question).ask();
     }
     QMessageBox box;
     constexpr qsizetype longest = 1500;
@@ -178,7 +186,12 @@ int WindowUserInteraction::ask(const UserQuestion &question)
     QList<QAbstractButton *> buttons;
     for (qsizetype i = 0; i < question.buttons.size(); ++i) {
         const bool isLast = i + 1 == question.buttons.size();
-        buttons.append(box.addButton(question.buttons[i], isLast ? QMessageBox::RejectRole : QMessageBox::AcceptRole));
+        QPushButton *const button =
+            box.addButton(question.buttons[i], isLast ? QMessageBox::RejectRole : QMessageBox::AcceptRole);
+        buttons.append(button);
+        if (isLast && question.isLastDefault) {
+            box.setDefaultButton(button);
+        }
     }
     if (question.withdrawal) {
         question.withdrawal->setEnd([&box] { box.reject(); });

@@ -22,6 +22,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTextBrowser>
+#include <QToolButton>
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
@@ -182,6 +184,9 @@ TEST_F(CloudPaneTest, CloudAppIsTriedBeforeItIsKeptAndForgottenWhole)
     EXPECT_FALSE(kept().contains(password.toUtf8()));
 
     button("Disconnect")->click();
+    ASSERT_TRUE(button("Disconnect")) << "the person is not sure";
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    button("Disconnect")->click();
     ASSERT_TRUE(waitFor([this] { return button("Connect") != nullptr; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(shown<QLineEdit>(QStringLiteral("Password"))->text().isEmpty()) << "no trace of it";
@@ -251,6 +256,7 @@ TEST_F(CloudPaneTest, DropboxIsLinkedInTheBrowserWhichCanBeCancelled)
     pane->showPreference(QStringLiteral("SecretAccounts"));
     EXPECT_TRUE(isSaid(QStringLiteral("Linked with Me")));
     EXPECT_FALSE(shown<QLineEdit>(QStringLiteral("App key"))->isEnabled());
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
     button("Unlink")->click();
     ASSERT_TRUE(waitFor([this] { return button("Link…") != nullptr; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
@@ -274,12 +280,90 @@ TEST_F(CloudPaneTest, AServerOfOnesOwnIsTriedWithWhatWasEntered)
     button("Test and Connect")->click();
     ASSERT_TRUE(waitFor([this] { return button("Disconnect") != nullptr; }));
     EXPECT_TRUE(isSaid(QStringLiteral("Connected as me@127.0.0.1")));
+    EXPECT_TRUE(isSaid(QStringLiteral("Now: 127.0.0.1."))) << "nothing else is set up";
+    EXPECT_FALSE(isSaid(QStringLiteral("not set up yet")));
+    EXPECT_FALSE(button("Use It for Sharing"));
+    defaults().setObjectForKey(QStringLiteral("imgur"), CloudServices::choiceKey);
+    ASSERT_TRUE(button("Use It for Sharing"));
+    button("Use It for Sharing")->click();
+    EXPECT_EQ(defaults().stringForKey(CloudServices::choiceKey), QStringLiteral("webdav"));
+    EXPECT_FALSE(button("Use It for Sharing"));
     ASSERT_EQ(secrets->entries.size(), 1);
     EXPECT_FALSE(kept().contains(password.toUtf8()));
+    button("Disconnect")->click();
+    ASSERT_TRUE(button("Disconnect")) << "the person is not sure";
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
     button("Disconnect")->click();
     ASSERT_TRUE(waitFor([this] { return button("Test and Connect") != nullptr; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(WebDAVSettings::stored().address.isEmpty());
+}
+
+TEST_F(CloudPaneTest, WhatIsConnectedCanBeChangedWithoutGivingItUp)
+{
+    LocalHTTPServer server;
+    const QString files = QStringLiteral("/remote.php/dav/files/me/");
+    server.setAnswer(files, {.status = 207});
+    pane->showPage(QStringLiteral("webdav"));
+    enter("Address", server.address({}));
+    enter("User", QStringLiteral("me"));
+    enter("Password", QStringLiteral("old"));
+    QTest::keyClick(shown<QLineEdit>(QStringLiteral("Password")), Qt::Key_Return);
+    ASSERT_TRUE(waitFor([this] { return button("Change…") != nullptr; }));
+    EXPECT_TRUE(button("Change…")->hasFocus());
+
+    button("Change…")->click();
+    EXPECT_FALSE(button("Disconnect"));
+    enter("Folder", QStringLiteral("Shared"));
+    ASSERT_TRUE(button("Test and Connect")->isEnabled()) << "with the password that is known";
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Change…") != nullptr; }));
+    EXPECT_EQ(WebDAVSettings::stored().folder, QStringLiteral("Shared"));
+    EXPECT_EQ(secrets->entries.last().password, QByteArray("old"));
+
+    button("Change…")->click();
+    enter("User", QStringLiteral("other"));
+    EXPECT_FALSE(button("Test and Connect")->isEnabled()) << "the password is not that one's";
+    button("Cancel")->click();
+    EXPECT_EQ(WebDAVSettings::stored().user, QStringLiteral("me"));
+    button("Change…")->click();
+    EXPECT_EQ(shown<QLineEdit>(QStringLiteral("User"))->text(), QStringLiteral("me"));
+    server.setAnswer(files, {.status = 401});
+    enter("Password", password);
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return isSaid(QStringLiteral("does not accept")); }));
+    EXPECT_EQ(secrets->entries.last().password, QByteArray("old")) << "what does not work is not kept";
+    server.setAnswer(files, {.status = 207});
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Change…") != nullptr; }));
+    EXPECT_EQ(secrets->entries.last().password, password.toUtf8());
+    EXPECT_EQ(secrets->entries.size(), 1);
+
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Unavailable, QStringLiteral("none"));
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    button("Disconnect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Test and Connect") != nullptr; }));
+    EXPECT_TRUE(isSaid(QStringLiteral("ZeltoWebDAVAccount"))) << "where the password may still be";
+    EXPECT_TRUE(WebDAVSettings::stored().address.isEmpty());
+}
+
+TEST_F(CloudPaneTest, WhoeverWaitsForTheKeyringIsTold)
+{
+    LocalHTTPServer server;
+    server.setAnswer(QStringLiteral("/remote.php/dav/files/me/"), {.status = 207});
+    pane->showPage(QStringLiteral("webdav"));
+    enter("Address", server.address({}));
+    enter("User", QStringLiteral("me"));
+    enter("Password", password);
+    bool wasSaid = false;
+    secrets->onSet = [&] {
+        const auto waiting = SecretStore::wait();
+        wasSaid = isSaid(QStringLiteral("Waiting for the keyring…"));
+    };
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Disconnect") != nullptr; }));
+    EXPECT_TRUE(wasSaid);
+    EXPECT_FALSE(isSaid(QStringLiteral("Waiting for the keyring…")));
 }
 
 TEST_F(CloudPaneTest, ADescriptionSaysWhereFilesGoBeforeItIsAdded)
@@ -330,4 +414,37 @@ TEST_F(CloudPaneTest, ADescriptionSaysWhereFilesGoBeforeItIsAdded)
     ASSERT_TRUE(waitFor([&] { return list->count() == 0; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(CustomServices::all().isEmpty());
+}
+
+TEST_F(CloudPaneTest, ADescriptionBeginsWithTheExampleAndTheGuide)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("mine.json"));
+    pane->showPage(QStringLiteral("custom"));
+    button("Save an Example…")->click();
+    EXPECT_FALSE(QFile::exists(path)) << "no name was chosen";
+    user.fileToSave = path;
+    button("Save an Example…")->click();
+    EXPECT_TRUE(CustomServices::read(path)) << "it can be imported as it is";
+
+    const auto contents = [&path] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("mine") == 4);
+    file.close();
+    button("Save an Example…")->click();
+    EXPECT_EQ(contents(), QByteArray("mine"));
+    EXPECT_TRUE(isSaid(QStringLiteral("is there already")));
+    user.fileToSave = folder.filePath(QStringLiteral("none/x.json"));
+    button("Save an Example…")->click();
+    EXPECT_TRUE(isSaid(QStringLiteral("cannot be written")));
+
+    auto *link = shown<QToolButton>(QStringLiteral("What a description says"));
+    ASSERT_TRUE(link);
+    link->click();
+    const auto *text = shown<QTextBrowser>(QStringLiteral("What a description says"));
+    ASSERT_TRUE(text);
+    EXPECT_TRUE(text->toPlainText().contains(QStringLiteral("If-None-Match")));
 }

@@ -1,3 +1,4 @@
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Application/Quit.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Sharing/CloudAppAccount.h"
@@ -79,6 +80,8 @@ TEST_F(CloudUploaderTest, ItemsWithoutAFileAreLeftOut)
 TEST_F(CloudUploaderTest, TheFirstFailureEndsTheBatchAndSaysWhy)
 {
     const QString general = QStringLiteral("Cannot upload the files An error as occured, please try again later");
+    ZQError advised{QStringLiteral("imguruploader"), 10000, {}};
+    UploadProblem::advise(advised, QStringLiteral("Enter another key."));
     const struct
     {
         ZQError error;
@@ -86,8 +89,13 @@ TEST_F(CloudUploaderTest, TheFirstFailureEndsTheBatchAndSaysWhy)
     } cases[] = {
         {zqNetworkError(ZQNetworkErrorCode::Offline, QStringLiteral("offline")),
          {QStringLiteral("Cannot upload the files The internet connection seem to be unavailable."), general}},
-        {UploadProblem::with(QStringLiteral("Over the limit"), QStringLiteral("Wait until tomorrow.")),
+        {ZQError::with(UploadProblem::errorDomain, -1, QStringLiteral("Over the limit"),
+                       QStringLiteral("Wait until tomorrow.")),
          {QStringLiteral("Over the limit Wait until tomorrow.")}},
+        {UploadProblem::with(QStringLiteral("Your server is full."), QStringLiteral("Make room there.")),
+         {QStringLiteral("“p2” could not be uploaded Your server is full. Make room there. One more file was not "
+                         "sent.")}},
+        {advised, {general + QStringLiteral("\n\nEnter another key.")}},
         {ZQError::with(QStringLiteral("imguruploader"), 10000, QStringLiteral("no")), {general}},
         {ZQError(), {general}},
     };
@@ -122,7 +130,7 @@ TEST_F(CloudUploaderTest, APasswordThatCannotBeReadIsSaidToThePerson)
     uploader.uploadLibrayItems(shared);
     waitForUploads();
     SecretStore::setShared(nullptr);
-    EXPECT_EQ(alerts(), QStringList(QStringLiteral("Unlock it.")));
+    EXPECT_EQ(alerts(), QStringList(QStringLiteral("“p1” could not be uploaded Unlock it.")));
 }
 
 TEST_F(CloudUploaderTest, AnAnswerWithoutALinkIsAFailure)
@@ -166,15 +174,21 @@ TEST_F(CloudUploaderTest, TheServiceIsTheChosenOneOrTheFirstThatIsReady)
     {
         bool hasCloudApp;
         bool hasDropbox;
+        bool hasImgur;
+        bool hasOwn;
         const char *chosen;
         const char *expected; // null: none
     } cases[] = {
-        {true, true, "", "cloudapp"},         {false, true, "", "dropbox"},     {false, false, "", "imgur"},
-        {false, false, "dropbox", "dropbox"}, {true, true, "webdav", "webdav"}, {true, true, "custom:gone", nullptr},
+        {true, true, true, true, "", "cloudapp"},     {false, true, true, true, "", "dropbox"},
+        {false, false, true, true, "", "imgur"},      {false, false, false, true, "", "webdav"},
+        {false, false, false, false, "", "imgur"},    {false, false, true, true, "dropbox", "dropbox"},
+        {true, true, true, true, "webdav", "webdav"}, {true, true, true, true, "custom:gone", nullptr},
     };
     for (const auto &each : cases) {
         cloudApp->ready = each.hasCloudApp;
         dropbox->ready = each.hasDropbox;
+        service->ready = each.hasImgur;
+        own->ready = each.hasOwn;
         ZQUserDefaults::standardUserDefaults().setObjectForKey(QString::fromLatin1(each.chosen),
                                                                CloudServices::choiceKey);
         const auto chosen = services.adapterClassForUpload();
@@ -187,9 +201,28 @@ TEST_F(CloudUploaderTest, TheServiceIsTheChosenOneOrTheFirstThatIsReady)
     uploader.uploadLibrayItems(shared);
     EXPECT_FALSE(uploader.hasUploadsLeft());
     EXPECT_TRUE(told.isEmpty());
-    ASSERT_EQ(user.errors.size(), 2);
-    EXPECT_TRUE(alerts()[0].contains(QStringLiteral("not there any more")));
-    EXPECT_EQ(alerts()[1], QStringLiteral("Cannot upload the files Enter a key."));
+    ASSERT_EQ(user.questions.size(), 2);
+    EXPECT_TRUE(user.questions[0].informativeText.contains(QStringLiteral("not there any more")));
+    EXPECT_EQ(user.questions[1].message, QStringLiteral("Cannot upload the files"));
+    EXPECT_EQ(user.questions[1].informativeText, QStringLiteral("Enter a key."));
+}
+
+TEST_F(CloudUploaderTest, WhoSharesBeforeAnythingIsSetUpIsLedThere)
+{
+    service->ready = false;
+    int requests = 0;
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        CloudUploader::preferencesRequested, nullptr, [&requests](const ZQNotification &) { ++requests; });
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    EXPECT_EQ(requests, 0) << "the answer that changes least";
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    uploader.uploadLibrayItems(shared);
+    EXPECT_EQ(requests, 1);
+    ASSERT_EQ(user.questions.size(), 2);
+    EXPECT_TRUE(user.questions[0].informativeText.startsWith(QStringLiteral("Enter a key.")));
+    EXPECT_TRUE(user.questions[0].informativeText.contains(QStringLiteral("Nextcloud")));
+    EXPECT_TRUE(told.isEmpty());
 }
 
 TEST_F(CloudUploaderTest, WhatAnExportWroteIsUploadedWhenItsOwnExportEnds)
@@ -373,4 +406,35 @@ TEST_F(CloudUploaderTest, QuittingWhileUploadingAsks)
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_FALSE(uploader.hasUploadsLeft());
     EXPECT_EQ(user.questions.size(), 2);
+}
+
+TEST_F(CloudUploaderTest, ASignalAnswersTheQuestionWhetherToQuit)
+{
+    service->script = [](FakeAdapter &) {}; // never ends by itself
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    bool wasWithdrawn = false;
+    user.answerQuestion = [&](const UserQuestion &question) {
+        delegate->terminate(); // by a person who is impatient
+        EXPECT_FALSE(question.withdrawal->isWithdrawn());
+        isEndWanted = true;
+        delegate->terminate(); // by a signal
+        wasWithdrawn = question.withdrawal->isWithdrawn();
+        return 1;
+    };
+    delegate->terminate();
+    EXPECT_TRUE(wasWithdrawn);
+    EXPECT_FALSE(uploader.hasUploadsLeft());
+    EXPECT_TRUE(delegate->isTerminating()) << "it has quit";
+    EXPECT_EQ(user.questions.size(), 1);
+}
+
+TEST_F(CloudUploaderTest, ASignalEndsUploadsWithoutAQuestion)
+{
+    service->script = [](FakeAdapter &) {};
+    uploader.uploadLibrayItems(items(1));
+    isEndWanted = true;
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    EXPECT_FALSE(uploader.hasUploadsLeft());
+    EXPECT_TRUE(user.questions.isEmpty());
 }

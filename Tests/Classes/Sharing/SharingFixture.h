@@ -32,6 +32,7 @@ protected:
         parts.liveFolderManager = &liveFolders;
         parts.cloudMenuViewController = &menu;
         parts.cloudUploading = &uploader;
+        parts.isEndWanted = [this] { return isEndWanted; };
         delegate = std::make_unique<tamberin_AppDelegate>(parts);
         delegate->setLibraryBundleDirectory(path(QStringLiteral("Zelto.ztlibrary")));
         ZQError error;
@@ -96,7 +97,8 @@ protected:
     CloudUploader uploader;
     CountedCloudMenu menu;
     QStringList pasteboard;
-    QStringList told; // "DidStart 3"
+    bool isEndWanted = false; // of the whole process
+    QStringList told;         // "DidStart 3"
 
 private:
     QList<ZQNotificationCenter::Token> m_observers;
