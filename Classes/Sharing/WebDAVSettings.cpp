@@ -4,6 +4,7 @@
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQServer.h"
 
 #include <QStringList>
 
@@ -100,7 +101,6 @@ std::optional<WebDAVSettings::Addresses> WebDAVSettings::addresses(ZQError *erro
 QString WebDAVSettings::account() const
 {
     const auto given = ServiceAddress::from(address);
-    const QString server =
-        given ? given->host() + u':' + QString::number(given->port(given->scheme() == u"https" ? 443 : 80)) : address;
+    const QString server = given ? given->host() + u':' + QString::number(zqPortOf(*given)) : address;
     return user.trimmed() + u'@' + server;
 }

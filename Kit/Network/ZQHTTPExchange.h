@@ -9,6 +9,12 @@
 
 #include <array>
 
+// Whether requests go to their servers themselves.
+inline bool zqIsDirect(const QNetworkProxy &proxy)
+{
+    return proxy.type() == QNetworkProxy::NoProxy || proxy.type() == QNetworkProxy::DefaultProxy;
+}
+
 // How an exchange ended, as the library that made it says.
 struct ZQHTTPEnd
 {
