@@ -16,9 +16,8 @@ public:
     void password(const QString &service, const QString &account, Read read) override;
     void deletePassword(const QString &service, const QString &account, Stored deleted) override;
 
+private:
     // What the keyring said, in words; null: nothing went wrong. Never with a password in it.
     static ZQError errorOf(const QKeychain::Job &job);
-
-private:
     static bool noteAccount(bool isThere, const QString &service, const QString &account, ZQError *error);
 };

@@ -12,7 +12,7 @@ namespace {
 
 QString serverOf(const QUrl &url)
 {
-    return url.scheme() + u"://" + url.host() + u':' + QString::number(zqPortOf(url));
+    return url.scheme() + QStringLiteral("://") + url.host() + u':' + QString::number(zqPortOf(url));
 }
 
 } // namespace
