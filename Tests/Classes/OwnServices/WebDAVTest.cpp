@@ -102,8 +102,13 @@ TEST_F(WebDAVTest, APlainServerGivesTheAddressAtWhichThePublicReads)
 
 TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
 {
-    const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + uploadID + u'/';
+    const QString earlyID = QStringLiteral("5d1f6a52-0c58-4d0f-8a2f-1f0f7f3c9b21");
+    const auto folderOf = [this](const QString &ID) {
+        return QString(root + QStringLiteral("/Shared/By%20Zelto/") + ID + u'/');
+    };
+    const QString folderOfIts = folderOf(uploadID);
     server.setHandler(folderOfIts, forMe({.status = 201}));
+    server.setHandler(folderOf(earlyID), forMe({.status = 201}));
     const auto makeWith = [this](const QString &ID) {
         return std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), ID, this, settings);
     };
@@ -113,7 +118,7 @@ TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
         return all;
     };
     // Before the folder is known to be ours, and one that is no upload's, stay.
-    const auto early = makeWith(uploadID);
+    const auto early = makeWith(earlyID);
     server.setHandler(root + "/Shared/", [early](const Request &) {
         early->cancel();
         return Answer{.status = 201};
