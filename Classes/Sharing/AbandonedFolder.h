@@ -4,7 +4,8 @@
 
 #include <QString>
 
-// The folder that an upload made for its file alone, at a service, and left there when it was cancelled. Any thread.
+// The folder that an upload made for its file alone, at a service, and left there when it was cancelled or failed. Any
+// thread.
 namespace AbandonedFolder {
 
 // Whether the name can be that of such a folder, which is an identifier made for the upload: whatever else it may be,

@@ -1,6 +1,7 @@
 #include "Classes/Sharing/CloudAppAccount.h"
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Sharing/ForgetSecrets.h"
 #include "Classes/Sharing/SecretStore.h"
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/ServiceRequests.h"
@@ -131,7 +132,7 @@ void CloudAppAccount::disconnect(std::function<void(const ZQError &error)> ended
         ended({});
         return;
     }
-    SecretStore::shared().deletePassword(service, account, [ended](const ZQError &error) {
+    giveUpSecrets(service, {account}, [ended](const ZQError &error) {
         if (!error.isNull()) {
             qCWarning(zqLogApplication, "Error while deleting keychain entry %s",
                       qUtf8Printable(error.localizedDescription()));

@@ -10,6 +10,7 @@
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -56,6 +57,20 @@ void present(const QString &text)
 void post(const QString &name, const QVariantMap &userInfo = {})
 {
     ZQNotificationCenter::defaultCenter().postNotification(name, nullptr, userInfo);
+}
+
+// The same with what it is about in the title.
+ZQError titled(const ZQError &error, const QString &name, qsizetype notSent)
+{
+    ZQError told = error;
+    QString text = error.localizedDescription();
+    if (notSent > 0) {
+        text += u' ' + zqCounted({"One more file was not sent.", "%@ more files were not sent."}, notSent);
+    }
+    told.userInfo.insert(ZQError::descriptionKey,
+                         zqFormat(zqLocalized("“%@” could not be uploaded"), {zqShortened(name)}));
+    told.userInfo.insert(ZQError::failureReasonKey, text);
+    return told;
 }
 
 void askToSetUp(const ZQError &problem)
@@ -411,8 +426,10 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
     }
     const QString url = ServiceAddress::link(didUploadFile.value(QStringLiteral("url")).toString());
     if (url.isEmpty()) {
-        fail(batch, UploadProblem::with(zqLocalized("The service did not say where the file is."),
-                                        zqLocalized("It may have been uploaded all the same. Try again later.")));
+        fail(batch,
+             UploadProblem::with(zqLocalized("The service did not say where the file is."),
+                                 zqLocalized("It may have been uploaded all the same. Try again later.")),
+             adapter.fileToUploadName());
         return;
     }
     batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
@@ -450,13 +467,14 @@ void CloudUploader::didUploadLast(const QString &url)
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)
 {
     if (const auto batch = batchOf(adapter)) {
-        fail(batch, didFailUpload);
+        fail(batch, didFailUpload, adapter.fileToUploadName());
     }
 }
 
 // What is shown may run the main loop, and in it anything may be asked of this.
-void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &error)
+void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &error, const QString &name)
 {
+    const qsizetype notSent = batch->left.size() - 1;
     end(batch, [&error](CloudUploadResult &result) {
         result.hasFailed = true;
         result.error = error;
@@ -470,8 +488,10 @@ void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &err
         present(zqLocalized("The internet connection seem to be unavailable."));
     }
     if (error.domain == UploadProblem::errorDomain) {
-        present(error);
+        present(UploadProblem::isOurs(error) ? titled(error, name, notSent) : error);
     } else {
-        present(zqLocalized("An error as occured, please try again later"));
+        const QString advice = UploadProblem::adviceOf(error);
+        const QString general = zqLocalized("An error as occured, please try again later");
+        present(advice.isEmpty() ? general : general + QStringLiteral("\n\n") + advice);
     }
 }

@@ -109,7 +109,7 @@ private:
     void cancelExported(const std::shared_ptr<WaitingExport> &waiting);
     void adapterDidFinish(CloudAdapter &adapter);
     void didUploadLast(const QString &url);
-    void fail(const std::shared_ptr<Batch> &batch, const ZQError &error);
+    void fail(const std::shared_ptr<Batch> &batch, const ZQError &error, const QString &name);
 
     QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
     quint64 m_lastNumber = 0;

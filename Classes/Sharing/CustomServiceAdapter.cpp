@@ -12,6 +12,7 @@
 
 namespace {
 
+constexpr int unauthorized = 401;
 constexpr int preconditionFailed = 412;
 
 ZQError refused(const QString &format, const QUrl &url)
@@ -128,6 +129,20 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
         [this](qint64 sent, qint64 total) { uploadProgess(double(sent) / double(total)); });
 }
 
+ZQError CustomServiceAdapter::refusedLogin() const
+{
+    const QStringList secrets = m_description.secrets();
+    if (secrets.isEmpty()) {
+        return UploadProblem::with(
+            zqFormat(zqLocalized("“%@” wants a login, of which its description says nothing."), {m_description.name}),
+            zqLocalized("Ask whoever runs it for a description with the login."));
+    }
+    return UploadProblem::with(
+        zqFormat(zqLocalized("“%@” does not accept what was entered for %@."),
+                 {m_description.name, secrets.join(QStringLiteral(", "))}),
+        zqLocalized("Import its description again in the preferences, under Cloud, and enter it anew."));
+}
+
 void CustomServiceAdapter::answered(const ZQHTTPResponse &response)
 {
     if (response.statusCode == preconditionFailed) {
@@ -135,6 +150,10 @@ void CustomServiceAdapter::answered(const ZQHTTPResponse &response)
             zqFormat(zqLocalized("“%@” has a file of that name already, which was left as it is."),
                      {m_description.name}),
             zqLocalized("Ask whoever runs it for a description that gives each file a name of its own.")));
+        return;
+    }
+    if (response.statusCode == unauthorized) {
+        uploadFailed(refusedLogin());
         return;
     }
     const bool isRedirect = wantsRedirect(m_description) && response.statusCode / 100 == 3;

@@ -22,6 +22,7 @@ private:
     void send(const QHash<QString, ZQSecret> &secrets);
     bool giveBody(ZQHTTPRequest &request, const QHash<QString, ZQSecret> &secrets, ZQError *error) const;
     ZQHTTPRequest request() const;
+    ZQError refusedLogin() const;
     void answered(const ZQHTTPResponse &response);
 
     const UploadDescription m_description;

@@ -185,9 +185,9 @@ void CustomServices::add(const UploadDescription &description, const QHash<QStri
 
 void CustomServices::remove(const QString &name, const Done &done)
 {
-    forgetSecrets(serviceOfSecrets, accountsOf(name), [name, done](const ZQError &error) {
+    giveUpSecrets(serviceOfSecrets, accountsOf(name), [name, done](const ZQError &error) {
         ZQError problem = error;
-        if (problem.isNull()) {
+        if (areSecretsGivenUp(error)) {
             QStringList list = texts();
             list.removeIf([&](const QString &each) { return nameIn(each) == name; });
             ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &problem);

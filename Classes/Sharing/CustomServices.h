@@ -28,7 +28,7 @@ std::optional<UploadDescription> read(const QString &path, ZQError *error = null
 // Takes the place of the one of that name, whose secrets are forgotten. Refused while a secret has no value, or one
 // that cannot be sent.
 void add(const UploadDescription &description, const QHash<QString, ZQSecret> &secrets, Done done);
-// Forgets its secrets, and then the service, which stays listed while one could not be forgotten.
+// Forgets its secrets, and then the service, which stays listed while the keyring is locked.
 void remove(const QString &name, const Done &done);
 
 // The values of all secrets of a description; what is missing is an error that says what to do.

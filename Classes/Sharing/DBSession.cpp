@@ -246,7 +246,7 @@ void DBSession::unlink(Done done)
         m_leaving.perform(request, [](const ZQHTTPResponse &) {});
     }
     forgetAccessToken();
-    forgetSecrets(serviceOfSecrets, SecretStore::shared().accountsOfService(serviceOfSecrets), std::move(done));
+    giveUpSecrets(serviceOfSecrets, SecretStore::shared().accountsOfService(serviceOfSecrets), done);
 }
 
 void DBSession::accessToken(Token told)

@@ -31,11 +31,12 @@ void DropboxAdapter::abandon()
 }
 
 // With the token that made it: a new one may take longer than anybody waits for this.
-void DropboxAdapter::removeFolder() const
+void DropboxAdapter::removeFolder()
 {
     const ZQSecret token = m_session.currentAccessToken();
     const auto url = DBSession::APIAddress(QStringLiteral("/2/files/delete_v2"));
-    if (!m_didMakeFolder || token.isEmpty() || !url || !AbandonedFolder::isOne(fileToUploadID())) {
+    if (!std::exchange(m_didMakeFolder, false) || token.isEmpty() || !url ||
+        !AbandonedFolder::isOne(fileToUploadID())) {
         return;
     }
     ZQHTTPRequest request = DBCalls::request(*url, {{QStringLiteral("path"), folder()}});
@@ -74,6 +75,7 @@ void DropboxAdapter::uploadedFile(DBRestClient &client, const QString &path, con
 
 void DropboxAdapter::uploadFileFailedWithError(DBRestClient & /*client*/, const ZQError &error)
 {
+    removeFolder();
     uploadFailed(error);
 }
 
@@ -84,5 +86,6 @@ void DropboxAdapter::loadedSharableLink(DBRestClient & /*client*/, const QString
 
 void DropboxAdapter::loadSharableLinkFailedWithError(DBRestClient & /*client*/, const ZQError &error)
 {
+    removeFolder();
     uploadFailed(error);
 }

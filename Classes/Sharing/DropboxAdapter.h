@@ -26,7 +26,7 @@ private:
     void uploadFileFailedWithError(DBRestClient &client, const ZQError &error) override;
     void loadedSharableLink(DBRestClient &client, const QString &link, const QString &forFile) override;
     void loadSharableLinkFailedWithError(DBRestClient &client, const ZQError &error) override;
-    void removeFolder() const;
+    void removeFolder(); // once, and only what Dropbox said that it made
     QString folder() const { return u'/' + fileToUploadID(); }
 
     DBSession &m_session;

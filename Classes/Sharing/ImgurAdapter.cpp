@@ -40,6 +40,26 @@ QString errorIn(const QJsonObject &answer)
     return text.isNull() ? QStringLiteral("") : text;
 }
 
+// What to do about an answer that refuses; empty: there is nothing to say.
+QString adviceFor(const ZQHTTPResponse &response)
+{
+    switch (response.statusCode) {
+    case 401:
+        return zqLocalized("Imgur does not accept the Client ID. Enter the right one in the preferences, under Cloud.");
+    case 403:
+        return zqLocalized(
+            "Imgur refuses the upload. Look in the preferences, under Cloud, whether the Client ID is the "
+            "right one, and whether Imgur takes files of this kind.");
+    case 429: {
+        const QString wait = response.error.userInfo.value(ZQError::failureReasonKey).toString();
+        return zqLocalized("Imgur takes no more uploads with this Client ID for now.") + u' ' +
+               (wait.isEmpty() ? zqLocalized("Try again later.") : wait);
+    }
+    default:
+        return {};
+    }
+}
+
 ZQError tooLarge(const QString &path)
 {
     return UploadProblem::with(zqFormat(zqLocalized("“%@” is too large for Imgur, which takes files of up to %d MB."),
@@ -144,6 +164,14 @@ void ImgurAdapter::send()
         });
 }
 
+void ImgurAdapter::refuse(ZQError error, const ZQHTTPResponse &response)
+{
+    if (const QString advice = adviceFor(response); !advice.isEmpty()) {
+        UploadProblem::advise(error, advice);
+    }
+    uploadFailed(error);
+}
+
 void ImgurAdapter::came(const ZQHTTPResponse &response)
 {
     const QJsonDocument document = QJsonDocument::fromJson(response.body);
@@ -151,11 +179,11 @@ void ImgurAdapter::came(const ZQHTTPResponse &response)
     if (const QString reason = errorIn(answer); !reason.isNull()) {
         ZQError error{errorDomain, refused, {}};
         error.userInfo.insert(ZQError::failureReasonKey, zqShortened(reason.simplified()));
-        uploadFailed(error);
+        refuse(error, response);
         return;
     }
     if (!response.isWhole()) {
-        uploadFailed(response.error);
+        refuse(response.error, response);
         return;
     }
     const QString link =

@@ -39,6 +39,7 @@ private:
     void send();
     void abandon();
     void came(const ZQHTTPResponse &response);
+    void refuse(ZQError error, const ZQHTTPResponse &response);
 
     const Access m_access;
     std::optional<ZQHTTPRequest> m_request; // with the file; nothing: not read yet, or sent

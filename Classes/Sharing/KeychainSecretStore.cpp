@@ -3,13 +3,15 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQSecret.h"
+#include "Kit/Foundation/ZQShortened.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QLibrary>
 
 #include <qt6keychain/keychain.h>
 
-#include <memory>
+#include <functional>
 
 namespace {
 
@@ -47,19 +49,50 @@ ZQError denied()
                          zqLocalized("Unlock it and try again."));
 }
 
+ZQError unreachable()
+{
+    return ZQError::with(SecretStore::errorDomain, SecretStore::Unavailable,
+                         zqLocalized("The stored password cannot be reached: there is no keyring."),
+                         zqLocalized("Start the one it was kept in, such as GNOME Keyring or KWallet, or log in to the "
+                                     "desktop again, and try once more."));
+}
+
+// What the library that speaks to the keyring keeps of it is worth nothing after the keyring was started anew.
+void forgetSession()
+{
+    QLibrary library(QStringLiteral("secret-1"), 0);
+    if (const auto disconnect = library.resolve("secret_service_disconnect")) {
+        disconnect();
+    }
+}
+
+// `prepare` may be called twice.
 template <class Job>
-Job *makeJob(const QString &service, const QString &account)
+void run(const QString &service, const QString &account, const std::function<void(Job &job)> &prepare,
+         const std::function<void(Job &job)> &done, bool mayTryAgain = true)
 {
     auto *const job = new Job(service); // deletes itself when it is done
     job->setInsecureFallback(false);
     job->setKey(account);
-    return job;
+    prepare(*job);
+    QObject::connect(job, &QKeychain::Job::finished, [=, wait = SecretStore::wait()](QKeychain::Job * /*job*/) mutable {
+        if (mayTryAgain && job->error() == QKeychain::OtherError && hasKeeper()) {
+            forgetSession();
+            run<Job>(service, account, prepare, done, false);
+        } else {
+            wait.reset();
+            done(*job);
+        }
+    });
+    job->start();
 }
 
 } // namespace
 
 ZQError KeychainSecretStore::errorOf(const QKeychain::Job &job)
 {
+    const bool isWriting = qobject_cast<const QKeychain::WritePasswordJob *>(&job);
+    const auto withoutKeeper = [isWriting] { return isWriting ? unavailable() : unreachable(); };
     switch (job.error()) {
     case QKeychain::NoError:
         return {};
@@ -68,7 +101,7 @@ ZQError KeychainSecretStore::errorOf(const QKeychain::Job &job)
         return denied();
     case QKeychain::NoBackendAvailable:
     case QKeychain::NotImplemented:
-        return unavailable();
+        return withoutKeeper();
     case QKeychain::EntryNotFound:
         return ZQError::with(errorDomain, Failed,
                              zqFormat(zqLocalized("The keyring has no password for “%@” any more."), {job.key()}),
@@ -79,10 +112,10 @@ ZQError KeychainSecretStore::errorOf(const QKeychain::Job &job)
     }
     return hasKeeper()
                ? ZQError::with(errorDomain, Failed,
-                               zqFormat(zqLocalized("The keyring cannot be used: %@"), {job.errorString()}),
+                               zqFormat(zqLocalized("The keyring cannot be used: %@"), {zqSentence(job.errorString())}),
                                zqLocalized("Look whether it is unlocked, in the desktop's program for passwords, and "
                                            "try again."))
-               : unavailable();
+               : withoutKeeper();
 }
 
 QStringList KeychainSecretStore::accountsOfService(const QString &service) const
@@ -111,47 +144,56 @@ bool KeychainSecretStore::noteAccount(bool isThere, const QString &service, cons
 void KeychainSecretStore::setPassword(const QByteArray &password, const QString &service, const QString &account,
                                       Stored stored)
 {
-    auto *const job = makeJob<QKeychain::WritePasswordJob>(service, account);
-    QString text = QString::fromUtf8(password);
-    job->setTextData(text);
-    zqWipe(text);
-    QObject::connect(job, &QKeychain::Job::finished, [service, account, stored](QKeychain::Job *done) {
-        ZQError error = errorOf(*done);
+    using Job = QKeychain::WritePasswordJob;
+    const auto prepare = [secret = ZQSecret(password)](Job &job) {
+        QString text = QString::fromUtf8(secret.UTF8());
+        job.setTextData(text);
+        zqWipe(text);
+    };
+    run<Job>(service, account, prepare, [service, account, stored](Job &job) {
+        ZQError error = errorOf(job);
         if (error.isNull() && !noteAccount(true, service, account, &error)) { // nobody would ever remove it
-            makeJob<QKeychain::DeletePasswordJob>(service, account)->start();
+            run<QKeychain::DeletePasswordJob>(
+                service, account, [](auto &) {}, [](auto &) {});
         }
         stored(error);
     });
-    job->start();
 }
 
 void KeychainSecretStore::password(const QString &service, const QString &account, Read read)
 {
-    auto *const job = makeJob<QKeychain::ReadPasswordJob>(service, account);
-    QObject::connect(job, &QKeychain::Job::finished, [job, read](QKeychain::Job *) {
-        const ZQError error = errorOf(*job);
-        if (!error.isNull()) {
-            read(std::nullopt, error);
-            return;
-        }
-        QString text = job->textData();
-        std::optional<QByteArray> password = text.toUtf8();
-        zqWipe(text);
-        read(password, {});
-        zqWipe(*password);
-    });
-    job->start();
+    using Job = QKeychain::ReadPasswordJob;
+    run<Job>(
+        service, account, [](Job &) {},
+        [read](Job &job) {
+            const ZQError error = errorOf(job);
+            if (!error.isNull()) {
+                read(std::nullopt, error);
+                return;
+            }
+            QString text = job.textData();
+            std::optional<QByteArray> password = text.toUtf8();
+            zqWipe(text);
+            read(password, {});
+            zqWipe(*password);
+        });
 }
 
 void KeychainSecretStore::deletePassword(const QString &service, const QString &account, Stored deleted)
 {
-    auto *const job = makeJob<QKeychain::DeletePasswordJob>(service, account);
-    QObject::connect(job, &QKeychain::Job::finished, [service, account, deleted](QKeychain::Job *done) {
-        ZQError error = done->error() == QKeychain::EntryNotFound ? ZQError() : errorOf(*done);
-        if (error.isNull()) {
-            noteAccount(false, service, account, &error);
-        }
-        deleted(error);
-    });
-    job->start();
+    using Job = QKeychain::DeletePasswordJob;
+    run<Job>(
+        service, account, [](Job &) {},
+        [service, account, deleted](Job &job) {
+            ZQError error = job.error() == QKeychain::EntryNotFound ? ZQError() : errorOf(job);
+            if (error.isNull()) {
+                noteAccount(false, service, account, &error);
+            }
+            deleted(error);
+        });
+}
+
+void KeychainSecretStore::forgetAccount(const QString &service, const QString &account)
+{
+    noteAccount(false, service, account, nullptr);
 }

@@ -15,6 +15,7 @@ public:
                      Stored stored) override;
     void password(const QString &service, const QString &account, Read read) override;
     void deletePassword(const QString &service, const QString &account, Stored deleted) override;
+    void forgetAccount(const QString &service, const QString &account) override;
 
 private:
     // What the keyring said, in words; null: nothing went wrong. Never with a password in it.

@@ -17,7 +17,7 @@
 class SecretStore
 {
 public:
-    enum Error { Unavailable = 1, Denied, Failed };
+    enum Error { Unavailable = 1, Denied, Failed, LeftBehind };
     static inline const QString errorDomain = QStringLiteral("zelto.secrets");
     using Stored = std::function<void(const ZQError &error)>; // null: done
     using Read = std::function<void(const std::optional<QByteArray> &password, const ZQError &error)>;
@@ -32,4 +32,11 @@ public:
                              Stored stored) = 0; // in place of the one that is there
     virtual void password(const QString &service, const QString &account, Read read) = 0;
     virtual void deletePassword(const QString &service, const QString &account, Stored deleted) = 0;
+    // No account any more; its password stays wherever it is.
+    virtual void forgetAccount(const QString &service, const QString &account) = 0;
+
+    // Posted without an object when the keyring begins or ends to be asked.
+    static inline const QString waitingDidChange = QStringLiteral("SecretStoreWaitingDidChange");
+    static bool isWaiting();
+    static std::shared_ptr<void> wait(); // the keyring is asked for as long as somebody holds it
 };

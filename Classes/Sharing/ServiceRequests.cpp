@@ -1,7 +1,9 @@
 #include "Classes/Sharing/ServiceRequests.h"
 
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQHTTPConnections.h"
 #include "Kit/Network/ZQHTTPTask.h"
+#include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QTimer>
@@ -15,6 +17,13 @@ constexpr std::chrono::seconds longestSilence{90}; // servers put large files to
 constexpr std::chrono::minutes longestExchange{2};
 constexpr std::chrono::minutes longestAnswer{5}; // what systems still hold of a file counts, too
 constexpr qint64 largestAnswer = qint64(1) << 20;
+
+ZQError tooLarge(const QString &host)
+{
+    return zqNetworkError(ZQNetworkErrorCode::TooLarge,
+                          zqFormat(zqLocalized("The answer of %@ is larger than one that tells of an upload."), {host}),
+                          zqLocalized("Look whether its address in the preferences, under Cloud, is the right one."));
+}
 
 } // namespace
 
@@ -90,7 +99,13 @@ void ServiceRequests::came(const std::shared_ptr<UnderWay> &underWay, const ZQHT
     }
     const Answered answered = underWay->answered;
     m_underWay.reset();
-    answered(response);
+    if (zqIsNetworkError(response.error, ZQNetworkErrorCode::TooLarge)) {
+        ZQHTTPResponse told = response;
+        told.error = tooLarge(response.url.host());
+        answered(told);
+    } else {
+        answered(response);
+    }
 }
 
 void ServiceRequests::cancel()

@@ -5,6 +5,7 @@
 namespace {
 
 constexpr int code = -2;
+const QString adviceKey = QStringLiteral("advice");
 
 } // namespace
 
@@ -31,4 +32,25 @@ ZQError UploadProblem::of(const ZQHTTPResponse &response, const QString &whatToD
         problem.userInfo.insert(ZQError::failureReasonKey, whatToDo);
     }
     return problem;
+}
+
+bool UploadProblem::isOurs(const ZQError &error)
+{
+    return error.domain == errorDomain && error.code == code;
+}
+
+void UploadProblem::advise(ZQError &error, const QString &advice)
+{
+    error.userInfo.insert(adviceKey, advice);
+    for (const QString &key : {ZQError::descriptionKey, ZQError::failureReasonKey}) {
+        if (error.userInfo.value(key).toString().isEmpty()) {
+            error.userInfo.insert(key, advice);
+            return;
+        }
+    }
+}
+
+QString UploadProblem::adviceOf(const ZQError &error)
+{
+    return error.userInfo.value(adviceKey).toString();
 }

@@ -106,6 +106,7 @@ void WebDAVAdapter::sendFile()
     ZQError error;
     ZQHTTPBody body;
     if (!body.appendFile(fileToUploadURL(), &error)) {
+        removeOwnFolder();
         uploadFailed(UploadProblem::of(error));
         return;
     }
@@ -116,6 +117,9 @@ void WebDAVAdapter::sendFile()
         put,
         [this](const ZQHTTPResponse &response) {
             if (!response.isWhole()) {
+                if (response.statusCode != preconditionFailed) { // else something is in it that is not ours
+                    removeOwnFolder();
+                }
                 uploadFailed(problemOf(response));
             } else if (m_addresses.publicFolder.isEmpty()) {
                 askForLink();
@@ -156,6 +160,7 @@ void WebDAVAdapter::linkCame(const ZQHTTPResponse &response)
             zqFormat(zqLocalized("The file was uploaded, but your server makes no link: “%@”."), {zqShortened(reason)}),
             zqLocalized("Allow public links there, or share the file from the server's own pages.")));
     } else if (!response.isWhole() && response.statusCode != 404 && response.statusCode != methodNotAllowed) {
+        removeOwnFolder(); // nobody would know that the file is there
         uploadFailed(problemOf(response));
     } else {
         uploadFailed(UploadProblem::with(
@@ -189,7 +194,12 @@ ZQError WebDAVAdapter::problemOf(const ZQHTTPResponse &response) const
 void WebDAVAdapter::abandon()
 {
     m_requests.reset();
-    if (m_didMakeOwnFolder && AbandonedFolder::isOne(fileToUploadID())) {
+    removeOwnFolder();
+}
+
+void WebDAVAdapter::removeOwnFolder()
+{
+    if (std::exchange(m_didMakeOwnFolder, false) && AbandonedFolder::isOne(fileToUploadID())) {
         AbandonedFolder::remove(request("DELETE", ServiceAddress::below(m_addresses.root, ownFolder() + u'/')));
     }
 }

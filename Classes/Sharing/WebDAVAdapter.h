@@ -28,6 +28,7 @@ private:
     void sendFile();
     void askForLink();
     void linkCame(const ZQHTTPResponse &response);
+    void removeOwnFolder(); // once, and only what the server said that it made
     ZQHTTPRequest request(const QByteArray &method, const QUrl &url) const;
     ZQError problemOf(const ZQHTTPResponse &response) const;
     QString ownFolder() const { return m_addresses.folder + u'/' + fileToUploadID(); }

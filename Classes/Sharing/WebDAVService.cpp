@@ -6,6 +6,25 @@
 #include "Classes/Sharing/WebDAVAdapter.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQNetworkError.h"
+#include "Kit/Network/ZQPrivateAddress.h"
+
+namespace {
+
+// Why a server gave no answer at all. Where the person named no scheme it may be one without encryption.
+ZQError withoutScheme(const WebDAVSettings &settings, const ZQHTTPResponse &response)
+{
+    const bool isHTTPAllowed = zqIsPrivateHostName(response.url.host()) && !settings.address.contains(u"://");
+    if (!isHTTPAllowed || !zqIsNetworkError(response.error, ZQNetworkErrorCode::Untrusted)) {
+        return response.error;
+    }
+    ZQError error = response.error;
+    error.userInfo.insert(ZQError::failureReasonKey,
+                          zqLocalized("If it has no encryption, write http:// before its address."));
+    return error;
+}
+
+} // namespace
 
 QString WebDAVService::title() const
 {
@@ -63,7 +82,7 @@ void WebDAVCheck::connectTo(const WebDAVSettings &settings, const ZQSecret &pass
                                               {response.url.toString(QUrl::RemoveUserInfo)}),
                                      zqLocalized("Check the address and the name of the user.")));
         } else {
-            done(response.error);
+            done(withoutScheme(settings, response));
         }
     });
 }
@@ -121,8 +140,8 @@ void WebDAVCheck::disconnect(const Done &done)
 {
     const QStringList accounts = SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets);
     // A server that is still known can be disconnected again when the keyring refused.
-    forgetSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
-        if (error.isNull()) {
+    giveUpSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
+        if (areSecretsGivenUp(error)) {
             for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
                 ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
             }

@@ -30,7 +30,7 @@ public:
     using Done = std::function<void(const ZQError &error)>; // null: it is kept
     void connectTo(const WebDAVSettings &settings, const ZQSecret &password, const Done &done);
     void cancel();
-    // Forgets its passwords, and then the server, which stays while one could not be forgotten.
+    // Forgets its passwords, and then the server, which stays while the keyring is locked.
     static void disconnect(const Done &done);
 
 private:

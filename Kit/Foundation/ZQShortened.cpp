@@ -54,3 +54,10 @@ QString zqForLabel(const QString &text, qsizetype longest)
     }
     return label;
 }
+
+QString zqSentence(const QString &text)
+{
+    const QString plain = text.trimmed();
+    constexpr QStringView ends = u".!?…。";
+    return plain.isEmpty() || ends.contains(plain.back()) ? plain : plain + u'.';
+}

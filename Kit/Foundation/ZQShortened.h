@@ -10,5 +10,8 @@ inline constexpr qsizetype zqLongestQuotation = 240;
 // same for a text of any length. Any thread.
 QString zqShortened(const QString &text, qsizetype longest = zqLongestQuotation);
 
-// The same, for a label of a fixed width: a run without blanks gets places to break that are not seen.
+// What others say, with a full stop where it has no end of its own, so that a sentence can follow it.
+QString zqSentence(const QString &text);
+
+// The same as `zqShortened`, for a label of a fixed width: a run without blanks gets places to break that are not seen.
 QString zqForLabel(const QString &text, qsizetype longest);

@@ -1,9 +1,11 @@
 #include "Kit/Network/ZQTransferError.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Network/ZQHTTPExchange.h"
 #include "Kit/Network/ZQPrivateAddress.h"
 
+#include <QHostAddress>
 #include <QLocale>
 #include <QUrl>
 
@@ -17,31 +19,46 @@ QString sizeText(qint64 bytes)
     return QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
 }
 
-ZQError offlineOr(const QString &host, const ZQError &other)
+ZQError offline()
 {
-    if (zqReachOfHostName(host) == ZQAddressReach::Machine || zqIsOnline()) {
-        return other;
-    }
     return zqNetworkError(ZQNetworkErrorCode::Offline, zqLocalized("There is no connection to the internet."),
                           zqLocalized("Connect this computer to a network, then try again."));
+}
+
+ZQError offlineOr(const QString &host, const ZQError &other)
+{
+    return zqReachOfHostName(host) == ZQAddressReach::Machine || zqIsOnline() ? other : offline();
+}
+
+// Interfaces that are up, as those of a virtual machine, lead nowhere by themselves. Of a name this says nothing: the
+// last of its addresses may be of a kind that this network does not have.
+bool isWithoutRoute(const QString &host, int systemError)
+{
+    QHostAddress address;
+    return zqReachOfHostName(host) != ZQAddressReach::Machine &&
+           (systemError == ENETUNREACH || systemError == ENETDOWN) && address.setAddress(host) &&
+           address.protocol() == QAbstractSocket::IPv4Protocol;
 }
 
 ZQError proxyFails(const QString &host, const QString &reason)
 {
     return zqNetworkError(ZQNetworkErrorCode::CannotConnect,
-                          zqFormat(zqLocalized("The proxy does not lead to %@: %@"), {host, reason}),
+                          zqFormat(zqLocalized("The proxy does not lead to %@: %@"), {host, zqSentence(reason)}),
                           zqLocalized("Look at the network settings of the desktop."));
 }
 
 ZQError cannotConnect(const QString &host, const ZQHTTPEnd &end)
 {
+    if (isWithoutRoute(host, end.systemError)) {
+        return offline();
+    }
     const bool isRefused = end.systemError == ECONNREFUSED;
     const QString reason = end.systemError ? QString::fromLocal8Bit(std::strerror(end.systemError)) : end.reason;
-    return offlineOr(host,
-                     zqNetworkError(ZQNetworkErrorCode::CannotConnect,
-                                    isRefused ? zqFormat(zqLocalized("%@ takes no connection."), {host})
-                                              : zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reason}),
-                                    isRefused ? zqLocalized("Try again later.") : QString()));
+    return offlineOr(host, zqNetworkError(ZQNetworkErrorCode::CannotConnect,
+                                          isRefused ? zqFormat(zqLocalized("%@ takes no connection."), {host})
+                                                    : zqFormat(zqLocalized("%@ cannot be read from: %@"),
+                                                               {host, zqSentence(reason)}),
+                                          isRefused ? zqLocalized("Try again later.") : QString()));
 }
 
 } // namespace
@@ -195,11 +212,11 @@ ZQError ZQTransferError::of(const ZQHTTPEnd &end, const QUrl &url, bool wasConne
     case CURLE_SSL_CIPHER:
         return zqNetworkError(
             ZQNetworkErrorCode::Untrusted,
-            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, end.reason}),
+            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, zqSentence(end.reason)}),
             zqLocalized("Look at the address, and at the clock of this computer."));
     default:
         return offlineOr(
             host, zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
-                                 zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, end.reason})));
+                                 zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, zqSentence(end.reason)})));
     }
 }

@@ -65,6 +65,7 @@ public:
         }
         zqOnMainThread([deleted, error = failure] { deleted(error); });
     }
+    void forgetAccount(const QString &service, const QString &account) override { remove(service, account); }
 
 private:
     void remove(const QString &service, const QString &account)

@@ -4,6 +4,7 @@
 #include "Classes/Interface/Cloud/CloudButton.h"
 #include "Classes/Interface/Cloud/CloudMenu.h"
 #include "Classes/Sharing/CloudUploader.h"
+#include "Classes/Sharing/SecretStore.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 
@@ -33,6 +34,8 @@ void CloudActions::follow()
        [this, number](const ZQNotification &said) { m_button.uploadDidStart(number(said).toLongLong()); });
     on(CloudUploader::didUpdate,
        [this, number](const ZQNotification &said) { m_button.uploadDidUpdate(number(said).toDouble()); });
+    on(SecretStore::waitingDidChange,
+       [this](const ZQNotification &) { m_button.setIsWaiting(SecretStore::isWaiting()); });
     on(CloudUploader::preferencesRequested, [this](const ZQNotification &) { Q_EMIT preferencesRequested(); });
     on(CloudUploader::didFinish, [this](const ZQNotification &) { m_button.uploadDidFinish(); });
 }

@@ -55,6 +55,9 @@ QString CloudButton::progressText() const
     if (!isUploading()) {
         return {};
     }
+    if (m_isWaiting) {
+        return zqLocalized("Waiting for the keyring…");
+    }
     if (m_total == 1) {
         return zqLocalized("Sharing…");
     }
@@ -96,6 +99,15 @@ void CloudButton::uploadDidFinish()
         m_ring.stop();
         showState();
         Q_EMIT uploadingChanged();
+        Q_EMIT progressChanged();
+    }
+}
+
+void CloudButton::setIsWaiting(bool isWaiting)
+{
+    m_isWaiting = isWaiting;
+    if (isUploading()) {
+        showState();
         Q_EMIT progressChanged();
     }
 }

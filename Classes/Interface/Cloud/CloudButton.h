@@ -29,6 +29,7 @@ public:
     void uploadDidStart(qint64 files);
     void uploadDidUpdate(double filesDone);
     void uploadDidFinish();
+    void setIsWaiting(bool isWaiting); // for the keyring
 
     // Also while files go up: these wait for their turn.
     void setFileToUploadAfterExport(const QStringList &paths) override;
@@ -57,5 +58,6 @@ private:
     qint64 m_total = 0; // 0: nothing is uploaded
     double m_done = 0;
     bool m_hasSelection = false;
+    bool m_isWaiting = false;
     QVariantAnimation m_ring; // the fraction that is shown
 };

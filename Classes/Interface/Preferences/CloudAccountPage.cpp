@@ -1,11 +1,14 @@
 #include "Classes/Interface/Preferences/CloudAccountPage.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Preferences/TurningIcon.h"
 #include "Classes/Sharing/CloudService.h"
 #include "Classes/Sharing/CloudServices.h"
+#include "Classes/Sharing/SecretStore.h"
 #include "Classes/Sharing/WebBrowser.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 
 #include <QAccessible>
 #include <QBoxLayout>
@@ -47,6 +50,30 @@ CloudAccountPage::CloudAccountPage(const QString &service, const QString &title,
     m_use->setAutoDefault(false);
     m_use->hide();
     connect(m_use, &QPushButton::clicked, this, [this] { Q_EMIT useRequested(serviceToUse()); });
+    m_token = ZQNotificationCenter::defaultCenter().addObserver(SecretStore::waitingDidChange, nullptr,
+                                                                [this](const ZQNotification &) { refresh(); });
+}
+
+QString CloudAccountPage::orKeyring(const QString &otherwise)
+{
+    return SecretStore::isWaiting() ? zqLocalized("Waiting for the keyring…") : otherwise;
+}
+
+bool CloudAccountPage::isSureToDisconnect(UserInteraction &user, const QString &account)
+{
+    return user.ask({zqFormat(zqLocalized("Disconnect “%@”?"), {account}),
+                     zqLocalized("Its stored password is forgotten. What was uploaded stays where it is, and its links "
+                                 "go on working."),
+                     {zqLocalized("Disconnect"), zqLocalized("Cancel")},
+                     {},
+                     true}) == 0;
+}
+
+void CloudAccountPage::moveFocusTo(QWidget *widget)
+{
+    if (isVisible() && window()->isActiveWindow()) {
+        widget->setFocus();
+    }
 }
 
 void CloudAccountPage::showUse(const QString &serviceInUse)

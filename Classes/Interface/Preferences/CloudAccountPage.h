@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 
 class QBoxLayout;
 class QGridLayout;
@@ -15,6 +16,7 @@ class QLineEdit;
 class QPushButton;
 class QVBoxLayout;
 class TurningIcon;
+class UserInteraction;
 
 // The part of the cloud preferences about one account: a form, what it waits for, and what is wrong with it. Fields
 // of preferences are written when they are left or Return is pressed. Main thread.
@@ -52,6 +54,10 @@ protected:
     void showState(const QString &text, bool isUnderWay = false);
     void showProblem(const QString &text); // empty: there is none
     QVBoxLayout *column() const { return m_column; }
+    // "Waiting for the keyring…" while that is asked, else `otherwise`.
+    static QString orKeyring(const QString &otherwise);
+    static bool isSureToDisconnect(UserInteraction &user, const QString &account);
+    void moveFocusTo(QWidget *widget); // where it would be lost, since what had it goes or rests
     static void setShown(std::initializer_list<QWidget *> widgets, bool isShown);
     void setFieldsShown(std::initializer_list<QLineEdit *> fields, bool isShown); // with their names
 
@@ -65,6 +71,7 @@ private:
     QLabel *m_problem;
     QLabel *m_state = nullptr;
     TurningIcon *m_turning = nullptr;
+    std::shared_ptr<void> m_token;
     QStringList m_keys;
     QList<QLineEdit *> m_fields; // of those
 };

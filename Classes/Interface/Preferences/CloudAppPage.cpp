@@ -9,8 +9,10 @@
 #include <QPointer>
 #include <QPushButton>
 
+#include <utility>
+
 CloudAppPage::CloudAppPage(UserInteraction &user, QWidget *parent)
-    : CloudAccountPage(QStringLiteral("cloudapp"), QStringLiteral("CloudApp"), parent),
+    : CloudAccountPage(QStringLiteral("cloudapp"), QStringLiteral("CloudApp"), parent), m_user(user),
       m_account(std::make_shared<CloudAppAccount>(user))
 {
     m_email = addField(zqLocalized("&E-mail"), {});
@@ -18,7 +20,9 @@ CloudAppPage::CloudAppPage(UserInteraction &user, QWidget *parent)
     m_password = addField(zqLocalized("&Password"), {}, FieldKind::Secret);
     for (QLineEdit *field : {m_email, m_password}) {
         connect(field, &QLineEdit::textChanged, this, &CloudAppPage::updateButtons);
-        connect(field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); });
+        // Later: the same key would press the button that the focus moves to.
+        connect(
+            field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); }, Qt::QueuedConnection);
     }
     QBoxLayout *row = addRow();
     m_connect = addButton(row, zqLocalized("&Connect"), [this] { connectAccount(); });
@@ -42,7 +46,7 @@ void CloudAppPage::refresh()
     setShown({m_connect}, !isConnected);
     setShown({m_cancel}, m_busy == Busy::Connecting);
     setShown({m_disconnect}, isConnected);
-    showState(m_busy == Busy::Connecting ? zqLocalized("Asking CloudApp…")
+    showState(m_busy == Busy::Connecting ? orKeyring(zqLocalized("Asking CloudApp…"))
               : isConnected              ? zqFormat(zqLocalized("Connected as %@"), {account})
                                          : QString(),
               m_busy != Busy::No);
@@ -60,9 +64,12 @@ void CloudAppPage::updateButtons()
 
 void CloudAppPage::end(const QString &problem)
 {
-    m_busy = Busy::No;
+    const bool wasConnecting = std::exchange(m_busy, Busy::No) == Busy::Connecting;
     showProblem(problem);
     refresh();
+    moveFocusTo(!CloudAppAccount::current().isEmpty() ? static_cast<QWidget *>(m_disconnect)
+                : wasConnecting                       ? m_password
+                                                      : m_email);
     Q_EMIT changed();
 }
 
@@ -71,6 +78,7 @@ void CloudAppPage::connectAccount()
     showProblem({});
     m_busy = Busy::Connecting;
     refresh();
+    moveFocusTo(m_cancel);
     m_account->testCloudAppCredentials(m_email->text(), m_password->text(),
                                        [self = QPointer(this), account = m_account](CloudAppAccount::Outcome outcome) {
                                            zqOnMainThread(
@@ -88,6 +96,9 @@ void CloudAppPage::connectAccount()
 
 void CloudAppPage::disconnectAccount()
 {
+    if (!isSureToDisconnect(m_user, CloudAppAccount::current())) {
+        return;
+    }
     showProblem({});
     m_busy = Busy::Disconnecting;
     refresh();

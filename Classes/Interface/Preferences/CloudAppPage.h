@@ -24,6 +24,7 @@ private:
     void updateButtons();
 
     enum class Busy { No, Connecting, Disconnecting };
+    UserInteraction &m_user;
     std::shared_ptr<CloudAppAccount> m_account;
     QLineEdit *m_email;
     QLineEdit *m_password;

@@ -21,8 +21,8 @@ CloudPane::CloudPane(UserInteraction &user, QWidget *parent)
       m_missing(new QLabel(this)), m_pages(new QStackedWidget(this))
 {
     addService();
-    addAccounts(
-        {new CloudAppPage(user), new DropboxPage, new ImgurPage, new OwnServerPage, new DescriptionsPage(user)});
+    addAccounts({new CloudAppPage(user), new DropboxPage(user), new ImgurPage, new OwnServerPage(user),
+                 new DescriptionsPage(user)});
     setShown(CloudServices::choiceKey, [this] { showServices(); });
 }
 

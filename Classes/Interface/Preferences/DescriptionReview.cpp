@@ -70,7 +70,8 @@ void DescriptionReview::addSecrets(const UploadDescription &description, QGridLa
         form->addWidget(label, row, 0);
         form->addWidget(field, row, 1);
         connect(field, &QLineEdit::textChanged, this, [this] { m_add->setEnabled(isComplete()); });
-        connect(field, &QLineEdit::returnPressed, m_add, &QAbstractButton::click);
+        // Later: the same key would press the button that the focus moves to.
+        connect(field, &QLineEdit::returnPressed, m_add, &QAbstractButton::click, Qt::QueuedConnection);
         m_fields.insert(name, field);
         m_first = m_first ? m_first : field;
     }

@@ -9,8 +9,8 @@
 #include <QPointer>
 #include <QPushButton>
 
-DropboxPage::DropboxPage(QWidget *parent)
-    : CloudAccountPage(QStringLiteral("dropbox"), QStringLiteral("Dropbox"), parent)
+DropboxPage::DropboxPage(UserInteraction &user, QWidget *parent)
+    : CloudAccountPage(QStringLiteral("dropbox"), QStringLiteral("Dropbox"), parent), m_user(user)
 {
     m_key = addPreference(zqLocalized("App &key"), QStringLiteral("DropboxAppKey"), {});
     connect(m_key, &QLineEdit::textChanged, this, [this] { m_link->setEnabled(!m_key->text().trimmed().isEmpty()); });
@@ -50,7 +50,7 @@ void DropboxPage::refresh()
     m_unlink->setEnabled(!m_isUnlinking);
     const QStringList accounts = SecretStore::shared().accountsOfService(DBSession::serviceOfSecrets);
     if (isLinking) {
-        showState(zqLocalized("Waiting for you to allow it in the web browser…"), true);
+        showState(orKeyring(zqLocalized("Waiting for you to allow it in the web browser…")), true);
     } else if (isLinked && !accounts.isEmpty()) {
         showState(zqFormat(zqLocalized("Linked with %@"), {accounts.last()}), m_isUnlinking);
     } else {
@@ -76,6 +76,9 @@ void DropboxPage::link()
 
 void DropboxPage::unlink()
 {
+    if (!isSureToDisconnect(m_user, title())) {
+        return;
+    }
     showProblem({});
     m_isUnlinking = true;
     refresh();

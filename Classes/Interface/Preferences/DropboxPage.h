@@ -8,7 +8,7 @@ class DropboxPage : public CloudAccountPage
 {
     Q_OBJECT
 public:
-    explicit DropboxPage(QWidget *parent = nullptr);
+    explicit DropboxPage(UserInteraction &user, QWidget *parent = nullptr);
     ~DropboxPage() override;
     QStringList preferences() const override;
     void refresh() override;
@@ -17,6 +17,7 @@ private:
     void link();
     void unlink();
 
+    UserInteraction &m_user;
     QLineEdit *m_key;
     QPushButton *m_link;
     QPushButton *m_cancel;

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Preferences/OwnServerPage.h"
 
+#include "Classes/Sharing/SecretStore.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQSecret.h"
 
@@ -8,16 +9,14 @@
 #include <QPointer>
 #include <QPushButton>
 
-OwnServerPage::OwnServerPage(QWidget *parent)
-    : CloudAccountPage(QStringLiteral("webdav"), zqLocalized("Own server"), parent)
+OwnServerPage::OwnServerPage(UserInteraction &user, QWidget *parent)
+    : CloudAccountPage(QStringLiteral("webdav"), zqLocalized("Own server"), parent), m_user(user)
 {
     addForm();
     QBoxLayout *row = addRow();
     m_connect = addButton(row, zqLocalized("Test and &Connect"), [this] { connectServer(); });
-    m_cancel = addButton(row, zqLocalized("C&ancel"), [this] {
-        m_check.cancel();
-        end({});
-    });
+    m_cancel = addButton(row, zqLocalized("C&ancel"), [this] { cancel(); });
+    m_change = addButton(row, zqLocalized("C&hange…"), [this] { change(); });
     m_disconnect = addButton(row, zqLocalized("&Disconnect"), [this] { disconnectServer(); });
     addState(row);
     addNote(zqLocalized("A Nextcloud makes the links itself, and wants an app password where a second factor is used. "
@@ -29,13 +28,15 @@ OwnServerPage::OwnServerPage(QWidget *parent)
 void OwnServerPage::addForm()
 {
     m_address = addField(zqLocalized("A&ddress"), QStringLiteral("https://cloud.example.org"));
-    m_user = addField(zqLocalized("&User"), {});
+    m_name = addField(zqLocalized("&User"), {});
     m_password = addField(zqLocalized("&Password"), {}, FieldKind::Secret);
     m_folder = addField(zqLocalized("&Folder"), zqLocalized("Optional: Shared/Zelto"));
     m_publicAddress = addField(zqLocalized("Pu&blic address"), zqLocalized("Optional: https://files.example.org"));
-    for (QLineEdit *field : {m_address, m_user, m_password, m_folder, m_publicAddress}) {
+    for (QLineEdit *field : {m_address, m_name, m_password, m_folder, m_publicAddress}) {
         connect(field, &QLineEdit::textChanged, this, &OwnServerPage::updateButtons);
-        connect(field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); });
+        // Later: the same key would press the button that the focus moves to.
+        connect(
+            field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); }, Qt::QueuedConnection);
     }
 }
 
@@ -47,12 +48,16 @@ QStringList OwnServerPage::preferences() const
 void OwnServerPage::refresh()
 {
     const bool isConnected = WebDAVService().isReady();
-    setFieldsShown({m_address, m_user, m_password, m_folder, m_publicAddress}, !isConnected);
-    setShown({m_connect}, !isConnected);
-    setShown({m_cancel}, m_busy == Busy::Connecting);
-    setShown({m_disconnect}, isConnected);
+    m_isChanging = m_isChanging && isConnected;
+    const bool hasForm = !isConnected || m_isChanging;
+    setFieldsShown({m_address, m_name, m_password, m_folder, m_publicAddress}, hasForm);
+    setShown({m_connect}, hasForm);
+    setShown({m_cancel}, m_busy == Busy::Connecting || m_isChanging);
+    setShown({m_change, m_disconnect}, !hasForm);
+    m_password->setPlaceholderText(m_isChanging ? zqLocalized("As it is") : QString());
     const QString account = WebDAVSettings::stored().account();
-    showState(m_busy == Busy::Connecting ? zqLocalized("Asking the server…")
+    showState(m_busy == Busy::Connecting ? orKeyring(zqLocalized("Asking the server…"))
+              : m_busy != Busy::No       ? orKeyring({})
               : isConnected              ? zqFormat(zqLocalized("Connected as %@"), {account})
                                          : QString(),
               m_busy != Busy::No);
@@ -62,22 +67,53 @@ void OwnServerPage::refresh()
 void OwnServerPage::updateButtons()
 {
     const bool isIdle = m_busy == Busy::No;
-    for (QLineEdit *field : {m_address, m_user, m_password, m_folder, m_publicAddress}) {
+    for (QLineEdit *field : {m_address, m_name, m_password, m_folder, m_publicAddress}) {
         field->setEnabled(isIdle);
     }
-    m_connect->setEnabled(isIdle && !m_address->text().trimmed().isEmpty() && !m_user->text().trimmed().isEmpty() &&
-                          !m_password->text().isEmpty());
+    m_connect->setEnabled(isIdle && !m_address->text().trimmed().isEmpty() && !m_name->text().trimmed().isEmpty() &&
+                          (!m_password->text().isEmpty() || keepsPassword()));
     m_disconnect->setEnabled(isIdle);
+    m_change->setEnabled(isIdle);
 }
 
 WebDAVSettings OwnServerPage::entered() const
 {
     WebDAVSettings settings;
     settings.address = m_address->text().trimmed();
-    settings.user = m_user->text().trimmed();
+    settings.user = m_name->text().trimmed();
     settings.folder = m_folder->text().trimmed();
     settings.publicAddress = m_publicAddress->text().trimmed();
     return settings;
+}
+
+bool OwnServerPage::keepsPassword() const
+{
+    return m_isChanging && m_password->text().isEmpty() && entered().account() == WebDAVSettings::stored().account();
+}
+
+void OwnServerPage::change()
+{
+    const WebDAVSettings stored = WebDAVSettings::stored();
+    m_address->setText(stored.address);
+    m_name->setText(stored.user);
+    m_folder->setText(stored.folder);
+    m_publicAddress->setText(stored.publicAddress);
+    m_password->clear();
+    m_isChanging = true;
+    showProblem({});
+    refresh();
+    moveFocusTo(m_password);
+}
+
+void OwnServerPage::cancel()
+{
+    ++m_attempt;
+    m_check.cancel();
+    if (m_busy == Busy::No) {
+        m_isChanging = false;
+        m_password->clear();
+    }
+    end({});
 }
 
 void OwnServerPage::end(const ZQError &error)
@@ -85,18 +121,37 @@ void OwnServerPage::end(const ZQError &error)
     m_busy = Busy::No;
     showProblem(error.isNull() ? QString() : error.localizedDescription());
     refresh();
+    moveFocusTo(m_change->isVisible() ? static_cast<QWidget *>(m_change) : m_password);
     Q_EMIT changed();
 }
 
 void OwnServerPage::connectServer()
 {
     showProblem({});
+    const bool keeps = keepsPassword();
     m_busy = Busy::Connecting;
     refresh();
-    m_check.connectTo(entered(), ZQSecret(m_password->text()), [self = QPointer(this)](const ZQError &error) {
+    moveFocusTo(m_cancel);
+    if (!keeps) {
+        connectWith(ZQSecret(m_password->text()));
+        return;
+    }
+    SecretStore::shared().password(
+        WebDAVSettings::serviceOfSecrets, entered().account(),
+        [self = QPointer(this), attempt = m_attempt](const std::optional<QByteArray> &password, const ZQError &error) {
+            if (self && attempt == self->m_attempt) {
+                password ? self->connectWith(ZQSecret(*password)) : self->end(error);
+            }
+        });
+}
+
+void OwnServerPage::connectWith(const ZQSecret &password)
+{
+    m_check.connectTo(entered(), password, [self = QPointer(this)](const ZQError &error) {
         if (self) {
             if (error.isNull()) {
                 self->m_password->clear();
+                self->m_isChanging = false;
             }
             self->end(error);
         }
@@ -105,6 +160,9 @@ void OwnServerPage::connectServer()
 
 void OwnServerPage::disconnectServer()
 {
+    if (!isSureToDisconnect(m_user, WebDAVSettings::stored().account())) {
+        return;
+    }
     showProblem({});
     m_busy = Busy::Disconnecting;
     refresh();

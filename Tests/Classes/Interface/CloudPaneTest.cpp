@@ -182,6 +182,9 @@ TEST_F(CloudPaneTest, CloudAppIsTriedBeforeItIsKeptAndForgottenWhole)
     EXPECT_FALSE(kept().contains(password.toUtf8()));
 
     button("Disconnect")->click();
+    ASSERT_TRUE(button("Disconnect")) << "the person is not sure";
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    button("Disconnect")->click();
     ASSERT_TRUE(waitFor([this] { return button("Connect") != nullptr; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(shown<QLineEdit>(QStringLiteral("Password"))->text().isEmpty()) << "no trace of it";
@@ -251,6 +254,7 @@ TEST_F(CloudPaneTest, DropboxIsLinkedInTheBrowserWhichCanBeCancelled)
     pane->showPreference(QStringLiteral("SecretAccounts"));
     EXPECT_TRUE(isSaid(QStringLiteral("Linked with Me")));
     EXPECT_FALSE(shown<QLineEdit>(QStringLiteral("App key"))->isEnabled());
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
     button("Unlink")->click();
     ASSERT_TRUE(waitFor([this] { return button("Link…") != nullptr; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
@@ -285,9 +289,79 @@ TEST_F(CloudPaneTest, AServerOfOnesOwnIsTriedWithWhatWasEntered)
     ASSERT_EQ(secrets->entries.size(), 1);
     EXPECT_FALSE(kept().contains(password.toUtf8()));
     button("Disconnect")->click();
+    ASSERT_TRUE(button("Disconnect")) << "the person is not sure";
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    button("Disconnect")->click();
     ASSERT_TRUE(waitFor([this] { return button("Test and Connect") != nullptr; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(WebDAVSettings::stored().address.isEmpty());
+}
+
+TEST_F(CloudPaneTest, WhatIsConnectedCanBeChangedWithoutGivingItUp)
+{
+    LocalHTTPServer server;
+    const QString files = QStringLiteral("/remote.php/dav/files/me/");
+    server.setAnswer(files, {.status = 207});
+    pane->showPage(QStringLiteral("webdav"));
+    enter("Address", server.address({}));
+    enter("User", QStringLiteral("me"));
+    enter("Password", QStringLiteral("old"));
+    QTest::keyClick(shown<QLineEdit>(QStringLiteral("Password")), Qt::Key_Return);
+    ASSERT_TRUE(waitFor([this] { return button("Change…") != nullptr; }));
+    EXPECT_TRUE(button("Change…")->hasFocus());
+
+    button("Change…")->click();
+    EXPECT_FALSE(button("Disconnect"));
+    enter("Folder", QStringLiteral("Shared"));
+    ASSERT_TRUE(button("Test and Connect")->isEnabled()) << "with the password that is known";
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Change…") != nullptr; }));
+    EXPECT_EQ(WebDAVSettings::stored().folder, QStringLiteral("Shared"));
+    EXPECT_EQ(secrets->entries.last().password, QByteArray("old"));
+
+    button("Change…")->click();
+    enter("User", QStringLiteral("other"));
+    EXPECT_FALSE(button("Test and Connect")->isEnabled()) << "the password is not that one's";
+    button("Cancel")->click();
+    EXPECT_EQ(WebDAVSettings::stored().user, QStringLiteral("me"));
+    button("Change…")->click();
+    EXPECT_EQ(shown<QLineEdit>(QStringLiteral("User"))->text(), QStringLiteral("me"));
+    server.setAnswer(files, {.status = 401});
+    enter("Password", password);
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return isSaid(QStringLiteral("does not accept")); }));
+    EXPECT_EQ(secrets->entries.last().password, QByteArray("old")) << "what does not work is not kept";
+    server.setAnswer(files, {.status = 207});
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Change…") != nullptr; }));
+    EXPECT_EQ(secrets->entries.last().password, password.toUtf8());
+    EXPECT_EQ(secrets->entries.size(), 1);
+
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Unavailable, QStringLiteral("none"));
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    button("Disconnect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Test and Connect") != nullptr; }));
+    EXPECT_TRUE(isSaid(QStringLiteral("ZeltoWebDAVAccount"))) << "where the password may still be";
+    EXPECT_TRUE(WebDAVSettings::stored().address.isEmpty());
+}
+
+TEST_F(CloudPaneTest, WhoeverWaitsForTheKeyringIsTold)
+{
+    LocalHTTPServer server;
+    server.setAnswer(QStringLiteral("/remote.php/dav/files/me/"), {.status = 207});
+    pane->showPage(QStringLiteral("webdav"));
+    enter("Address", server.address({}));
+    enter("User", QStringLiteral("me"));
+    enter("Password", password);
+    bool wasSaid = false;
+    secrets->onSet = [&] {
+        const auto waiting = SecretStore::wait();
+        wasSaid = isSaid(QStringLiteral("Waiting for the keyring…"));
+    };
+    button("Test and Connect")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Disconnect") != nullptr; }));
+    EXPECT_TRUE(wasSaid);
+    EXPECT_FALSE(isSaid(QStringLiteral("Waiting for the keyring…")));
 }
 
 TEST_F(CloudPaneTest, ADescriptionSaysWhereFilesGoBeforeItIsAdded)

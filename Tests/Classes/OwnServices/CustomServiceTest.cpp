@@ -42,6 +42,15 @@ protected:
     const QHash<QString, ZQSecret> key = {{QStringLiteral("key"), ZQSecret(QByteArray("K1"))}};
 };
 
+TEST_F(CustomServiceTest, ARefusedLoginNamesWhatToEnterAnew)
+{
+    ASSERT_TRUE(add(text(form), key).isNull());
+    server.setAnswer(QStringLiteral("/up"), {.status = 401});
+    upload();
+    ASSERT_TRUE(error);
+    EXPECT_NE(problem().find("“Ours” does not accept what was entered for key."), std::string::npos) << problem();
+}
+
 TEST_F(CustomServiceTest, AFormIsSentAsDescribed)
 {
     ASSERT_TRUE(add(text(form), key).isNull());

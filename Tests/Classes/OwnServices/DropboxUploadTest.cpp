@@ -252,6 +252,16 @@ TEST_F(DropboxUploadTest, ACancelledUploadTakesItsFolderBack)
     EXPECT_EQ(requestFor(removal).headers.value("authorization"), QByteArray("Bearer A1"));
 }
 
+TEST_F(DropboxUploadTest, AFailedUploadTakesItsFolderBack)
+{
+    const QString removal = QStringLiteral("/2/files/delete_v2");
+    server.setAnswer(share, Answer{.status = 500});
+    run(make(QStringLiteral("a"), uploadID));
+    EXPECT_TRUE(error);
+    zqRunMainLoopUntil([&] { return server.countOfRequestsFor(removal) > 0; });
+    EXPECT_EQ(requestFor(removal).body, "{\"path\":\"/" + uploadID.toUtf8() + "\"}");
+}
+
 TEST_F(DropboxUploadTest, CancelledFromAnyThreadAtAnyStepItEndsAndTellsNobody)
 {
     const std::pair<QString, Answer> steps[] = {

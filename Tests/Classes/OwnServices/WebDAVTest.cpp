@@ -3,6 +3,9 @@
 #include "Classes/Sharing/WebDAVService.h"
 #include "Tests/Classes/OwnServices/ServicesFixture.h"
 
+#include <QSet>
+#include <QUuid>
+
 namespace {
 
 class WebDAVTest : public ServicesFixture
@@ -146,6 +149,44 @@ TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
     }
 }
 
+TEST_F(WebDAVTest, AFailedUploadTakesItsFolderBackUnlessTheFileArrived)
+{
+    const struct
+    {
+        bool isOfFile; // else of the link
+        Answer answer;
+        bool isRemoved;
+    } cases[] = {
+        {true, {.status = 412}, false},  // what is in it is somebody else's
+        {false, {.status = 404}, false}, // the person is told that it is there
+        {true, {.status = 500}, true},   {true, {.endsBeforeHead = true}, true}, {false, {.status = 500}, true},
+    };
+    QSet<QString> expected;
+    const auto removed = [this] {
+        QSet<QString> folders;
+        for (const Request &each : server.requests()) {
+            if (each.method == "DELETE") {
+                folders.insert(each.target);
+            }
+        }
+        return folders;
+    };
+    for (const auto &each : cases) {
+        const QString ID = QUuid::createUuid().toString(QUuid::WithoutBraces);
+        const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + ID + u'/';
+        server.setHandler(folderOfIts, forMe({.status = 201}));
+        server.setHandler(folderOfIts + "a.png", forMe({.status = 201}));
+        server.setHandler(each.isOfFile ? folderOfIts + "a.png" : shares, forMe(each.answer));
+        run(std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), ID, this, settings));
+        ASSERT_TRUE(error) << each.answer.status;
+        if (each.isRemoved) {
+            expected.insert(folderOfIts);
+            zqRunMainLoopUntil([&] { return removed().contains(folderOfIts); });
+        }
+    }
+    EXPECT_EQ(removed(), expected);
+}
+
 TEST_F(WebDAVTest, FailuresSayWhatToDo)
 {
     const QString file = own + QStringLiteral("Pic%20%231%3F.png");
@@ -204,6 +245,12 @@ TEST_F(WebDAVTest, APasswordIsKeptForTheServerThatTookItAndForNoOther)
     secrets->failure = {};
     EXPECT_TRUE(disconnect().isNull());
     EXPECT_TRUE(secrets->entries.isEmpty());
+    EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
+
+    EXPECT_TRUE(connectTo("pass")->isNull());
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Unavailable, QStringLiteral("none"));
+    EXPECT_EQ(disconnect().code, SecretStore::LeftBehind);
+    EXPECT_TRUE(secrets->entries.isEmpty()) << "no account without a keyring that could ever give it up";
     EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
 }
 

@@ -80,6 +80,8 @@ TEST_F(CloudUploaderTest, ItemsWithoutAFileAreLeftOut)
 TEST_F(CloudUploaderTest, TheFirstFailureEndsTheBatchAndSaysWhy)
 {
     const QString general = QStringLiteral("Cannot upload the files An error as occured, please try again later");
+    ZQError advised{QStringLiteral("imguruploader"), 10000, {}};
+    UploadProblem::advise(advised, QStringLiteral("Enter another key."));
     const struct
     {
         ZQError error;
@@ -87,8 +89,13 @@ TEST_F(CloudUploaderTest, TheFirstFailureEndsTheBatchAndSaysWhy)
     } cases[] = {
         {zqNetworkError(ZQNetworkErrorCode::Offline, QStringLiteral("offline")),
          {QStringLiteral("Cannot upload the files The internet connection seem to be unavailable."), general}},
-        {UploadProblem::with(QStringLiteral("Over the limit"), QStringLiteral("Wait until tomorrow.")),
+        {ZQError::with(UploadProblem::errorDomain, -1, QStringLiteral("Over the limit"),
+                       QStringLiteral("Wait until tomorrow.")),
          {QStringLiteral("Over the limit Wait until tomorrow.")}},
+        {UploadProblem::with(QStringLiteral("Your server is full."), QStringLiteral("Make room there.")),
+         {QStringLiteral("“p2” could not be uploaded Your server is full. Make room there. One more file was not "
+                         "sent.")}},
+        {advised, {general + QStringLiteral("\n\nEnter another key.")}},
         {ZQError::with(QStringLiteral("imguruploader"), 10000, QStringLiteral("no")), {general}},
         {ZQError(), {general}},
     };
@@ -123,7 +130,7 @@ TEST_F(CloudUploaderTest, APasswordThatCannotBeReadIsSaidToThePerson)
     uploader.uploadLibrayItems(shared);
     waitForUploads();
     SecretStore::setShared(nullptr);
-    EXPECT_EQ(alerts(), QStringList(QStringLiteral("Unlock it.")));
+    EXPECT_EQ(alerts(), QStringList(QStringLiteral("“p1” could not be uploaded Unlock it.")));
 }
 
 TEST_F(CloudUploaderTest, AnAnswerWithoutALinkIsAFailure)

@@ -134,6 +134,8 @@ TEST_F(ImgurTest, WhatImgurSaysWentWrong)
          QStringLiteral("over capacity")},
         {"{\"data\":{\"error\":{\"message\":\"bad file\"}}}", 400, ImgurAdapter::errorDomain, 10000,
          QStringLiteral("bad file")},
+        {"{\"data\":{\"error\":\"bad id\"}}", 401, ImgurAdapter::errorDomain, 10000, QStringLiteral("bad id")},
+        {"<html>no</html>", 403, zqNetworkErrorDomain, int(ZQNetworkErrorCode::BadResponse), {}},
         {"{\"data\":{\"error\":7}}", 200, ImgurAdapter::errorDomain, 10000, QStringLiteral("7")},
         {"<html>no</html>", 500, zqNetworkErrorDomain, int(ZQNetworkErrorCode::BadResponse), {}},
         {"<html>yes</html>", 200, UploadProblem::errorDomain, -2, {}},
@@ -153,6 +155,9 @@ TEST_F(ImgurTest, WhatImgurSaysWentWrong)
         if (!each.reason.isEmpty()) {
             EXPECT_EQ(heard.error->userInfo.value(ZQError::failureReasonKey).toString(), each.reason);
         }
+        const bool isRefused = each.status == 401 || each.status == 403;
+        EXPECT_EQ(UploadProblem::adviceOf(*heard.error).contains(QStringLiteral("Client ID")), isRefused);
+        EXPECT_EQ(heard.error->localizedDescription().contains(QStringLiteral("Client ID")), isRefused);
         EXPECT_TRUE(heard.urls.isEmpty());
     }
 }
