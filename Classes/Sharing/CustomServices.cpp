@@ -39,9 +39,8 @@ QStringList accountsOf(const QString &name)
 
 bool isInHeader(const UploadDescription &description, const QString &secret)
 {
-    return std::any_of(description.headers.begin(), description.headers.end(), [&](const auto &each) {
-        return each.second.contains(QStringLiteral("{secret:%1}").arg(secret));
-    });
+    return std::any_of(description.headers.begin(), description.headers.end(),
+                       [&](const auto &each) { return UploadDescription::secretsIn(each.second).contains(secret); });
 }
 
 ZQError problemOfSecret(const UploadDescription &description, const QString &name, const ZQSecret &value)
