@@ -120,16 +120,12 @@ struct CloudUploader::ExportedFiles
     explicit ExportedFiles(QStringList paths) : m_paths(std::move(paths)) {}
     ~ExportedFiles()
     {
-        const QString area = QFileInfo(TemporaryArea::folder()).canonicalFilePath();
         QSet<QString> folders;
         for (const QString &path : m_paths) {
-            const QFileInfo folder(QFileInfo(path).absolutePath());
-            const bool isOurs = !area.isEmpty() && !folder.isSymLink() &&
-                                folder.fileName().startsWith(QStringLiteral("t.")) &&
-                                QFileInfo(folder.absolutePath()).canonicalFilePath() == area;
-            if (isOurs) {
+            const QString folder = QFileInfo(path).absolutePath();
+            if (TemporaryArea::isFolderOfOurs(folder)) {
                 QFile::remove(path);
-                folders.insert(folder.absoluteFilePath());
+                folders.insert(folder);
             }
         }
         for (const QString &folder : folders) {
