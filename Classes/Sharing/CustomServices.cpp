@@ -11,11 +11,9 @@
 
 namespace {
 
-const QString listKey = QStringLiteral("CustomUploadServices");
-
 QStringList texts()
 {
-    return ZQUserDefaults::standardUserDefaults().objectForKey(listKey).toStringList();
+    return ZQUserDefaults::standardUserDefaults().objectForKey(CustomServices::listKey).toStringList();
 }
 
 std::optional<QString> nameIn(const QString &text)
@@ -81,7 +79,7 @@ void addToList(const std::shared_ptr<Adding> &adding)
         *same = text;
     }
     ZQError error;
-    if (!ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &error)) {
+    if (!ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, CustomServices::listKey, &error)) {
         adding->done(error);
         return;
     }
@@ -189,7 +187,7 @@ void CustomServices::remove(const QString &name, const Done &done)
         if (areSecretsGivenUp(error)) {
             QStringList list = texts();
             list.removeIf([&](const QString &each) { return nameIn(each) == name; });
-            ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &problem);
+            ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, CustomServices::listKey, &problem);
         }
         done(problem);
     });

@@ -15,8 +15,6 @@
 
 namespace {
 
-const QString accountsKey = QStringLiteral("SecretAccounts");
-
 // Whether somebody on this session's bus keeps secrets, or would be started to.
 bool hasKeeper()
 {

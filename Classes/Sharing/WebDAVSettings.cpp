@@ -6,8 +6,6 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQServer.h"
 
-#include <QStringList>
-
 #include <algorithm>
 #include <array>
 
@@ -15,15 +13,15 @@ namespace {
 
 struct Field
 {
-    const char *key;
+    const QString &key;
     QString WebDAVSettings::*value;
 };
 
 constexpr std::array fields = {
-    Field{"WebDAVAddress", &WebDAVSettings::address},
-    Field{"WebDAVUser", &WebDAVSettings::user},
-    Field{"WebDAVFolder", &WebDAVSettings::folder},
-    Field{"WebDAVPublicAddress", &WebDAVSettings::publicAddress},
+    Field{WebDAVSettings::addressKey, &WebDAVSettings::address},
+    Field{WebDAVSettings::userKey, &WebDAVSettings::user},
+    Field{WebDAVSettings::folderKey, &WebDAVSettings::folder},
+    Field{WebDAVSettings::publicAddressKey, &WebDAVSettings::publicAddress},
 };
 
 constexpr qsizetype mostFolders = 20;
@@ -49,11 +47,20 @@ std::optional<QString> plainFolder(const QString &text, ZQError *error)
 
 } // namespace
 
+QStringList WebDAVSettings::keys()
+{
+    QStringList all;
+    for (const Field &field : fields) {
+        all.append(field.key);
+    }
+    return all;
+}
+
 WebDAVSettings WebDAVSettings::stored()
 {
     WebDAVSettings settings;
     for (const Field &field : fields) {
-        settings.*field.value = ZQUserDefaults::standardUserDefaults().stringForKey(QString::fromLatin1(field.key));
+        settings.*field.value = ZQUserDefaults::standardUserDefaults().stringForKey(field.key);
     }
     return settings;
 }
@@ -64,8 +71,7 @@ bool WebDAVSettings::store(ZQError *error) const
         return false;
     }
     return std::all_of(fields.begin(), fields.end(), [&](const Field &field) {
-        return ZQUserDefaults::standardUserDefaults().storeObjectForKey(this->*field.value,
-                                                                        QString::fromLatin1(field.key), error);
+        return ZQUserDefaults::standardUserDefaults().storeObjectForKey(this->*field.value, field.key, error);
     });
 }
 

@@ -12,7 +12,7 @@
 DropboxPage::DropboxPage(UserInteraction &user, QWidget *parent)
     : CloudAccountPage(QStringLiteral("dropbox"), QStringLiteral("Dropbox"), parent), m_user(user)
 {
-    m_key = addPreference(zqLocalized("App &key"), QStringLiteral("DropboxAppKey"), {});
+    m_key = addPreference(zqLocalized("App &key"), DBSession::appKeyKey, {});
     connect(m_key, &QLineEdit::textChanged, this, [this] { m_link->setEnabled(!m_key->text().trimmed().isEmpty()); });
     QBoxLayout *row = addRow();
     m_link = addButton(row, zqLocalized("&Link…"), [this] { link(); });
@@ -33,7 +33,7 @@ DropboxPage::~DropboxPage()
 
 QStringList DropboxPage::preferences() const
 {
-    return CloudAccountPage::preferences() + QStringList{QStringLiteral("SecretAccounts")};
+    return CloudAccountPage::preferences() + QStringList{SecretStore::accountsKey};
 }
 
 void DropboxPage::refresh()
