@@ -69,12 +69,6 @@ ZQError sessionError(DBSession::Error code, const QString &description, const QS
     return ZQError::with(DBSession::errorDomain, code, description, whatToDo);
 }
 
-ZQError noLongerLinked()
-{
-    return UploadProblem::with(zqLocalized("Dropbox no longer lets Zelto in."),
-                               zqLocalized("Link it again in the preferences, under Cloud."));
-}
-
 } // namespace
 
 DBSession &DBSession::sharedSession()
@@ -99,6 +93,12 @@ QString DBSession::howToGetAppKey()
                                 "files.content.write, sharing.read and sharing.write, and enter %@ among its redirect "
                                 "URIs. Its “App key” belongs here."),
                     {QStringLiteral("http://127.0.0.1:%1/").arg(loopbackPort())});
+}
+
+ZQError DBSession::noLongerLinked()
+{
+    return UploadProblem::with(zqLocalized("Dropbox no longer lets Zelto in."),
+                               zqLocalized("Link it again in the preferences, under Cloud."));
 }
 
 std::optional<QUrl> DBSession::APIAddress(const QString &path, ZQError *error)

@@ -49,6 +49,7 @@ public:
     void accessToken(Token told);
     ZQSecret currentAccessToken() const { return m_accessToken; } // empty: there is none without asking
     void forgetAccessToken();                                     // it was refused
+    static ZQError noLongerLinked();
 
     static std::optional<QUrl> APIAddress(const QString &path, ZQError *error = nullptr);
     static std::optional<QUrl> contentAddress(const QString &path, ZQError *error = nullptr);
