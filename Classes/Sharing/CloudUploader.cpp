@@ -248,7 +248,6 @@ void CloudUploader::startNext()
     }
     const std::shared_ptr<Batch> batch = m_batches.first();
     batch->isStarted = true;
-    m_uploadedCount = 0;
     for (const auto &adapter : std::as_const(batch->left)) {
         m_queue.addOperation(adapter);
     }
@@ -409,8 +408,9 @@ void CloudUploader::adapterDidFinish(CloudAdapter &adapter)
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, double didProgressUpload)
 {
-    if (batchOf(adapter)) {
-        post(didUpdate, {{numberKey, float(double(m_uploadedCount) + didProgressUpload)}});
+    if (const auto batch = batchOf(adapter)) {
+        const auto count = double(batch->result.links.size());
+        post(didUpdate, {{numberKey, float(count + didProgressUpload)}});
     }
 }
 
@@ -429,13 +429,12 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
         return;
     }
     batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
-    ++m_uploadedCount;
     batch->result.links.append({{adapter.fileToUploadURL(), adapter.fileToUploadName()}, url});
     const bool isLast = batch->left.isEmpty();
     if (isLast) {
         m_batches.removeOne(batch);
         if (!batch->ended) {
-            didUploadLast(url);
+            didUpload(batch->result);
         }
         post(didFinish);
     }
@@ -452,11 +451,12 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
     }
 }
 
-void CloudUploader::didUploadLast(const QString &url)
+void CloudUploader::didUpload(const CloudUploadResult &all)
 {
-    m_pasteboard(url);
-    show(m_uploadedCount < 2 ? zqLocalized("Upload done, url copied to clipboard!")
-                             : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {m_uploadedCount}),
+    const qsizetype count = all.links.size();
+    m_pasteboard(all.links.last().url);
+    show(count < 2 ? zqLocalized("Upload done, url copied to clipboard!")
+                   : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {count}),
          longTime);
 }
 

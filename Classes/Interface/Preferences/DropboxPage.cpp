@@ -51,10 +51,10 @@ void DropboxPage::refresh()
     const QStringList accounts = SecretStore::shared().accountsOfService(DBSession::serviceOfSecrets);
     if (isLinking) {
         showState(orKeyring(zqLocalized("Waiting for you to allow it in the web browser…")), true);
-    } else if (isLinked && !accounts.isEmpty()) {
+    } else if (isLinked) {
         showState(zqFormat(zqLocalized("Linked with %@"), {accounts.last()}), m_isUnlinking);
     } else {
-        showState(isLinked ? zqLocalized("Linked") : QString(), m_isUnlinking);
+        showState({}, m_isUnlinking);
     }
 }
 
