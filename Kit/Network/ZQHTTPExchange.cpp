@@ -46,6 +46,12 @@ QHostAddress literalOf(const QByteArray &text)
 
 } // namespace
 
+bool ZQHTTPEnd::isBroken() const
+{
+    return code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR || code == CURLE_GOT_NOTHING ||
+           code == CURLE_PARTIAL_FILE || code == CURLE_SEND_FAIL_REWIND;
+}
+
 ZQHTTPExchange::ZQHTTPExchange(Order order, ZQTransferLoop &loop, Listener &listener)
     : m_order(std::move(order)), m_loop(loop), m_listener(listener), m_handle(curl_easy_init())
 {
@@ -100,6 +106,8 @@ void ZQHTTPExchange::setLimits()
     set(CURLOPT_PATH_AS_IS, 1);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1);
     set(CURLOPT_QUICK_EXIT, 1); // giving up does not wait for a name that nobody answers for
+    // The timer of the transfer, which began earlier, is the limit; the library divides it among the addresses, and
+    // would spend all of it on the first that is silent.
     set(CURLOPT_CONNECTTIMEOUT_MS, m_order.connectTime.count());
     set(CURLOPT_UPLOAD_BUFFERSIZE, mostSentAtOnce);
     set(CURLOPT_BUFFERSIZE, mostReceivedAtOnce);
@@ -388,12 +396,10 @@ void ZQHTTPExchange::readLastWords()
 
 void ZQHTTPExchange::ended(CURLcode code)
 {
-    const bool isBroken = code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR || code == CURLE_GOT_NOTHING ||
-                          code == CURLE_SEND_FAIL_REWIND;
-    if (isBroken) {
+    ZQHTTPEnd end{.code = code, .reason = QString::fromUtf8(m_reason.data())};
+    if (end.isBroken()) {
         readLastWords();
     }
-    ZQHTTPEnd end{.code = code, .reason = QString::fromUtf8(m_reason.data())};
     long number = 0;
     curl_easy_getinfo(m_handle, CURLINFO_SSL_VERIFYRESULT, &number);
     if (code == CURLE_PEER_FAILED_VERIFICATION && number != X509_V_OK) {

@@ -101,7 +101,7 @@ ZQError ZQHTTPTransfer::problemOfHeaders() const
 
 void ZQHTTPTransfer::cancel()
 {
-    fail(zqNetworkError(ZQNetworkErrorCode::Cancelled, zqLocalized("The request was cancelled.")));
+    fail(ZQTransferError::cancelled());
 }
 
 void ZQHTTPTransfer::goTo(const QUrl &url)
@@ -422,8 +422,8 @@ void ZQHTTPTransfer::redirect()
 // A connection that was kept may have been closed before the request came to the other end.
 bool ZQHTTPTransfer::mayRepeat(const ZQHTTPEnd &end)
 {
-    const bool isBroken = end.code == CURLE_SEND_ERROR || end.code == CURLE_RECV_ERROR || end.code == CURLE_GOT_NOTHING;
-    return isBroken && end.wasKept && !m_hasHead && !std::exchange(m_wasRepeated, true);
+    const bool wasRepeatedAlready = end.code == CURLE_SEND_FAIL_REWIND; // by the library, as often as it may be
+    return end.isBroken() && !wasRepeatedAlready && end.wasKept && !m_hasHead && !std::exchange(m_wasRepeated, true);
 }
 
 void ZQHTTPTransfer::exchangeEnded(const ZQHTTPEnd &end)
