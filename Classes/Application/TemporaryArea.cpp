@@ -5,6 +5,7 @@
 #include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -16,6 +17,7 @@
 namespace {
 
 const QString usualName = QStringLiteral("ZeltoTemporaryFolder");
+const QString prefix = QStringLiteral("t."); // of the folders in it
 constexpr mode_t ownOnly = S_IRWXU;
 
 struct Area
@@ -121,13 +123,21 @@ QString TemporaryArea::newFolder(ZQError *error)
     if (base.isEmpty()) {
         return {};
     }
-    QByteArray name = QFile::encodeName(base + QStringLiteral("/t.XXXXXX"));
+    QByteArray name = QFile::encodeName(base + u'/' + prefix + QStringLiteral("XXXXXX"));
     if (!::mkdtemp(name.data())) {
         zqFailWithErrno(error, name);
         return {};
     }
     area.made.append(QFile::decodeName(name));
     return area.made.last();
+}
+
+bool TemporaryArea::isFolderOfOurs(const QString &path)
+{
+    const QFileInfo folder(path);
+    const QString area = QFileInfo(TemporaryArea::folder()).canonicalFilePath();
+    return !area.isEmpty() && folder.fileName().startsWith(prefix) && folder.isDir() && !folder.isSymLink() &&
+           QFileInfo(folder.absolutePath()).canonicalFilePath() == area;
 }
 
 QStringList TemporaryArea::takeForRemoval()

@@ -17,6 +17,8 @@ namespace TemporaryArea {
 QString folder(ZQError *error = nullptr);
 // A fresh folder in it, "t.XXXXXX". Empty with `error`.
 QString newFolder(ZQError *error = nullptr);
+// Whether such a folder is at `path`, of whichever process, and no link to one: what lies in it may be removed.
+bool isFolderOfOurs(const QString &path);
 
 // For quitting: what may be removed now. The whole folder, set aside under another name, when no other running process
 // uses it; else the folders this process made.

@@ -122,10 +122,7 @@ std::optional<qsizetype> savedCount(const PendingImportFile &file, ZQManagedObje
 std::shared_ptr<TemporaryFolder> holderOf(const QString &root)
 {
     const QString holder = QFileInfo(root).path();
-    const bool isOurs = QFileInfo(holder).path() == TemporaryArea::folder() &&
-                        QFileInfo(holder).fileName().startsWith(u"t.") && QFileInfo(holder).isDir() &&
-                        !QFileInfo(holder).isSymLink();
-    return isOurs ? std::make_shared<TemporaryFolder>(holder) : nullptr;
+    return TemporaryArea::isFolderOfOurs(holder) ? std::make_shared<TemporaryFolder>(holder) : nullptr;
 }
 
 } // namespace

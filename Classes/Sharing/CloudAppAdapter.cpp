@@ -15,7 +15,7 @@ namespace {
 
 ZQError limitReached()
 {
-    return ZQError::with(CloudAppAdapter::errorDomain, CloudAppAdapter::LimitReached,
+    return ZQError::with(UploadProblem::errorDomain, CloudAppAdapter::LimitReached,
                          zqLocalized("You have exceded your maximum daily upload limit"),
                          zqLocalized("Wait until tomorrow or upgrade your CloudApp account."));
 }

@@ -10,8 +10,7 @@
 class CloudAppAdapter : public MainThreadAdapter
 {
 public:
-    static inline const QString errorDomain = QStringLiteral("CloudUploadErrorDomain");
-    enum Error { LimitReached = -1 };
+    enum Error { LimitReached = -1 }; // of UploadProblem::errorDomain
 
     // The password of `username` is read from the secret store when it begins.
     CloudAppAdapter(const QString &fileToUploadURL, const QString &fileToUploadName, const QString &fileToUploadID,

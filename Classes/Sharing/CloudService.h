@@ -9,8 +9,7 @@
 
 // A place that files can be uploaded to. Main thread.
 //
-// Services stand in one list (`CloudServices`), in the order in which one is chosen when the person chose none:
-// CloudApp, Dropbox, Imgur, a WebDAV server, and what descriptions define.
+// All stand in one list, which says which of them is used: `CloudServices`.
 class CloudService
 {
 public:

@@ -121,16 +121,12 @@ struct CloudUploader::ExportedFiles
     explicit ExportedFiles(QStringList paths) : m_paths(std::move(paths)) {}
     ~ExportedFiles()
     {
-        const QString area = QFileInfo(TemporaryArea::folder()).canonicalFilePath();
         QSet<QString> folders;
         for (const QString &path : m_paths) {
-            const QFileInfo folder(QFileInfo(path).absolutePath());
-            const bool isOurs = !area.isEmpty() && !folder.isSymLink() &&
-                                folder.fileName().startsWith(QStringLiteral("t.")) &&
-                                QFileInfo(folder.absolutePath()).canonicalFilePath() == area;
-            if (isOurs) {
+            const QString folder = QFileInfo(path).absolutePath();
+            if (TemporaryArea::isFolderOfOurs(folder)) {
                 QFile::remove(path);
-                folders.insert(folder.absoluteFilePath());
+                folders.insert(folder);
             }
         }
         for (const QString &folder : folders) {
@@ -253,7 +249,6 @@ void CloudUploader::startNext()
     }
     const std::shared_ptr<Batch> batch = m_batches.first();
     batch->isStarted = true;
-    m_uploadedCount = 0;
     for (const auto &adapter : std::as_const(batch->left)) {
         m_queue.addOperation(adapter);
     }
@@ -414,8 +409,9 @@ void CloudUploader::adapterDidFinish(CloudAdapter &adapter)
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, double didProgressUpload)
 {
-    if (batchOf(adapter)) {
-        post(didUpdate, {{numberKey, float(double(m_uploadedCount) + didProgressUpload)}});
+    if (const auto batch = batchOf(adapter)) {
+        const auto count = double(batch->result.links.size());
+        post(didUpdate, {{numberKey, float(count + didProgressUpload)}});
     }
 }
 
@@ -434,17 +430,20 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
         return;
     }
     batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
+<<<<<<< HEAD
     ++m_uploadedCount;
     if (batch->result.links.isEmpty()) {
         m_lastLinks.clear();
     }
     m_lastLinks.append(url);
+=======
+>>>>>>> w/mt18
     batch->result.links.append({{adapter.fileToUploadURL(), adapter.fileToUploadName()}, url});
     const bool isLast = batch->left.isEmpty();
     if (isLast) {
         m_batches.removeOne(batch);
         if (!batch->ended) {
-            didUploadLast(url);
+            didUpload(batch->result);
         }
         post(didFinish);
     }
@@ -461,8 +460,9 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
     }
 }
 
-void CloudUploader::didUploadLast(const QString &url)
+void CloudUploader::didUpload(const CloudUploadResult &all)
 {
+<<<<<<< HEAD
     m_pasteboard(url);
     const QString text = m_uploadedCount < 2
                              ? zqLocalized("Upload done, url copied to clipboard!")
@@ -472,6 +472,13 @@ void CloudUploader::didUploadLast(const QString &url)
         user->tellWhenAway(
             {zqLocalized("Sharing done"), text, zqLocalized("Copy Link"), [copy = m_pasteboard, url] { copy(url); }});
     }
+=======
+    const qsizetype count = all.links.size();
+    m_pasteboard(all.links.last().url);
+    show(count < 2 ? zqLocalized("Upload done, url copied to clipboard!")
+                   : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {count}),
+         longTime);
+>>>>>>> w/mt18
 }
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)

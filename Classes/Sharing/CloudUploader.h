@@ -110,13 +110,16 @@ private:
     void uploadExported(const std::shared_ptr<WaitingExport> &waiting);
     void cancelExported(const std::shared_ptr<WaitingExport> &waiting);
     void adapterDidFinish(CloudAdapter &adapter);
-    void didUploadLast(const QString &url);
+    void didUpload(const CloudUploadResult &all);
     void fail(const std::shared_ptr<Batch> &batch, const ZQError &error, const QString &name);
 
     QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
     quint64 m_lastNumber = 0;
+<<<<<<< HEAD
     qint32 m_uploadedCount = 0;
     QStringList m_lastLinks;
+=======
+>>>>>>> w/mt18
     QList<std::shared_ptr<WaitingExport>> m_waitingExports;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;

@@ -7,17 +7,13 @@
 #include "Kit/Network/ZQMultipartForm.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Network/ZQPrivateAddress.h"
+#include "Kit/Network/ZQServer.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 namespace {
 
 constexpr int unauthorized = 401;
 constexpr int preconditionFailed = 412;
-
-bool isSameServer(const QUrl &a, const QUrl &b)
-{
-    return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
-}
 
 ZQError refused(const QString &format, const QUrl &url)
 {
@@ -27,7 +23,7 @@ ZQError refused(const QString &format, const QUrl &url)
 // Files and secrets go where the person was told that they go.
 ZQError refusalOf(const QUrl &url, const QUrl &first, bool hasSecrets)
 {
-    if (hasSecrets && !isSameServer(url, first)) {
+    if (hasSecrets && !zqIsSameServer(url, first)) {
         return refused(zqLocalized("The server sends on to “%@”, for which the passwords are not meant."), url);
     }
     if (zqIsPrivateHostName(url.host()) && !zqIsPrivateHostName(first.host())) {

@@ -11,11 +11,9 @@
 
 namespace {
 
-const QString listKey = QStringLiteral("CustomUploadServices");
-
 QStringList texts()
 {
-    return ZQUserDefaults::standardUserDefaults().objectForKey(listKey).toStringList();
+    return ZQUserDefaults::standardUserDefaults().objectForKey(CustomServices::listKey).toStringList();
 }
 
 std::optional<QString> nameIn(const QString &text)
@@ -39,9 +37,8 @@ QStringList accountsOf(const QString &name)
 
 bool isInHeader(const UploadDescription &description, const QString &secret)
 {
-    return std::any_of(description.headers.begin(), description.headers.end(), [&](const auto &each) {
-        return each.second.contains(QStringLiteral("{secret:%1}").arg(secret));
-    });
+    return std::any_of(description.headers.begin(), description.headers.end(),
+                       [&](const auto &each) { return UploadDescription::secretsIn(each.second).contains(secret); });
 }
 
 ZQError problemOfSecret(const UploadDescription &description, const QString &name, const ZQSecret &value)
@@ -82,7 +79,7 @@ void addToList(const std::shared_ptr<Adding> &adding)
         *same = text;
     }
     ZQError error;
-    if (!ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &error)) {
+    if (!ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, CustomServices::listKey, &error)) {
         adding->done(error);
         return;
     }
@@ -190,7 +187,7 @@ void CustomServices::remove(const QString &name, const Done &done)
         if (areSecretsGivenUp(error)) {
             QStringList list = texts();
             list.removeIf([&](const QString &each) { return nameIn(each) == name; });
-            ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &problem);
+            ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, CustomServices::listKey, &problem);
         }
         done(problem);
     });

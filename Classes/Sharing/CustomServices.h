@@ -11,11 +11,12 @@
 #include <optional>
 
 // The services that the person imported descriptions of, in the order in which they did (user default
-// "CustomUploadServices": their texts). Secrets lie in the secret service, each for its service and server. Main
+// `listKey`: their texts). Secrets lie in the secret service, each for its service and server. Main
 // thread.
 namespace CustomServices {
 
 inline const QString serviceOfSecrets = QStringLiteral("ZeltoUploadService");
+inline const QString listKey = QStringLiteral("CustomUploadServices");
 inline constexpr qsizetype most = 50;
 using Done = std::function<void(const ZQError &error)>; // null: done
 

@@ -48,17 +48,35 @@ ZQHTTPRequest DBCalls::request(const QUrl &url, const QJsonObject &argument)
     return request;
 }
 
-ZQHTTPRequest DBCalls::contentRequest(const QUrl &url, const QJsonObject &argument)
+void DBCalls::call(const QString &operation, const QJsonObject &argument, ServiceRequests::Answered answered)
 {
-    ZQHTTPRequest request;
-    request.url = url;
-    request.method = "POST";
-    request.headers = {{"Content-Type", "application/octet-stream"}, {"Dropbox-API-Arg", forHeader(argument)}};
-    request.mostRedirects = 0;
-    return request;
+    ZQHTTPResponse refusal;
+    if (const auto url = DBSession::APIAddress(operation, &refusal.error)) {
+        perform(request(*url, argument), std::move(answered), {});
+    } else {
+        answered(refusal);
+    }
 }
 
-void DBCalls::call(const ZQHTTPRequest &request, ServiceRequests::Answered answered, ServiceRequests::Sent sent)
+void DBCalls::sendContent(const QString &operation, const QJsonObject &argument, const ZQHTTPBody &content,
+                          ServiceRequests::Answered answered, ServiceRequests::Sent sent)
+{
+    ZQHTTPResponse refusal;
+    const auto url = DBSession::contentAddress(operation, &refusal.error);
+    if (!url) {
+        answered(refusal);
+        return;
+    }
+    ZQHTTPRequest request;
+    request.url = *url;
+    request.method = "POST";
+    request.headers = {{"Content-Type", "application/octet-stream"}, {"Dropbox-API-Arg", forHeader(argument)}};
+    request.makeBody = content.maker();
+    request.mostRedirects = 0;
+    perform(request, std::move(answered), std::move(sent));
+}
+
+void DBCalls::perform(const ZQHTTPRequest &request, ServiceRequests::Answered answered, ServiceRequests::Sent sent)
 {
     cancel();
     m_call = std::make_shared<Call>(Call{request, std::move(answered), std::move(sent)});
@@ -106,9 +124,14 @@ void DBCalls::cancel()
     m_requests.cancel();
 }
 
+QJsonObject DBCalls::objectOf(const ZQHTTPResponse &response)
+{
+    return QJsonDocument::fromJson(response.body).object();
+}
+
 QString DBCalls::summaryOf(const ZQHTTPResponse &response)
 {
-    return QJsonDocument::fromJson(response.body).object().value(u"error_summary").toString();
+    return objectOf(response).value(u"error_summary").toString();
 }
 
 ZQError DBCalls::errorOf(const ZQHTTPResponse &response)
@@ -128,8 +151,7 @@ ZQError DBCalls::errorOf(const ZQHTTPResponse &response)
                                                "dropbox.com/developers/apps, then link your Dropbox again."));
     }
     if (response.statusCode == 401) {
-        return UploadProblem::with(zqLocalized("Dropbox no longer lets Zelto in."),
-                                   zqLocalized("Link it again in the preferences, under Cloud."));
+        return DBSession::noLongerLinked();
     }
     if (summary.isEmpty()) {
         return response.error;

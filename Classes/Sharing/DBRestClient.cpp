@@ -3,16 +3,6 @@
 #include "Classes/Sharing/ServiceAddress.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-
-namespace {
-
-QJsonObject objectOf(const ZQHTTPResponse &response)
-{
-    return QJsonDocument::fromJson(response.body).object();
-}
-
-} // namespace
 
 DBRestClient::DBRestClient(DBSession &initWithSession)
     : m_session(initWithSession), m_folders(initWithSession), m_links(initWithSession)
@@ -21,15 +11,9 @@ DBRestClient::DBRestClient(DBSession &initWithSession)
 
 void DBRestClient::createFolder(const QString &path)
 {
-    ZQError error;
-    const auto url = DBSession::APIAddress(QStringLiteral("/2/files/create_folder_v2"), &error);
-    if (!url) {
-        m_delegate->createFolderFailedWithError(*this, error);
-        return;
-    }
     const QJsonObject argument{{QStringLiteral("path"), path}, {QStringLiteral("autorename"), false}};
-    m_folders.call(DBCalls::request(*url, argument), [this](const ZQHTTPResponse &response) {
-        const QJsonObject metadata = objectOf(response).value(u"metadata").toObject();
+    m_folders.call(QStringLiteral("/2/files/create_folder_v2"), argument, [this](const ZQHTTPResponse &response) {
+        const QJsonObject metadata = DBCalls::objectOf(response).value(u"metadata").toObject();
         if (response.isWhole() && !metadata.isEmpty()) {
             m_delegate->createdFolder(*this, metadata.toVariantMap());
         } else {
@@ -66,19 +50,13 @@ void DBRestClient::cancelFileUpload(const QString &path)
 
 void DBRestClient::loadSharableLinkForFile(const QString &path)
 {
-    ZQError error;
-    const auto url = DBSession::APIAddress(QStringLiteral("/2/sharing/create_shared_link_with_settings"), &error);
-    if (!url) {
-        m_delegate->loadSharableLinkFailedWithError(*this, error);
-        return;
-    }
-    m_links.call(DBCalls::request(*url, {{QStringLiteral("path"), path}}),
+    m_links.call(QStringLiteral("/2/sharing/create_shared_link_with_settings"), {{QStringLiteral("path"), path}},
                  [this, path](const ZQHTTPResponse &response) { linkAnswered(path, response); });
 }
 
 void DBRestClient::linkAnswered(const QString &path, const ZQHTTPResponse &response)
 {
-    const QJsonObject answer = objectOf(response);
+    const QJsonObject answer = DBCalls::objectOf(response);
     if (response.isWhole()) {
         tellLink(path, answer.value(u"url").toString(), response);
         return;
@@ -99,17 +77,12 @@ void DBRestClient::linkAnswered(const QString &path, const ZQHTTPResponse &respo
 
 void DBRestClient::askForExistingLink(const QString &path)
 {
-    ZQError error;
-    const auto url = DBSession::APIAddress(QStringLiteral("/2/sharing/list_shared_links"), &error);
-    if (!url) {
-        m_delegate->loadSharableLinkFailedWithError(*this, error);
-        return;
-    }
     const QJsonObject argument{{QStringLiteral("path"), path}, {QStringLiteral("direct_only"), true}};
-    m_links.call(DBCalls::request(*url, argument), [this, path](const ZQHTTPResponse &response) {
-        const QJsonObject first = objectOf(response).value(u"links").toArray().first().toObject();
-        tellLink(path, first.value(u"url").toString(), response);
-    });
+    m_links.call(QStringLiteral("/2/sharing/list_shared_links"), argument,
+                 [this, path](const ZQHTTPResponse &response) {
+                     const QJsonObject first = DBCalls::objectOf(response).value(u"links").toArray().first().toObject();
+                     tellLink(path, first.value(u"url").toString(), response);
+                 });
 }
 
 void DBRestClient::tellLink(const QString &path, const QString &link, const ZQHTTPResponse &response)

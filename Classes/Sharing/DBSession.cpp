@@ -22,16 +22,16 @@ constexpr int usualPort = 47836;
 constexpr qint64 secondsInHand = 60; // a token that ends sooner is renewed before it is used
 constexpr qint64 usualLife = 3600;
 
-QString defaultsString(const char *key)
+QString appKey()
 {
-    return ZQUserDefaults::standardUserDefaults().stringForKey(QString::fromLatin1(key)).trimmed();
+    return ZQUserDefaults::standardUserDefaults().stringForKey(DBSession::appKeyKey).trimmed();
 }
 
 quint16 loopbackPort()
 {
-    const QString key = QStringLiteral("DropboxLoopbackPort");
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    const qint64 port = defaults.isSet(key) ? defaults.integerForKey(key) : usualPort;
+    const qint64 port =
+        defaults.isSet(DBSession::loopbackPortKey) ? defaults.integerForKey(DBSession::loopbackPortKey) : usualPort;
     return port >= 0 && port <= 65535 ? quint16(port) : quint16(usualPort);
 }
 
@@ -69,12 +69,6 @@ ZQError sessionError(DBSession::Error code, const QString &description, const QS
     return ZQError::with(DBSession::errorDomain, code, description, whatToDo);
 }
 
-ZQError noLongerLinked()
-{
-    return UploadProblem::with(zqLocalized("Dropbox no longer lets Zelto in."),
-                               zqLocalized("Link it again in the preferences, under Cloud."));
-}
-
 } // namespace
 
 DBSession &DBSession::sharedSession()
@@ -90,7 +84,7 @@ bool DBSession::isLinked() const
 
 bool DBSession::hasAppKey()
 {
-    return !defaultsString("DropboxAppKey").isEmpty();
+    return !appKey().isEmpty();
 }
 
 QString DBSession::howToGetAppKey()
@@ -101,17 +95,21 @@ QString DBSession::howToGetAppKey()
                     {QStringLiteral("http://127.0.0.1:%1/").arg(loopbackPort())});
 }
 
+ZQError DBSession::noLongerLinked()
+{
+    return UploadProblem::with(zqLocalized("Dropbox no longer lets Zelto in."),
+                               zqLocalized("Link it again in the preferences, under Cloud."));
+}
+
 std::optional<QUrl> DBSession::APIAddress(const QString &path, ZQError *error)
 {
-    const auto base =
-        ServiceAddress::ofDefault(QStringLiteral("DropboxAPIHost"), QStringLiteral("api.dropboxapi.com"), error);
+    const auto base = ServiceAddress::ofDefault(APIHostKey, QStringLiteral("api.dropboxapi.com"), error);
     return base ? std::optional(ServiceAddress::below(*base, path)) : std::nullopt;
 }
 
 std::optional<QUrl> DBSession::contentAddress(const QString &path, ZQError *error)
 {
-    const auto base = ServiceAddress::ofDefault(QStringLiteral("DropboxContentHost"),
-                                                QStringLiteral("content.dropboxapi.com"), error);
+    const auto base = ServiceAddress::ofDefault(contentHostKey, QStringLiteral("content.dropboxapi.com"), error);
     return base ? std::optional(ServiceAddress::below(*base, path)) : std::nullopt;
 }
 
@@ -123,8 +121,8 @@ void DBSession::link(Done done, std::chrono::milliseconds time)
         return;
     }
     ZQError error;
-    const auto page = ServiceAddress::ofDefault(QStringLiteral("DropboxAuthorizeURL"),
-                                                QStringLiteral("https://www.dropbox.com/oauth2/authorize"), &error);
+    const auto page =
+        ServiceAddress::ofDefault(authorizeURLKey, QStringLiteral("https://www.dropbox.com/oauth2/authorize"), &error);
     const QString state = QString::fromLatin1(drawn());
     if (!page || !m_listener.listen(
                      loopbackPort(), state, time,
@@ -141,7 +139,7 @@ void DBSession::link(Done done, std::chrono::milliseconds time)
     const QByteArray challenge = QCryptographicHash::hash(m_verifier, QCryptographicHash::Sha256)
                                      .toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
     QUrl url = *page;
-    url.setQuery(QString::fromLatin1(form({{"client_id", defaultsString("DropboxAppKey").toUtf8()},
+    url.setQuery(QString::fromLatin1(form({{"client_id", appKey().toUtf8()},
                                            {"response_type", "code"},
                                            {"code_challenge", challenge},
                                            {"code_challenge_method", "S256"},
@@ -171,7 +169,7 @@ void DBSession::exchange(const QUrlQuery &answer)
     const ZQHTTPRequest request = tokenRequest(*url, {{"grant_type", "authorization_code"},
                                                       {"code", code.toUtf8()},
                                                       {"redirect_uri", m_redirectAddress.toUtf8()},
-                                                      {"client_id", defaultsString("DropboxAppKey").toUtf8()},
+                                                      {"client_id", appKey().toUtf8()},
                                                       {"code_verifier", m_verifier}});
     m_linking.perform(request, [this](const ZQHTTPResponse &response) {
         ZQError problem;
@@ -286,9 +284,9 @@ void DBSession::renew(const ZQSecret &refreshToken)
         endRenewal(error);
         return;
     }
-    const ZQHTTPRequest request = tokenRequest(*url, {{"grant_type", "refresh_token"},
-                                                      {"refresh_token", refreshToken.UTF8()},
-                                                      {"client_id", defaultsString("DropboxAppKey").toUtf8()}});
+    const ZQHTTPRequest request = tokenRequest(
+        *url,
+        {{"grant_type", "refresh_token"}, {"refresh_token", refreshToken.UTF8()}, {"client_id", appKey().toUtf8()}});
     m_renewing.perform(request, [this](const ZQHTTPResponse &response) {
         ZQError problem;
         const bool isRefused = response.statusCode == 400 || response.statusCode == 401;

@@ -13,9 +13,8 @@
 // The person's Dropbox, once they allowed it. What lets us in again and again (the refresh token) lies in the desktop's
 // secret service; what lets us in for some hours is held in memory only. Main thread.
 //
-// User defaults: "DropboxAppKey", which the person makes for themselves, "DropboxAPIHost", "DropboxContentHost" and
-// "DropboxAuthorizeURL", and "DropboxLoopbackPort": Dropbox sends the browser back only to an address that stands among
-// the app's "Redirect URIs" letter for letter, so that the port is always the same. 0: any that is free.
+// Dropbox sends the browser back only to an address that stands among the app's "Redirect URIs" letter for letter, so
+// that the port is always the same.
 class DBSession
 {
 public:
@@ -25,6 +24,12 @@ public:
     static inline const QString errorDomain = QStringLiteral("zelto.dropbox");
     static inline const QString serviceOfSecrets = QStringLiteral("ZeltoDropboxAccount");
     static constexpr std::chrono::minutes timeToAllow{10};
+    // User defaults.
+    static inline const QString appKeyKey = QStringLiteral("DropboxAppKey"); // which the person makes for themselves
+    static inline const QString APIHostKey = QStringLiteral("DropboxAPIHost");
+    static inline const QString contentHostKey = QStringLiteral("DropboxContentHost");
+    static inline const QString authorizeURLKey = QStringLiteral("DropboxAuthorizeURL");
+    static inline const QString loopbackPortKey = QStringLiteral("DropboxLoopbackPort"); // 0: any that is free
 
     static DBSession &sharedSession();
     DBSession() = default; // for tests
@@ -44,6 +49,7 @@ public:
     void accessToken(Token told);
     ZQSecret currentAccessToken() const { return m_accessToken; } // empty: there is none without asking
     void forgetAccessToken();                                     // it was refused
+    static ZQError noLongerLinked();
 
     static std::optional<QUrl> APIAddress(const QString &path, ZQError *error = nullptr);
     static std::optional<QUrl> contentAddress(const QString &path, ZQError *error = nullptr);

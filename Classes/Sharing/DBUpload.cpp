@@ -2,11 +2,9 @@
 
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Network/ZQHTTPBody.h"
 #include "Kit/Network/ZQNetworkError.h"
 
 #include <QFileInfo>
-#include <QJsonDocument>
 
 #include <algorithm>
 
@@ -14,15 +12,10 @@ namespace {
 
 constexpr int mostFailures = 5;
 
-QJsonObject objectOf(const ZQHTTPResponse &response)
-{
-    return QJsonDocument::fromJson(response.body).object();
-}
-
 // Where Dropbox wants the next piece to begin; negative: it does not say.
 qint64 correctOffset(const ZQHTTPResponse &response)
 {
-    const QJsonObject error = objectOf(response).value(u"error").toObject();
+    const QJsonObject error = DBCalls::objectOf(response).value(u"error").toObject();
     const QJsonObject lookup = error.value(u"lookup_failed").toObject();
     return (lookup.isEmpty() ? error : lookup).value(u"correct_offset").toInteger(-1);
 }
@@ -58,21 +51,20 @@ bool DBUpload::isUnchanged() const
     return file.isFile() && file.size() == m_size && file.lastModified() == m_modified;
 }
 
-bool DBUpload::giveBody(ZQHTTPRequest &request, qint64 offset, qint64 length)
+std::optional<ZQHTTPBody> DBUpload::contents(qint64 offset, qint64 length)
 {
     ZQHTTPBody body;
     ZQError error;
     if (!isUnchanged()) {
         fail(UploadProblem::with(zqFormat(zqLocalized("“%@” was changed while it was uploaded."), {m_fromPath}),
                                  zqLocalized("Share it again.")));
-        return false;
+        return {};
     }
     if (!body.appendFile(m_fromPath, &error, offset, length)) {
         fail(error);
-        return false;
+        return {};
     }
-    request.makeBody = body.maker();
-    return true;
+    return body;
 }
 
 QJsonObject DBUpload::commit() const
@@ -97,57 +89,38 @@ void DBUpload::tell(qint64 sent) const
 
 void DBUpload::sendWhole()
 {
-    ZQError error;
-    const auto url = DBSession::contentAddress(QStringLiteral("/2/files/upload"), &error);
-    if (!url) {
-        fail(error);
-        return;
-    }
-    ZQHTTPRequest request = DBCalls::contentRequest(*url, commit());
-    if (giveBody(request, 0, m_size)) {
-        m_calls.call(
-            request, [this](const ZQHTTPResponse &response) { end(response); },
-            [this](qint64 sent, qint64) { tell(sent); });
+    if (const auto whole = contents(0, m_size)) {
+        m_calls.sendContent(
+            QStringLiteral("/2/files/upload"), commit(), *whole,
+            [this](const ZQHTTPResponse &response) { end(response); }, [this](qint64 sent, qint64) { tell(sent); });
     }
 }
 
 void DBUpload::beginSession()
 {
-    ZQError error;
-    const auto url = DBSession::contentAddress(QStringLiteral("/2/files/upload_session/start"), &error);
-    if (!url) {
-        fail(error);
-        return;
-    }
-    ZQHTTPRequest request = DBCalls::contentRequest(*url, {{QStringLiteral("close"), false}});
-    request.makeBody = ZQHTTPBody().maker();
-    m_calls.call(request, [this](const ZQHTTPResponse &response) {
-        m_session = objectOf(response).value(u"session_id").toString();
-        if (response.isWhole() && !m_session.isEmpty()) {
-            sendPiece();
-        } else if (!tryAgain(response, &DBUpload::beginSession)) {
-            fail(DBCalls::errorOf(response));
-        }
-    });
+    const QJsonObject argument{{QStringLiteral("close"), false}};
+    m_calls.sendContent(QStringLiteral("/2/files/upload_session/start"), argument, {},
+                        [this](const ZQHTTPResponse &response) {
+                            m_session = DBCalls::objectOf(response).value(u"session_id").toString();
+                            if (response.isWhole() && !m_session.isEmpty()) {
+                                sendPiece();
+                            } else if (!tryAgain(response, &DBUpload::beginSession)) {
+                                fail(DBCalls::errorOf(response));
+                            }
+                        });
 }
 
 void DBUpload::sendPiece()
 {
-    ZQError error;
-    const auto url = DBSession::contentAddress(QStringLiteral("/2/files/upload_session/append_v2"), &error);
-    if (!url) {
-        fail(error);
-        return;
-    }
     const qint64 length = std::min(m_sizes.piece, m_size - m_offset);
     const QJsonObject cursor{{QStringLiteral("session_id"), m_session}, {QStringLiteral("offset"), m_offset}};
-    ZQHTTPRequest request =
-        DBCalls::contentRequest(*url, {{QStringLiteral("cursor"), cursor}, {QStringLiteral("close"), false}});
-    if (!giveBody(request, m_offset, length)) {
+    const auto piece = contents(m_offset, length);
+    if (!piece) {
         return;
     }
-    m_calls.call(
-        request,
+    m_calls.sendContent(
+        QStringLiteral("/2/files/upload_session/append_v2"),
+        {{QStringLiteral("cursor"), cursor}, {QStringLiteral("close"), false}}, *piece,
         [this, length](const ZQHTTPResponse &response) {
             if (response.isWhole()) {
                 m_offset += length;
@@ -163,21 +136,14 @@ void DBUpload::sendPiece()
 
 void DBUpload::finishSession()
 {
-    ZQError error;
-    const auto url = DBSession::contentAddress(QStringLiteral("/2/files/upload_session/finish"), &error);
-    if (!url) {
-        fail(error);
-        return;
-    }
     const QJsonObject cursor{{QStringLiteral("session_id"), m_session}, {QStringLiteral("offset"), m_size}};
-    ZQHTTPRequest request =
-        DBCalls::contentRequest(*url, {{QStringLiteral("cursor"), cursor}, {QStringLiteral("commit"), commit()}});
-    request.makeBody = ZQHTTPBody().maker();
-    m_calls.call(request, [this](const ZQHTTPResponse &response) {
-        if (response.isWhole() || (!goOnElsewhere(response) && !tryAgain(response, &DBUpload::finishSession))) {
-            end(response);
-        }
-    });
+    const QJsonObject argument{{QStringLiteral("cursor"), cursor}, {QStringLiteral("commit"), commit()}};
+    m_calls.sendContent(
+        QStringLiteral("/2/files/upload_session/finish"), argument, {}, [this](const ZQHTTPResponse &response) {
+            if (response.isWhole() || (!goOnElsewhere(response) && !tryAgain(response, &DBUpload::finishSession))) {
+                end(response);
+            }
+        });
 }
 
 bool DBUpload::goOnElsewhere(const ZQHTTPResponse &response)
@@ -210,7 +176,7 @@ bool DBUpload::tryAgain(const ZQHTTPResponse &response, void (DBUpload::*step)()
 
 void DBUpload::end(const ZQHTTPResponse &response)
 {
-    const QJsonObject metadata = objectOf(response);
+    const QJsonObject metadata = DBCalls::objectOf(response);
     if (response.isWhole() && !metadata.isEmpty()) {
         if (const Done done = std::exchange(m_done, nullptr)) {
             done(metadata.toVariantMap(), {});

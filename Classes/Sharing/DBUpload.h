@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 
 // One file on its way into a Dropbox: in one request, or, where it is too large for one, as a session of pieces, each
 // of which is sent again from where Dropbox says when it did not come through. Main thread.
@@ -36,7 +37,7 @@ private:
     void beginSession();
     void sendPiece();
     void finishSession();
-    bool giveBody(ZQHTTPRequest &request, qint64 offset, qint64 length);
+    std::optional<ZQHTTPBody> contents(qint64 offset, qint64 length); // nothing: it failed
     bool isUnchanged() const;
     bool goOnElsewhere(const ZQHTTPResponse &response);
     bool tryAgain(const ZQHTTPResponse &response, void (DBUpload::*step)());

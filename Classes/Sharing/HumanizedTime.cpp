@@ -45,7 +45,7 @@ QString zqHumanizedTimeDifference(double seconds, const std::function<QString(co
 {
     constexpr double year = 31536000;
     constexpr qint64 day = 86400;
-    const QString suffix = zqFormat(QStringLiteral("%@"), {localized(seconds >= 0 ? "LaterKey" : "AgoKey")});
+    const QString suffix = localized(seconds >= 0 ? "LaterKey" : "AgoKey");
     const qint64 years = whole(seconds / year);
     const qint64 days = whole(seconds / double(day));
     const qint64 rest = whole(seconds) - days * day;

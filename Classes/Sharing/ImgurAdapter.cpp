@@ -5,11 +5,14 @@
 #include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
+#include "Kit/Network/ZQHTTPBody.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include <utility>
 
 namespace {
 
@@ -80,25 +83,30 @@ QString ImgurAdapter::title(const QString &fileToUploadName, const QString &file
     return extension.isEmpty() ? fileToUploadName : fileToUploadName + u'.' + extension;
 }
 
-QByteArray ImgurAdapter::body(const QByteArray &file, const QString &title)
+ZQHTTPRequest ImgurAdapter::request(const Access &access, const QByteArray &file, const QString &title)
 {
-    QByteArray body;
-    body.reserve(file.size() + title.size() * 3 + 1024);
-    body += part("attachment; name=\"image\"; filename=\".tiff\"");
-    body += "Content-Type: application/octet-stream\r\n\r\n";
-    body += file;
-    body += "\r\n";
+    ZQHTTPBody body;
+    body.append(part("attachment; name=\"image\"; filename=\".tiff\"") +
+                "Content-Type: application/octet-stream\r\n\r\n");
+    body.append(file);
+    body.append("\r\n");
     if (!title.isEmpty()) {
-        body += part("form-data; name=\"title\"") + "\r\n" + title.toUtf8() + "\r\n";
+        body.append(part("form-data; name=\"title\"") + "\r\n" + title.toUtf8() + "\r\n");
     }
-    body += part("form-data; name=\"description\"") + "\r\n\r\n";
-    body += "--" + boundary + "--\r\n";
-    return body;
+    body.append(part("form-data; name=\"description\"") + "\r\n\r\n--" + boundary + "--\r\n");
+    ZQHTTPRequest request;
+    request.url = access.host;
+    request.url.setPath(access.host.path() + QStringLiteral("/3/upload.json"));
+    request.method = "POST";
+    request.headers = {{"Content-Type", "multipart/form-data; boundary=" + boundary},
+                       {"Authorization", "Client-ID " + access.clientID.toLatin1()}};
+    request.makeBody = body.maker();
+    return request;
 }
 
 void ImgurAdapter::start()
 {
-    if (!m_body && m_readError.isNull() && !isCancelled()) {
+    if (!m_request && m_readError.isNull() && !isCancelled()) {
         read();
     }
     if (!zqIsMainThread()) {
@@ -133,7 +141,7 @@ void ImgurAdapter::read()
 {
     ZQError error;
     if (const auto bytes = zqReadRegularFile(fileToUploadURL(), largestFile, &error)) {
-        m_body = body(*bytes, title(fileToUploadName(), fileToUploadURL()));
+        m_request = request(m_access, *bytes, title(fileToUploadName(), fileToUploadURL()));
     } else {
         m_readError =
             QFileInfo(fileToUploadURL()).size() > largestFile ? tooLarge(fileToUploadURL()) : UploadProblem::of(error);
@@ -142,17 +150,11 @@ void ImgurAdapter::read()
 
 void ImgurAdapter::send()
 {
-    if (!m_body) {
+    if (!m_request) {
         uploadFailed(m_readError);
         return;
     }
-    ZQHTTPRequest request;
-    request.url = m_access.host;
-    request.url.setPath(m_access.host.path() + QStringLiteral("/3/upload.json"));
-    request.method = "POST";
-    request.headers = {{"Content-Type", "multipart/form-data; boundary=" + boundary},
-                       {"Authorization", "Client-ID " + m_access.clientID.toLatin1()}};
-    request.body = std::move(*m_body);
+    const ZQHTTPRequest request = *std::exchange(m_request, std::nullopt);
     m_requests.perform(
         request, [this, self = shared_from_this()](const ZQHTTPResponse &response) { came(response); },
         [this](qint64 sent, qint64 total) {

@@ -32,7 +32,7 @@ public:
     void cancel() override;
 
     static QString title(const QString &fileToUploadName, const QString &fileToUploadURL);
-    static QByteArray body(const QByteArray &file, const QString &title);
+    static ZQHTTPRequest request(const Access &access, const QByteArray &file, const QString &title);
 
 private:
     void read();
@@ -42,7 +42,7 @@ private:
     void refuse(ZQError error, const ZQHTTPResponse &response);
 
     const Access m_access;
-    std::optional<QByteArray> m_body; // nothing: not read yet
+    std::optional<ZQHTTPRequest> m_request; // with the file; nothing: not read yet, or sent
     ZQError m_readError;
     ServiceRequests m_requests;
 };

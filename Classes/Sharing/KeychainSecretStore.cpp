@@ -15,8 +15,6 @@
 
 namespace {
 
-const QString accountsKey = QStringLiteral("SecretAccounts");
-
 // Whether somebody on this session's bus keeps secrets, or would be started to.
 bool hasKeeper()
 {
@@ -24,9 +22,10 @@ bool hasKeeper()
     if (!bus.isConnected() || !bus.interface()) {
         return false;
     }
-    const QStringList there = bus.interface()->registeredServiceNames().value();
+    const QStringList all =
+        bus.interface()->registeredServiceNames().value() + bus.interface()->activatableServiceNames().value();
     for (const char *name : {"org.freedesktop.secrets", "org.kde.kwalletd6", "org.kde.kwalletd5"}) {
-        if (there.contains(QString::fromLatin1(name))) {
+        if (all.contains(QString::fromLatin1(name))) {
             return true;
         }
     }

@@ -17,9 +17,8 @@ public:
     void deletePassword(const QString &service, const QString &account, Stored deleted) override;
     void forgetAccount(const QString &service, const QString &account) override;
 
+private:
     // What the keyring said, in words; null: nothing went wrong. Never with a password in it.
     static ZQError errorOf(const QKeychain::Job &job);
-
-private:
     static bool noteAccount(bool isThere, const QString &service, const QString &account, ZQError *error);
 };

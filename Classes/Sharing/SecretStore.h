@@ -12,13 +12,14 @@
 // Generic passwords of this application in the desktop's secret service: one an account of a service, and nowhere else.
 // What a session has not unlocked yet the desktop asks the person for, so that answers come later. Main thread.
 //
-// Which accounts there are is no secret: their names are kept in the user defaults ("SecretAccounts"), newest last, so
+// Which accounts there are is no secret: their names are kept in the user defaults (`accountsKey`), newest last, so
 // that no password is read to know whether there is one.
 class SecretStore
 {
 public:
     enum Error { Unavailable = 1, Denied, Failed, LeftBehind };
     static inline const QString errorDomain = QStringLiteral("zelto.secrets");
+    static inline const QString accountsKey = QStringLiteral("SecretAccounts");
     using Stored = std::function<void(const ZQError &error)>; // null: done
     using Read = std::function<void(const std::optional<QByteArray> &password, const ZQError &error)>;
 

@@ -14,8 +14,8 @@ constexpr int mostTimesBusy = 3;
 constexpr std::chrono::seconds usualWait{1};
 constexpr std::chrono::seconds longestWait{60};
 constexpr std::chrono::seconds longestSilence{90}; // servers put large files together before they answer
-constexpr std::chrono::minutes longestExchange{2}; // without a file to send
-constexpr std::chrono::minutes longestAnswer{5};   // after a file; what systems still hold of it counts, too
+constexpr std::chrono::minutes longestExchange{2};
+constexpr std::chrono::minutes longestAnswer{5}; // what systems still hold of a file counts, too
 constexpr qint64 largestAnswer = qint64(1) << 20;
 
 ZQError tooLarge(const QString &host)
@@ -41,17 +41,22 @@ ServiceRequests::ServiceRequests(std::shared_ptr<ZQHTTPConnections> connections)
 {
 }
 
+ZQHTTPRequest ServiceRequests::withinLimits(ZQHTTPRequest request)
+{
+    request.maximumSize = largestAnswer;
+    request.stallTime = longestSilence;
+    request.answerTime = longestAnswer;
+    request.wholeTime = request.makeBody ? std::chrono::minutes::zero() : longestExchange;
+    return request;
+}
+
 void ServiceRequests::perform(const ZQHTTPRequest &request, Answered answered, Sent sent)
 {
     cancel();
     m_underWay = std::make_shared<UnderWay>();
-    m_underWay->request = request;
+    m_underWay->request = withinLimits(request);
     m_underWay->answered = std::move(answered);
     m_underWay->request.connections = m_connections;
-    m_underWay->request.maximumSize = largestAnswer;
-    m_underWay->request.stallTime = longestSilence;
-    m_underWay->request.answerTime = longestAnswer;
-    m_underWay->request.wholeTime = request.makeBody ? std::chrono::minutes::zero() : longestExchange;
     const std::weak_ptr<UnderWay> weak = m_underWay;
     if (sent) {
         m_underWay->request.didSendBytes = [weak, sent](qint64 count, qint64 total) {

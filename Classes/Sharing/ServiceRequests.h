@@ -19,9 +19,17 @@ public:
     ServiceRequests(const ServiceRequests &) = delete;
     ServiceRequests &operator=(const ServiceRequests &) = delete;
 
-    // A server that is too busy for it (429 and 503) is asked again after the time that it names, a few times.
+    // A server that is too busy for it (429 and 503) is asked again after the time that it names, three times, and no
+    // more where that is over 60 s. `sent` is told on the main thread, as long as the request is under way.
+    //
+    // Of `request` these are set here, whatever they are: `connections`, `didSendBytes` and what `withinLimits` does.
     void perform(const ZQHTTPRequest &request, Answered answered, Sent sent = {});
     void cancel();
+
+    // Answers of 1 MiB (`maximumSize`), silences of 90 s (`stallTime`), 5 min for an answer (`answerTime`), and 2 min
+    // for the whole (`wholeTime`), but for a request with `makeBody`, which takes as long as its bytes keep flowing.
+    // Whoever sends a file uses that, even for one that is in memory.
+    static ZQHTTPRequest withinLimits(ZQHTTPRequest request);
 
 private:
     struct UnderWay;

@@ -58,12 +58,18 @@ QStringList UploadDescription::secrets() const
     QStringList names;
     for (const Pairs &pairs : {headers, fields}) {
         for (const auto &pair : pairs) {
-            for (auto each = placeholder().globalMatch(pair.second); each.hasNext();) {
-                if (const QString secret = each.next().captured(1); !names.contains(secret)) {
-                    names.append(secret);
+            names += secretsIn(pair.second);
                 }
             }
+    names.removeDuplicates();
+    return names;
         }
+
+QStringList UploadDescription::secretsIn(const QString &text)
+{
+    QStringList names;
+    for (auto each = placeholder().globalMatch(text); each.hasNext();) {
+        names.append(each.next().captured(1));
     }
     return names;
 }

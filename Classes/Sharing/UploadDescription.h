@@ -58,6 +58,7 @@ struct UploadDescription
     static QByteArray example(); // to begin one with
 
     QStringList secrets() const; // names, each once, in the order in which they appear
+    static QStringList secretsIn(const QString &text); // each time it names one
     // Where files go: "files.example.org", with a port where it names one, and with "http://" where it is not
     // encrypted.
     QString destination() const;

@@ -43,9 +43,7 @@ bool isOwnHeader(const QString &name)
 
 bool hasOnlyKnownPlaceholders(const QString &text)
 {
-    static const QRegularExpression known(QStringLiteral("\\{secret:[A-Za-z0-9_-]{1,40}\\}"));
-    QString rest = text;
-    rest.remove(known);
+    const QString rest = UploadDescription::filledIn(text, {});
     return !rest.contains(u'{') && !rest.contains(u'}');
 }
 

@@ -143,8 +143,9 @@ void WebDAVCheck::disconnect(const Done &done)
     // A server that is still known can be disconnected again when the keyring refused.
     giveUpSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
         if (areSecretsGivenUp(error)) {
-            for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
-                ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
+            const QStringList keys = WebDAVSettings::keys();
+            for (const QString &key : keys) {
+                ZQUserDefaults::standardUserDefaults().removeObjectForKey(key);
             }
         }
         done(error);

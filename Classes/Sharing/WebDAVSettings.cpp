@@ -4,8 +4,7 @@
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
-
-#include <QStringList>
+#include "Kit/Network/ZQServer.h"
 
 #include <algorithm>
 #include <array>
@@ -14,15 +13,15 @@ namespace {
 
 struct Field
 {
-    const char *key;
+    const QString &key;
     QString WebDAVSettings::*value;
 };
 
 constexpr std::array fields = {
-    Field{"WebDAVAddress", &WebDAVSettings::address},
-    Field{"WebDAVUser", &WebDAVSettings::user},
-    Field{"WebDAVFolder", &WebDAVSettings::folder},
-    Field{"WebDAVPublicAddress", &WebDAVSettings::publicAddress},
+    Field{WebDAVSettings::addressKey, &WebDAVSettings::address},
+    Field{WebDAVSettings::userKey, &WebDAVSettings::user},
+    Field{WebDAVSettings::folderKey, &WebDAVSettings::folder},
+    Field{WebDAVSettings::publicAddressKey, &WebDAVSettings::publicAddress},
 };
 
 constexpr qsizetype mostFolders = 20;
@@ -48,11 +47,20 @@ std::optional<QString> plainFolder(const QString &text, ZQError *error)
 
 } // namespace
 
+QStringList WebDAVSettings::keys()
+{
+    QStringList all;
+    for (const Field &field : fields) {
+        all.append(field.key);
+    }
+    return all;
+}
+
 WebDAVSettings WebDAVSettings::stored()
 {
     WebDAVSettings settings;
     for (const Field &field : fields) {
-        settings.*field.value = ZQUserDefaults::standardUserDefaults().stringForKey(QString::fromLatin1(field.key));
+        settings.*field.value = ZQUserDefaults::standardUserDefaults().stringForKey(field.key);
     }
     return settings;
 }
@@ -63,8 +71,7 @@ bool WebDAVSettings::store(ZQError *error) const
         return false;
     }
     return std::all_of(fields.begin(), fields.end(), [&](const Field &field) {
-        return ZQUserDefaults::standardUserDefaults().storeObjectForKey(this->*field.value,
-                                                                        QString::fromLatin1(field.key), error);
+        return ZQUserDefaults::standardUserDefaults().storeObjectForKey(this->*field.value, field.key, error);
     });
 }
 
@@ -100,7 +107,6 @@ std::optional<WebDAVSettings::Addresses> WebDAVSettings::addresses(ZQError *erro
 QString WebDAVSettings::account() const
 {
     const auto given = ServiceAddress::from(address);
-    const QString server =
-        given ? given->host() + u':' + QString::number(given->port(given->scheme() == u"https" ? 443 : 80)) : address;
+    const QString server = given ? given->host() + u':' + QString::number(zqPortOf(*given)) : address;
     return user.trimmed() + u'@' + server;
 }

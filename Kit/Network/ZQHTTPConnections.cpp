@@ -1,6 +1,7 @@
 #include "Kit/Network/ZQHTTPConnections.h"
 
 #include "Kit/Network/ZQNetworkThread.h"
+#include "Kit/Network/ZQServer.h"
 #include "Kit/Network/ZQTransferLoop.h"
 
 #include <QPointer>
@@ -11,7 +12,7 @@ namespace {
 
 QString serverOf(const QUrl &url)
 {
-    return url.toString(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment);
+    return url.scheme() + QStringLiteral("://") + url.host() + u':' + QString::number(zqPortOf(url));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "Kit/Network/ZQHTTPExchange.h"
 
+#include "Kit/Network/ZQServer.h"
+
 #include <QLocale>
 
 #include <openssl/x509.h>
@@ -14,11 +16,6 @@ namespace {
 constexpr long mostSentAtOnce = 256 * 1024;
 constexpr long mostReceivedAtOnce = 64 * 1024;
 constexpr qsizetype mostLastWords = 64 * 1024;
-
-bool isDirect(const QNetworkProxy &proxy)
-{
-    return proxy.type() == QNetworkProxy::NoProxy || proxy.type() == QNetworkProxy::DefaultProxy;
-}
 
 // Of what describes the body the library takes care itself.
 bool isOfTransport(const QByteArray &name)
@@ -48,6 +45,12 @@ QHostAddress literalOf(const QByteArray &text)
 }
 
 } // namespace
+
+bool ZQHTTPEnd::isBroken() const
+{
+    return code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR || code == CURLE_GOT_NOTHING ||
+           code == CURLE_PARTIAL_FILE || code == CURLE_SEND_FAIL_REWIND;
+}
 
 ZQHTTPExchange::ZQHTTPExchange(Order order, ZQTransferLoop &loop, Listener &listener)
     : m_order(std::move(order)), m_loop(loop), m_listener(listener), m_handle(curl_easy_init())
@@ -103,6 +106,8 @@ void ZQHTTPExchange::setLimits()
     set(CURLOPT_PATH_AS_IS, 1);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1);
     set(CURLOPT_QUICK_EXIT, 1); // giving up does not wait for a name that nobody answers for
+    // The timer of the transfer, which began earlier, is the limit; the library divides it among the addresses, and
+    // would spend all of it on the first that is silent.
     set(CURLOPT_CONNECTTIMEOUT_MS, m_order.connectTime.count());
     set(CURLOPT_UPLOAD_BUFFERSIZE, mostSentAtOnce);
     set(CURLOPT_BUFFERSIZE, mostReceivedAtOnce);
@@ -165,8 +170,8 @@ void ZQHTTPExchange::setWay()
     if (m_order.addresses.isEmpty() || hasScopes) { // a list has no room for scopes: the name is looked up again
         return;
     }
-    const int port = m_order.url.port(m_order.url.scheme() == u"https" ? 443 : 80);
-    QByteArray list = m_order.url.host(QUrl::FullyEncoded).toLatin1() + ':' + QByteArray::number(port) + ':';
+    QByteArray list =
+        m_order.url.host(QUrl::FullyEncoded).toLatin1() + ':' + QByteArray::number(zqPortOf(m_order.url)) + ':';
     for (const QHostAddress &each : m_order.addresses) {
         const QByteArray text = each.toString().toLatin1();
         list += (list.endsWith(':') ? "" : ",") + (text.contains(':') ? '[' + text + ']' : text);
@@ -180,7 +185,7 @@ void ZQHTTPExchange::setProxy()
 {
     set(CURLOPT_NOPROXY, "");
     const QNetworkProxy &proxy = m_order.proxy;
-    if (isDirect(proxy)) {
+    if (zqIsDirect(proxy)) {
         set(CURLOPT_PROXY, "");
         return;
     }
@@ -229,7 +234,7 @@ void ZQHTTPExchange::setCallbacks()
 
 bool ZQHTTPExchange::mayUse(const QHostAddress &address)
 {
-    const bool may = !m_order.mayConnectTo || !isDirect(m_order.proxy) || m_order.mayConnectTo(address);
+    const bool may = !m_order.mayConnectTo || !zqIsDirect(m_order.proxy) || m_order.mayConnectTo(address);
     m_wasRefused = m_wasRefused || !may;
     return may;
 }
@@ -340,7 +345,7 @@ bool ZQHTTPExchange::takeHeaderLine(const QByteArray &line)
         addHeader(text.left(colon).trimmed(), text.mid(colon + 1).trimmed());
         return true;
     }
-    const bool isOfProxy = m_status == 407 && !isDirect(m_order.proxy);
+    const bool isOfProxy = m_status == 407 && !zqIsDirect(m_order.proxy);
     if (!text.isEmpty() || m_status < 200 || isOfProxy) {
         return true;
     }
@@ -359,7 +364,7 @@ std::size_t ZQHTTPExchange::received(char *data, std::size_t size, std::size_t c
 // that is encrypted what it said cannot be read here.
 void ZQHTTPExchange::willLeaveSocket(curl_socket_t socket)
 {
-    if (m_isConnected && !m_hasHead && m_order.body && isDirect(m_order.proxy) && m_order.url.scheme() == u"http") {
+    if (m_isConnected && !m_hasHead && m_order.body && zqIsDirect(m_order.proxy) && m_order.url.scheme() == u"http") {
         QByteArray words(mostLastWords, '\0');
         const ssize_t count = ::recv(socket, words.data(), std::size_t(words.size()), MSG_PEEK | MSG_DONTWAIT);
         m_lastWords = words.left(qsizetype(std::max<ssize_t>(count, 0)));
@@ -391,12 +396,10 @@ void ZQHTTPExchange::readLastWords()
 
 void ZQHTTPExchange::ended(CURLcode code)
 {
-    const bool isBroken = code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR || code == CURLE_GOT_NOTHING ||
-                          code == CURLE_SEND_FAIL_REWIND;
-    if (isBroken) {
+    ZQHTTPEnd end{.code = code, .reason = QString::fromUtf8(m_reason.data())};
+    if (end.isBroken()) {
         readLastWords();
     }
-    ZQHTTPEnd end{.code = code, .reason = QString::fromUtf8(m_reason.data())};
     long number = 0;
     curl_easy_getinfo(m_handle, CURLINFO_SSL_VERIFYRESULT, &number);
     if (code == CURLE_PEER_FAILED_VERIFICATION && number != X509_V_OK) {
@@ -406,7 +409,7 @@ void ZQHTTPExchange::ended(CURLcode code)
     }
     curl_easy_getinfo(m_handle, CURLINFO_OS_ERRNO, &number);
     end.systemError = int(number);
-    end.isProxied = !isDirect(m_order.proxy);
+    end.isProxied = !zqIsDirect(m_order.proxy);
     curl_easy_getinfo(m_handle, CURLINFO_HTTP_CONNECTCODE, &number);
     end.proxyStatus = end.isProxied ? (m_status == 407 ? 407 : number >= 300 ? int(number) : 0) : 0;
     curl_easy_getinfo(m_handle, CURLINFO_NUM_CONNECTS, &number);

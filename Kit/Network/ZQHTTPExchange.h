@@ -9,6 +9,12 @@
 
 #include <array>
 
+// Whether requests go to their servers themselves.
+inline bool zqIsDirect(const QNetworkProxy &proxy)
+{
+    return proxy.type() == QNetworkProxy::NoProxy || proxy.type() == QNetworkProxy::DefaultProxy;
+}
+
 // How an exchange ended, as the library that made it says.
 struct ZQHTTPEnd
 {
@@ -19,6 +25,9 @@ struct ZQHTTPEnd
     int proxyStatus = 0;     // with which a proxy refused; 0: it did not
     bool wasKept = false;    // the connection was there before
     bool wasRefused = false; // no address was one that may be connected to
+
+    // The other end closed the connection before all was sent and came.
+    bool isBroken() const;
 };
 
 // One request to one server and what it answers, without following where that leads. Of the network's thread.
@@ -38,8 +47,9 @@ public:
         bool isFresh = false; // over no connection that was kept
     };
 
-    // What is told of it, in this order. All but the end come within a call of the library: they must not end the
-    // exchange; what returns false has it end soon.
+    // What is told of it: that it is connected first, the head before what follows it, the end last. Of what is sent it
+    // may be told before and after the head, which a server may send when it likes. Only at the end it may be deleted;
+    // what returns false has it end soon.
     class Listener
     {
     public:

@@ -1,10 +1,10 @@
 #include "Kit/Network/ZQHTTPTask.h"
 
 #include "Kit/Foundation/ZQCancellation.h"
-#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Network/ZQHTTPTransfer.h"
 #include "Kit/Network/ZQNetworkThread.h"
+#include "Kit/Network/ZQTransferError.h"
 
 #include <QPointer>
 
@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds timeBetweenLooks{20};
 ZQHTTPResponse cancelledResponse()
 {
     ZQHTTPResponse response;
-    response.error = zqNetworkError(ZQNetworkErrorCode::Cancelled, zqLocalized("The request was cancelled."));
+    response.error = ZQTransferError::cancelled();
     return response;
 }
 

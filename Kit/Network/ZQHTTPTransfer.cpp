@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQPrivateAddress.h"
+#include "Kit/Network/ZQServer.h"
 #include "Kit/Network/ZQTransferError.h"
 
 #include <QBuffer>
@@ -20,16 +21,6 @@ constexpr qint64 mostOfRefusal = 64 * 1024;
 constexpr qsizetype mostAddresses = 8; // of a host are tried
 constexpr int mostLogins = 3;          // with answers that were only too old
 
-int portOf(const QUrl &url)
-{
-    return url.port(url.scheme() == u"https" ? 443 : 80);
-}
-
-bool isSameServer(const QUrl &a, const QUrl &b)
-{
-    return a.scheme() == b.scheme() && a.host() == b.host() && portOf(a) == portOf(b);
-}
-
 // The names of headers whose values are for the server that was asked, and no other.
 bool isSecret(const QByteArray &name)
 {
@@ -44,11 +35,6 @@ QNetworkProxy proxyFor(const QUrl &url)
     }
     const QList<QNetworkProxy> proxies = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url));
     return proxies.isEmpty() ? QNetworkProxy(QNetworkProxy::NoProxy) : proxies.first();
-}
-
-bool isDirect(const QNetworkProxy &proxy)
-{
-    return proxy.type() == QNetworkProxy::NoProxy || proxy.type() == QNetworkProxy::DefaultProxy;
 }
 
 bool isWanted(const QString &type, const QStringList &accepted)
@@ -115,7 +101,7 @@ ZQError ZQHTTPTransfer::problemOfHeaders() const
 
 void ZQHTTPTransfer::cancel()
 {
-    fail(zqNetworkError(ZQNetworkErrorCode::Cancelled, zqLocalized("The request was cancelled.")));
+    fail(ZQTransferError::cancelled());
 }
 
 void ZQHTTPTransfer::goTo(const QUrl &url)
@@ -141,7 +127,7 @@ void ZQHTTPTransfer::goTo(const QUrl &url)
         } else {
             send();
         }
-    } else if (isDirect(m_proxy)) {
+    } else if (zqIsDirect(m_proxy)) {
         lookUp(url.host());
     } else {
         send();
@@ -176,7 +162,7 @@ void ZQHTTPTransfer::connectTo(const QList<QHostAddress> &addresses)
 ZQHTTPHeaders ZQHTTPTransfer::headersToSend(const QByteArray &login) const
 {
     ZQHTTPHeaders result;
-    const bool isAtFirstServer = isSameServer(m_request.url, m_response.url);
+    const bool isAtFirstServer = zqIsSameServer(m_request.url, m_response.url);
     for (const auto &[name, value] : m_request.headers) {
         const QByteArray lower = name.toLower();
         // A condition on what is written would have what is read instead refused.
@@ -267,7 +253,7 @@ void ZQHTTPTransfer::didSend(qint64 sent, qint64 total)
 bool ZQHTTPTransfer::hasLogin() const
 {
     const QUrl &server = m_request.loginServer.isEmpty() ? m_request.url : m_request.loginServer;
-    return !m_user.isEmpty() && isSameServer(server, m_response.url);
+    return !m_user.isEmpty() && zqIsSameServer(server, m_response.url);
 }
 
 // Empty until the server asked, now or a request of the same connections before.
@@ -419,7 +405,7 @@ void ZQHTTPTransfer::redirect()
         fail(ZQTransferError::losesEncryption(from.host()));
         return;
     }
-    if (status >= 307 && hasBody() && !m_request.mayMoveBody && !isSameServer(m_request.url, to)) {
+    if (status >= 307 && hasBody() && !m_request.mayMoveBody && !zqIsSameServer(m_request.url, to)) {
         fail(ZQTransferError::movesBody(from.host(), to.host()));
         return;
     }
@@ -436,8 +422,8 @@ void ZQHTTPTransfer::redirect()
 // A connection that was kept may have been closed before the request came to the other end.
 bool ZQHTTPTransfer::mayRepeat(const ZQHTTPEnd &end)
 {
-    const bool isBroken = end.code == CURLE_SEND_ERROR || end.code == CURLE_RECV_ERROR || end.code == CURLE_GOT_NOTHING;
-    return isBroken && end.wasKept && !m_hasHead && !std::exchange(m_wasRepeated, true);
+    const bool wasRepeatedAlready = end.code == CURLE_SEND_FAIL_REWIND; // by the library, as often as it may be
+    return end.isBroken() && !wasRepeatedAlready && end.wasKept && !m_hasHead && !std::exchange(m_wasRepeated, true);
 }
 
 void ZQHTTPTransfer::exchangeEnded(const ZQHTTPEnd &end)

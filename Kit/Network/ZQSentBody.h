@@ -14,9 +14,6 @@ public:
     ZQSentBody(std::unique_ptr<QIODevice> body, int mostRepeats);
 
     bool didFail() const { return m_didFail; } // `errorString` says why
-
-    bool wasAskedTooOften() const { return m_repeatsLeft < 0; }
-
     qint64 size() const override { return m_body->size(); }
     bool isSequential() const override { return false; }
     bool seek(qint64 position) override;

@@ -63,6 +63,11 @@ ZQError cannotConnect(const QString &host, const ZQHTTPEnd &end)
 
 } // namespace
 
+ZQError ZQTransferError::cancelled()
+{
+    return zqNetworkError(ZQNetworkErrorCode::Cancelled, zqLocalized("The request was cancelled."));
+}
+
 ZQError ZQTransferError::noAddress(const QUrl &url)
 {
     return zqNetworkError(ZQNetworkErrorCode::BadAddress,
@@ -74,7 +79,7 @@ ZQError ZQTransferError::notAllowed(const QString &host)
 {
     return zqNetworkError(
         ZQNetworkErrorCode::NotAllowed,
-        zqFormat(zqLocalized("%@ is on this computer or its network, where the page has no business."), {host}));
+        zqFormat(zqLocalized("%@ is on this computer or its network, where this request must not go."), {host}));
 }
 
 ZQError ZQTransferError::hostNotFound(const QString &host)
@@ -185,6 +190,9 @@ ZQError ZQTransferError::of(const ZQHTTPEnd &end, const QUrl &url, bool wasConne
     if (end.proxyStatus != 0) {
         return proxyFails(host, end.reason);
     }
+    if (end.isBroken()) {
+        return brokeOff(host);
+    }
     switch (end.code) {
     case CURLE_URL_MALFORMAT:
         return noAddress(url);
@@ -195,12 +203,6 @@ ZQError ZQTransferError::of(const ZQHTTPEnd &end, const QUrl &url, bool wasConne
         return proxyFails(host, end.reason);
     case CURLE_COULDNT_CONNECT:
         return end.isProxied ? proxyFails(host, end.reason) : cannotConnect(host, end);
-    case CURLE_GOT_NOTHING:
-    case CURLE_PARTIAL_FILE:
-    case CURLE_SEND_ERROR:
-    case CURLE_RECV_ERROR:
-    case CURLE_SEND_FAIL_REWIND:
-        return brokeOff(host);
     case CURLE_OPERATION_TIMEDOUT:
         return wasConnected ? silence(host) : noAnswer(host);
     case CURLE_SSL_CONNECT_ERROR:

@@ -11,6 +11,7 @@ struct ZQHTTPEnd;
 // What goes wrong with a transfer, in words for the person. `host` is the name of the server.
 namespace ZQTransferError {
 
+ZQError cancelled();
 ZQError noAddress(const QUrl &url);
 ZQError notAllowed(const QString &host);
 ZQError hostNotFound(const QString &host); // or: offline

@@ -166,8 +166,8 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>%@ ist noch nicht eingerichtet: Der Abschnitt unten sagt, was noch fehlt.</translation>
     </message>
     <message>
-        <source>%@ is on this computer or its network, where the page has no business.</source>
-        <translation>%@ ist auf diesem Rechner oder in seinem Netzwerk, wo die Seite nichts zu suchen hat.</translation>
+        <source>%@ is on this computer or its network, where this request must not go.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
@@ -187,6 +187,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>%@ Objekte ausgewählt</translation>
     </message>
     <message numerus="yes">
+        <source>%@ links copied to clipboard!</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 link copied to clipboard!</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%@ memberships</source>
         <comment>counted</comment>
         <extracomment>for one: 1 membership</extracomment>
@@ -198,6 +207,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     <message>
         <source>%@ more</source>
         <translation>%@ weitere</translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ more files were not sent.</source>
+        <comment>counted</comment>
+        <extracomment>for one: One more file was not sent.</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ needs a value.</source>
@@ -353,6 +371,10 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@: the file has another name, “%@”; “zelto verify --repair” names it after its item</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@: the file is missing</source>
         <translation>%@: Die Datei fehlt</translation>
     </message>
@@ -425,6 +447,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>
             <numerusform>%d Datei nach %@ exportiert</numerusform>
             <numerusform>%d Dateien nach %@ exportiert</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d files named after their items</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 file named after its item</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
         </translation>
     </message>
     <message>
@@ -1251,6 +1282,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Ein anderes Programm müsste die Datei zeichnen, und dieses System kann ein solches Programm nicht von Ihren Dateien fernhalten (sein Kernel hat kein Landlock). Wandeln Sie sie in PDF oder PNG um, und importieren Sie das Ergebnis.</translation>
     </message>
     <message>
+        <source>Any other one that is set up there does as well: a server of your own (WebDAV, Nextcloud), Dropbox, Imgur, or a service that a description file explains.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
         <translation>Jeder andere Dienst, der Dateien über das Web annimmt, wie es eine Beschreibungsdatei angibt: seine Adresse, Header und Formularfelder, und wo in seiner Antwort der Link steht.</translation>
     </message>
@@ -1340,6 +1375,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>As it is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Ascending</source>
         <translation>Aufsteigend</translation>
     </message>
@@ -1358,6 +1397,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Ask whoever runs it for a description that gives each file a name of its own.</source>
         <translation>Bitten Sie den Betreiber um eine Beschreibung, die jeder Datei einen eigenen Namen gibt.</translation>
+    </message>
+    <message>
+        <source>Ask whoever runs it for a description with the login.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Asking CloudApp…</source>
@@ -1454,6 +1497,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>C&amp;ancel</source>
         <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>C&amp;hange…</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>C&amp;opy</source>
@@ -1668,10 +1715,6 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Cloud-Einstellungen…</translation>
     </message>
     <message>
-        <source>CloudApp when an account is connected, else Dropbox when it is linked, else Imgur. Now: %@.</source>
-        <translation>CloudApp, wenn ein Konto verbunden ist, sonst Dropbox, wenn sie verknüpft ist, sonst Imgur. Derzeit: %@.</translation>
-    </message>
-    <message>
         <source>Collapse All Groups</source>
         <translation>Alle Gruppen einklappen</translation>
     </message>
@@ -1734,6 +1777,15 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Copy</source>
         <translation>Kopieren</translation>
+    </message>
+    <message numerus="yes">
+        <source>Copy All %@ Links of the Last Upload</source>
+        <comment>counted</comment>
+        <extracomment>for one: Copy the Link of the Last Upload</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>Copy Link</source>
@@ -1852,6 +1904,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Neue Kopie verwerfen</translation>
     </message>
     <message>
+        <source>Disconnect</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Disconnect “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Do not ask again</source>
         <translation>Nicht mehr fragen</translation>
     </message>
@@ -1882,6 +1942,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Drag it to another place, or press Delete to remove it.</source>
         <translation>Zum Umordnen ziehen, zum Entfernen Entf drücken.</translation>
+    </message>
+    <message>
+        <source>Drag over an area of one screen, or press an arrow key · Esc leaves</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
@@ -2373,6 +2437,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Symbolbild</translation>
     </message>
     <message>
+        <source>If it has no encryption, write http:// before its address.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>If there is a keyring, it stays there: remove what is named “%@” in the desktop's program for passwords.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Illustrator image</source>
         <translation>Illustrator-Bild</translation>
     </message>
@@ -2391,6 +2463,18 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Imgur asks every program for an identifier, and limits what comes with each. Register one of your own, choose “OAuth 2 authorization without a callback URL”, and paste the Client ID that it shows, 15 letters and digits, here.</source>
         <translation>Imgur verlangt von jedem Programm eine Kennung und begrenzt, was mit jeder kommt. Registrieren Sie eine eigene, wählen Sie „OAuth 2 authorization without a callback URL“, und fügen Sie die angezeigte Client-ID, 15 Buchstaben und Ziffern, hier ein.</translation>
+    </message>
+    <message>
+        <source>Imgur does not accept the Client ID. Enter the right one in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imgur refuses the upload. Look in the preferences, under Cloud, whether the Client ID is the right one, and whether Imgur takes files of this kind.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imgur takes no more uploads with this Client ID for now.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
@@ -2431,6 +2515,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Import files here</source>
         <translation>Dateien hier importieren</translation>
+    </message>
+    <message>
+        <source>Import its description again in the preferences, under Cloud, and enter it anew.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Import operation successful</source>
@@ -2555,6 +2643,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>It can't be encoded.</source>
         <translation>Das Bild kann nicht kodiert werden.</translation>
+    </message>
+    <message>
+        <source>It can't be read: see who may.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>It cannot be read. Allow reading it, then add it again.</source>
@@ -2893,6 +2985,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Die Größe von %ld x %ld Pixeln ist zu viel.</translation>
     </message>
     <message>
+        <source>Its stored password is forgotten. What was uploaded stays where it is, and its links go on working.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>JPEG 2000 image</source>
         <translation>JPEG-2000-Bild</translation>
     </message>
@@ -3049,10 +3145,6 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Verknüpfen Sie Ihre Dropbox in den Einstellungen unter „Cloud“.</translation>
     </message>
     <message>
-        <source>Linked</source>
-        <translation>Verknüpft</translation>
-    </message>
-    <message>
         <source>Linked with %@</source>
         <translation>Verknüpft mit %@</translation>
     </message>
@@ -3119,6 +3211,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Look whether it is unlocked, in the desktop's program for passwords, and try again.</source>
         <translation>Prüfen Sie in der Passwortverwaltung der Arbeitsumgebung, ob er entsperrt ist, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Look whether its address in the preferences, under Cloud, is the right one.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
@@ -3377,6 +3473,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>In der Bibliothek kann kein Ordner für das Objekt angelegt werden. Prüfen Sie, ob in die Bibliothek geschrieben werden kann und noch Platz ist.</translation>
     </message>
     <message>
+        <source>No key came with it: the desktop keeps such keys for itself. Take another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>No keys</source>
         <translation>Keine Tasten</translation>
     </message>
@@ -3553,6 +3653,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>One on each line. After several files the clipboard holds the link of the last.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Only a part of the picture is there.</source>
         <translation>Es ist nur ein Teil des Bildes da.</translation>
     </message>
@@ -3575,6 +3679,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Open %@</source>
         <translation>%@ öffnen</translation>
+    </message>
+    <message>
+        <source>Open Cloud Preferences…</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Open Download Page</source>
@@ -3682,6 +3790,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Page Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pages are not at that port: see whether the address is written right.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4073,8 +4185,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Return takes it · Esc leaves · arrows move, Shift by 10</source>
-        <translation>Eingabetaste nimmt auf · Esc bricht ab · Pfeiltasten verschieben, mit Umschalt um 10</translation>
+        <source>Return takes it · Esc leaves · arrows move, Shift by 10, Ctrl resizes</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Rich text document</source>
@@ -4123,6 +4235,14 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Save Search…</source>
         <translation>Suche speichern…</translation>
+    </message>
+    <message>
+        <source>Save an &amp;Example…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save an Example</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Save the search as a smart folder (Ctrl+S)</source>
@@ -4175,6 +4295,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Searched as one</source>
         <translation>Wird als Ganzes gesucht</translation>
+    </message>
+    <message>
+        <source>See whether the address is written right.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Select All</source>
@@ -4305,6 +4429,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>&amp;Statussymbol anzeigen</translation>
     </message>
     <message>
+        <source>Shows every name and what it means.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Sidebar</source>
         <translation>Seitenleiste</translation>
     </message>
@@ -4399,6 +4527,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Spreadsheet</source>
         <translation>Tabelle</translation>
+    </message>
+    <message>
+        <source>Start the one it was kept in, such as GNOME Keyring or KWallet, or log in to the desktop again, and try once more.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Starting the browser…</source>
@@ -4601,6 +4733,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Das Zelto, in dem diese Bibliothek geöffnet ist, wird gerade beendet.</translation>
     </message>
     <message>
+        <source>The account is forgotten, but its stored password cannot be reached.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The address is too long for a web page.</source>
         <translation>Die Adresse ist zu lang für eine Webseite.</translation>
     </message>
@@ -4618,6 +4754,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The announcement of versions is older than the last one that came, so nothing it says was believed. Check again later, or from another network.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The answer of %@ is larger than one that tells of an upload.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4661,6 +4801,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Der Browser kann diese Seite nicht aufnehmen.</translation>
     </message>
     <message>
+        <source>The browser can't load it; try again later, or in another browser (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
         <translation>Der Browser, der die Seite darstellt, wurde unerwartet beendet. Versuchen Sie es noch einmal; geschieht es jedes Mal, prüfen Sie, ob chromium allein startet.</translation>
     </message>
@@ -4683,6 +4827,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The captured picture can't be stored</source>
         <translation>Die Aufnahme kann nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>The captured picture is in the library.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The changes cannot be saved.</source>
@@ -4863,6 +5011,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The first of them is “%@”: %@</source>
         <translation>Das erste davon ist „%@“: %@</translation>
+    </message>
+    <message>
+        <source>The first of these that is set up: CloudApp, Dropbox, Imgur, your own server, the others. Now: %@.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The folder cannot be opened. Change its permissions and import it again</source>
@@ -5125,6 +5277,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Der Name muss aus einer Zeile mit Buchstaben und Zeichen bestehen, ohne „/“.</translation>
     </message>
     <message>
+        <source>The network changed meanwhile. Try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The original folders will still remain on your disk.</source>
         <translation>Die ursprünglichen Ordner bleiben auf Ihrem Datenträger.</translation>
     </message>
@@ -5289,8 +5445,16 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Die Suche dieses intelligenten Ordners ist nicht verständlich.</translation>
     </message>
     <message>
+        <source>The server answered with an error (%d); this is the page it sent.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The server broke off the connection.</source>
         <translation>Der Server hat die Verbindung abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The server can't be spoken with safely.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The server did not answer in time.</source>
@@ -5305,12 +5469,20 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The server says that it has no such page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The server sends on to “%@”, for which the passwords are not meant.</source>
         <translation>Der Server leitet zu „%@“ weiter, wofür die Passwörter nicht bestimmt sind.</translation>
     </message>
     <message>
         <source>The server sends on to “%@”, which is not for the public.</source>
         <translation>Der Server leitet zu „%@“ weiter, das nicht öffentlich ist.</translation>
+    </message>
+    <message>
+        <source>The server sent a page of text in place of the picture.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The server sent nothing.</source>
@@ -5351,6 +5523,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The smart folder looks in the whole library: it finds %@; 1 is shown here.</source>
         <translation>Der intelligente Ordner durchsucht die ganze Bibliothek: Er findet %@; hier wird 1 gezeigt.</translation>
+    </message>
+    <message>
+        <source>The stored password cannot be reached: there is no keyring.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
@@ -5535,6 +5711,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>There is no token “%@”. Put it in quotes to find it as a text.</source>
         <translation>Das Token „%@“ gibt es nicht. Setzen Sie es in Anführungszeichen, um es als Text zu finden.</translation>
+    </message>
+    <message>
+        <source>There is no way to that server: see whether the network is there.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>There is no window to take · Esc leaves</source>
@@ -5833,6 +6013,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Lädt die Auswahl hoch und kopiert den Link. Eine hierher gezogene Voreinstellung exportiert sie zuvor. Ein Rechtsklick zeigt, was zuletzt hochgeladen wurde.</translation>
     </message>
     <message>
+        <source>Use It for Sharin&amp;g</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Use This Folder</source>
         <translation>Diesen Ordner verwenden</translation>
     </message>
@@ -5881,6 +6065,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Warten Sie bis morgen, oder erweitern Sie Ihr CloudApp-Konto.</translation>
     </message>
     <message>
+        <source>Waiting for the keyring…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Waiting for you to allow it in the web browser…</source>
         <translation>Es wird gewartet, bis Sie es im Webbrowser erlauben…</translation>
     </message>
@@ -5911,6 +6099,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files.</source>
         <translation>WebP, HEIC, AVIF, JPEG XL und Sketch-Dokumente, die einzelne Dateien sind.</translation>
+    </message>
+    <message>
+        <source>What a description says</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>What a page sent is too long. Choose fewer images.</source>
@@ -6533,6 +6725,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Bild</translation>
     </message>
     <message>
+        <source>images on this computer or in its own network come only for a page that is there, too: write --page with its address, as --page http://127.0.0.1/</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>imported in part: %@: %@</source>
         <translation>teilweise importiert: %@: %@</translation>
     </message>
@@ -6849,8 +7045,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Text</translation>
     </message>
     <message>
-        <source>the Zelto that has the library “%@” open is at it; Ctrl+C stops it</source>
-        <translation>das Zelto, in dem die Bibliothek „%@“ geöffnet ist, arbeitet daran; Strg+C hält es an</translation>
+        <source>the Zelto that has the library “%@” open is at it; where its window asks something, answer there; Ctrl+C stops it</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>the argument for %@ is missing</source>
@@ -6887,6 +7083,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>the file is missing</source>
         <translation>die Datei fehlt</translation>
+    </message>
+    <message>
+        <source>the file of “%@” can't be named after it: %@</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>the import was cancelled; nothing was kept</source>
@@ -7089,8 +7289,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>es wird auf ein anderes Zelto gewartet, das an der Bibliothek „%@“ arbeitet; Strg+C beendet das Warten</translation>
     </message>
     <message>
-        <source>waiting for the Zelto that has the library “%@” open, which does something else first; Ctrl+C ends the waiting</source>
-        <translation>es wird auf das Zelto gewartet, in dem die Bibliothek „%@“ geöffnet ist und das zuerst etwas anderes erledigt; Strg+C beendet das Warten</translation>
+        <source>waiting for the Zelto that has the library “%@” open, which does something else first; where its window asks something, answer there; Ctrl+C ends the waiting</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>what unpacks it stopped</source>
@@ -7221,12 +7421,20 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>„%@“ konnte nicht importiert werden: %@</translation>
     </message>
     <message>
+        <source>“%@” could not be uploaded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” could not be written</source>
         <translation>„%@“ konnte nicht geschrieben werden</translation>
     </message>
     <message>
         <source>“%@” did not come from the other program. Save it there as a file, and drop that here.</source>
         <translation>„%@“ kam nicht aus dem anderen Programm. Speichern Sie es dort als Datei, und ziehen Sie diese hierher.</translation>
+    </message>
+    <message>
+        <source>“%@” does not accept what was entered for %@.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” does not answer. Try again later.</source>
@@ -7461,6 +7669,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>„%@“ ist keine der Vorlagen</translation>
     </message>
     <message>
+        <source>“%@” is not among the preferences that `zelto defaults read` lists; it is kept, see whether it is written right</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” is not known. Check how it is spelled.</source>
         <translation>„%@“ ist nicht bekannt. Prüfen Sie die Schreibweise.</translation>
     </message>
@@ -7503,6 +7715,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” is protected by a password. Unpack it yourself and import what it holds.</source>
         <translation>„%@“ ist durch ein Passwort geschützt. Entpacken Sie es selbst, und importieren Sie den Inhalt.</translation>
+    </message>
+    <message>
+        <source>“%@” is there already. Choose another name.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” is there already; with --force it is replaced</source>
@@ -7591,6 +7807,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” waits for its turn to be looked through. What is found comes here.</source>
         <translation>„%@“ wartet darauf, durchgesehen zu werden. Was gefunden wird, kommt hierher.</translation>
+    </message>
+    <message>
+        <source>“%@” wants a login, of which its description says nothing.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” was changed meanwhile. Try again.</source>

@@ -166,8 +166,8 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%@ n’est pas encore configuré : sa partie ci-dessous indique ce qu’il faut.</translation>
     </message>
     <message>
-        <source>%@ is on this computer or its network, where the page has no business.</source>
-        <translation>%@ se trouve sur cet ordinateur ou son réseau, où la page n’a rien à faire.</translation>
+        <source>%@ is on this computer or its network, where this request must not go.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
@@ -187,6 +187,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%@ éléments sélectionnés</translation>
     </message>
     <message numerus="yes">
+        <source>%@ links copied to clipboard!</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 link copied to clipboard!</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%@ memberships</source>
         <comment>counted</comment>
         <extracomment>for one: 1 membership</extracomment>
@@ -198,6 +207,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     <message>
         <source>%@ more</source>
         <translation>%@ de plus</translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ more files were not sent.</source>
+        <comment>counted</comment>
+        <extracomment>for one: One more file was not sent.</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ needs a value.</source>
@@ -353,6 +371,10 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@: the file has another name, “%@”; “zelto verify --repair” names it after its item</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@: the file is missing</source>
         <translation>%@ : le fichier est manquant</translation>
     </message>
@@ -425,6 +447,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>
             <numerusform>%d fichier exporté dans %@</numerusform>
             <numerusform>%d fichiers exportés dans %@</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d files named after their items</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 file named after its item</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
         </translation>
     </message>
     <message>
@@ -1251,6 +1282,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Un autre programme devrait le dessiner, et ce système ne peut pas tenir un tel programme à l’écart de vos fichiers (son noyau n’a pas Landlock). Convertissez-le en PDF ou PNG et importez le résultat.</translation>
     </message>
     <message>
+        <source>Any other one that is set up there does as well: a server of your own (WebDAV, Nextcloud), Dropbox, Imgur, or a service that a description file explains.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
         <translation>Tout autre service qui reçoit des fichiers par le web, selon un fichier de description : son adresse, ses en-têtes et champs de formulaire, et où trouver le lien dans sa réponse.</translation>
     </message>
@@ -1340,6 +1375,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>As it is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Ascending</source>
         <translation>Croissant</translation>
     </message>
@@ -1358,6 +1397,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Ask whoever runs it for a description that gives each file a name of its own.</source>
         <translation>Demandez à la personne qui le gère une description donnant à chaque fichier son propre nom.</translation>
+    </message>
+    <message>
+        <source>Ask whoever runs it for a description with the login.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Asking CloudApp…</source>
@@ -1454,6 +1497,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>C&amp;ancel</source>
         <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>C&amp;hange…</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>C&amp;opy</source>
@@ -1668,10 +1715,6 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Préférences du cloud…</translation>
     </message>
     <message>
-        <source>CloudApp when an account is connected, else Dropbox when it is linked, else Imgur. Now: %@.</source>
-        <translation>CloudApp si un compte est connecté, sinon Dropbox s’il est associé, sinon Imgur. Actuellement : %@.</translation>
-    </message>
-    <message>
         <source>Collapse All Groups</source>
         <translation>Réduire tous les groupes</translation>
     </message>
@@ -1734,6 +1777,15 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Copy</source>
         <translation>Copier</translation>
+    </message>
+    <message numerus="yes">
+        <source>Copy All %@ Links of the Last Upload</source>
+        <comment>counted</comment>
+        <extracomment>for one: Copy the Link of the Last Upload</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>Copy Link</source>
@@ -1852,6 +1904,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Abandonner la nouvelle copie</translation>
     </message>
     <message>
+        <source>Disconnect</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Disconnect “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Do not ask again</source>
         <translation>Ne plus demander</translation>
     </message>
@@ -1882,6 +1942,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Drag it to another place, or press Delete to remove it.</source>
         <translation>Faites-le glisser à un autre endroit, ou appuyez sur Suppr pour le retirer.</translation>
+    </message>
+    <message>
+        <source>Drag over an area of one screen, or press an arrow key · Esc leaves</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
@@ -2373,6 +2437,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Image d’icône</translation>
     </message>
     <message>
+        <source>If it has no encryption, write http:// before its address.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>If there is a keyring, it stays there: remove what is named “%@” in the desktop's program for passwords.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Illustrator image</source>
         <translation>Image Illustrator</translation>
     </message>
@@ -2391,6 +2463,18 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Imgur asks every program for an identifier, and limits what comes with each. Register one of your own, choose “OAuth 2 authorization without a callback URL”, and paste the Client ID that it shows, 15 letters and digits, here.</source>
         <translation>Imgur demande à chaque programme un identifiant et limite ce qui est envoyé avec chacun. Enregistrez le vôtre, choisissez « OAuth 2 authorization without a callback URL » et collez ici le Client ID affiché, 15 lettres et chiffres.</translation>
+    </message>
+    <message>
+        <source>Imgur does not accept the Client ID. Enter the right one in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imgur refuses the upload. Look in the preferences, under Cloud, whether the Client ID is the right one, and whether Imgur takes files of this kind.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imgur takes no more uploads with this Client ID for now.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
@@ -2431,6 +2515,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Import files here</source>
         <translation>Importer des fichiers ici</translation>
+    </message>
+    <message>
+        <source>Import its description again in the preferences, under Cloud, and enter it anew.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Import operation successful</source>
@@ -2555,6 +2643,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>It can't be encoded.</source>
         <translation>L’encodage est impossible.</translation>
+    </message>
+    <message>
+        <source>It can't be read: see who may.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>It cannot be read. Allow reading it, then add it again.</source>
@@ -2893,6 +2985,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Sa taille de %ld x %ld pixels est trop grande.</translation>
     </message>
     <message>
+        <source>Its stored password is forgotten. What was uploaded stays where it is, and its links go on working.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>JPEG 2000 image</source>
         <translation>Image JPEG 2000</translation>
     </message>
@@ -3049,10 +3145,6 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Associez votre Dropbox dans les préférences, sous Cloud.</translation>
     </message>
     <message>
-        <source>Linked</source>
-        <translation>Associé</translation>
-    </message>
-    <message>
         <source>Linked with %@</source>
         <translation>Associé à %@</translation>
     </message>
@@ -3119,6 +3211,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Look whether it is unlocked, in the desktop's program for passwords, and try again.</source>
         <translation>Vérifiez s’il est déverrouillé, dans le programme de mots de passe du bureau, puis réessayez.</translation>
+    </message>
+    <message>
+        <source>Look whether its address in the preferences, under Cloud, is the right one.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
@@ -3377,6 +3473,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Impossible de créer un dossier d’élément dans la bibliothèque. Vérifiez que la bibliothèque est accessible en écriture et qu’il reste de la place.</translation>
     </message>
     <message>
+        <source>No key came with it: the desktop keeps such keys for itself. Take another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>No keys</source>
         <translation>Aucune touche</translation>
     </message>
@@ -3553,6 +3653,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>One on each line. After several files the clipboard holds the link of the last.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Only a part of the picture is there.</source>
         <translation>Seule une partie de l’image est là.</translation>
     </message>
@@ -3575,6 +3679,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Open %@</source>
         <translation>Ouvrir %@</translation>
+    </message>
+    <message>
+        <source>Open Cloud Preferences…</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Open Download Page</source>
@@ -3682,6 +3790,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Page Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pages are not at that port: see whether the address is written right.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4073,8 +4185,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Return takes it · Esc leaves · arrows move, Shift by 10</source>
-        <translation>Entrée capture · Échap quitte · les flèches déplacent, de 10 avec Maj</translation>
+        <source>Return takes it · Esc leaves · arrows move, Shift by 10, Ctrl resizes</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Rich text document</source>
@@ -4123,6 +4235,14 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Save Search…</source>
         <translation>Enregistrer la recherche…</translation>
+    </message>
+    <message>
+        <source>Save an &amp;Example…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save an Example</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Save the search as a smart folder (Ctrl+S)</source>
@@ -4175,6 +4295,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Searched as one</source>
         <translation>Recherché comme un tout</translation>
+    </message>
+    <message>
+        <source>See whether the address is written right.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Select All</source>
@@ -4305,6 +4429,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Afficher l’&amp;icône d’état</translation>
     </message>
     <message>
+        <source>Shows every name and what it means.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Sidebar</source>
         <translation>Barre latérale</translation>
     </message>
@@ -4399,6 +4527,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Spreadsheet</source>
         <translation>Feuille de calcul</translation>
+    </message>
+    <message>
+        <source>Start the one it was kept in, such as GNOME Keyring or KWallet, or log in to the desktop again, and try once more.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Starting the browser…</source>
@@ -4601,6 +4733,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Le Zelto dans lequel cette bibliothèque est ouverte est en train de se terminer.</translation>
     </message>
     <message>
+        <source>The account is forgotten, but its stored password cannot be reached.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The address is too long for a web page.</source>
         <translation>L’adresse est trop longue pour une page web.</translation>
     </message>
@@ -4618,6 +4754,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The announcement of versions is older than the last one that came, so nothing it says was believed. Check again later, or from another network.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The answer of %@ is larger than one that tells of an upload.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4661,6 +4801,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Le navigateur ne peut pas capturer cette page.</translation>
     </message>
     <message>
+        <source>The browser can't load it; try again later, or in another browser (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
         <translation>Le navigateur qui dessine la page s’est arrêté de façon inattendue. Réessayez ; si cela se reproduit chaque fois, vérifiez que chromium démarre seul.</translation>
     </message>
@@ -4683,6 +4827,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The captured picture can't be stored</source>
         <translation>L’image capturée ne peut pas être enregistrée</translation>
+    </message>
+    <message>
+        <source>The captured picture is in the library.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The changes cannot be saved.</source>
@@ -4863,6 +5011,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The first of them is “%@”: %@</source>
         <translation>Le premier est « %@ » : %@</translation>
+    </message>
+    <message>
+        <source>The first of these that is set up: CloudApp, Dropbox, Imgur, your own server, the others. Now: %@.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The folder cannot be opened. Change its permissions and import it again</source>
@@ -5125,6 +5277,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Le nom doit tenir sur une ligne, avec des lettres et des signes, sans « / ».</translation>
     </message>
     <message>
+        <source>The network changed meanwhile. Try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The original folders will still remain on your disk.</source>
         <translation>Les dossiers d’origine resteront sur votre disque.</translation>
     </message>
@@ -5289,8 +5445,16 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>La recherche de ce dossier intelligent est incompréhensible.</translation>
     </message>
     <message>
+        <source>The server answered with an error (%d); this is the page it sent.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The server broke off the connection.</source>
         <translation>Le serveur a coupé la connexion.</translation>
+    </message>
+    <message>
+        <source>The server can't be spoken with safely.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The server did not answer in time.</source>
@@ -5305,12 +5469,20 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The server says that it has no such page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The server sends on to “%@”, for which the passwords are not meant.</source>
         <translation>Le serveur renvoie vers « %@ », auquel les mots de passe ne sont pas destinés.</translation>
     </message>
     <message>
         <source>The server sends on to “%@”, which is not for the public.</source>
         <translation>Le serveur renvoie vers « %@ », qui n’est pas public.</translation>
+    </message>
+    <message>
+        <source>The server sent a page of text in place of the picture.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The server sent nothing.</source>
@@ -5351,6 +5523,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The smart folder looks in the whole library: it finds %@; 1 is shown here.</source>
         <translation>Le dossier intelligent cherche dans toute la bibliothèque : il trouve %@ ; 1 est affiché ici.</translation>
+    </message>
+    <message>
+        <source>The stored password cannot be reached: there is no keyring.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
@@ -5535,6 +5711,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>There is no token “%@”. Put it in quotes to find it as a text.</source>
         <translation>Il n’y a pas de token « %@ ». Mettez-le entre guillemets pour le rechercher comme texte.</translation>
+    </message>
+    <message>
+        <source>There is no way to that server: see whether the network is there.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>There is no window to take · Esc leaves</source>
@@ -5833,6 +6013,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Envoie la sélection et copie le lien. Un préréglage déposé ici l’exporte d’abord. Un clic droit affiche les derniers envois.</translation>
     </message>
     <message>
+        <source>Use It for Sharin&amp;g</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Use This Folder</source>
         <translation>Utiliser ce dossier</translation>
     </message>
@@ -5881,6 +6065,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Attendez demain ou passez à une offre supérieure de CloudApp.</translation>
     </message>
     <message>
+        <source>Waiting for the keyring…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Waiting for you to allow it in the web browser…</source>
         <translation>En attente de votre autorisation dans le navigateur web…</translation>
     </message>
@@ -5911,6 +6099,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files.</source>
         <translation>WebP, HEIC, AVIF, JPEG XL et documents Sketch en un seul fichier.</translation>
+    </message>
+    <message>
+        <source>What a description says</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>What a page sent is too long. Choose fewer images.</source>
@@ -6533,6 +6725,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>image</translation>
     </message>
     <message>
+        <source>images on this computer or in its own network come only for a page that is there, too: write --page with its address, as --page http://127.0.0.1/</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>imported in part: %@: %@</source>
         <translation>importé en partie : %@ : %@</translation>
     </message>
@@ -6849,8 +7045,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>texte</translation>
     </message>
     <message>
-        <source>the Zelto that has the library “%@” open is at it; Ctrl+C stops it</source>
-        <translation>le Zelto dans lequel la bibliothèque « %@ » est ouverte s’en occupe ; Ctrl+C l’arrête</translation>
+        <source>the Zelto that has the library “%@” open is at it; where its window asks something, answer there; Ctrl+C stops it</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>the argument for %@ is missing</source>
@@ -6887,6 +7083,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>the file is missing</source>
         <translation>le fichier est manquant</translation>
+    </message>
+    <message>
+        <source>the file of “%@” can't be named after it: %@</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>the import was cancelled; nothing was kept</source>
@@ -7089,8 +7289,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>en attente d’un autre Zelto qui travaille sur la bibliothèque « %@ » ; Ctrl+C met fin à l’attente</translation>
     </message>
     <message>
-        <source>waiting for the Zelto that has the library “%@” open, which does something else first; Ctrl+C ends the waiting</source>
-        <translation>en attente du Zelto dans lequel la bibliothèque « %@ » est ouverte, et qui fait d’abord autre chose ; Ctrl+C met fin à l’attente</translation>
+        <source>waiting for the Zelto that has the library “%@” open, which does something else first; where its window asks something, answer there; Ctrl+C ends the waiting</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>what unpacks it stopped</source>
@@ -7221,12 +7421,20 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>« %@ » n’a pas pu être importé : %@</translation>
     </message>
     <message>
+        <source>“%@” could not be uploaded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” could not be written</source>
         <translation>« %@ » n’a pas pu être écrit</translation>
     </message>
     <message>
         <source>“%@” did not come from the other program. Save it there as a file, and drop that here.</source>
         <translation>« %@ » n’est pas arrivé de l’autre programme. Enregistrez-le là-bas dans un fichier et déposez celui-ci ici.</translation>
+    </message>
+    <message>
+        <source>“%@” does not accept what was entered for %@.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” does not answer. Try again later.</source>
@@ -7461,6 +7669,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>« %@ » ne fait pas partie des modèles</translation>
     </message>
     <message>
+        <source>“%@” is not among the preferences that `zelto defaults read` lists; it is kept, see whether it is written right</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” is not known. Check how it is spelled.</source>
         <translation>« %@ » n’est pas connu. Vérifiez l’orthographe.</translation>
     </message>
@@ -7503,6 +7715,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” is protected by a password. Unpack it yourself and import what it holds.</source>
         <translation>« %@ » est protégé par un mot de passe. Décompressez-le vous-même et importez son contenu.</translation>
+    </message>
+    <message>
+        <source>“%@” is there already. Choose another name.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” is there already; with --force it is replaced</source>
@@ -7591,6 +7807,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” waits for its turn to be looked through. What is found comes here.</source>
         <translation>« %@ » attend son tour d’être parcouru. Ce qui y est trouvé arrive ici.</translation>
+    </message>
+    <message>
+        <source>“%@” wants a login, of which its description says nothing.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” was changed meanwhile. Try again.</source>

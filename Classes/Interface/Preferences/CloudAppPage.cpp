@@ -1,6 +1,7 @@
 #include "Classes/Interface/Preferences/CloudAppPage.h"
 
 #include "Classes/Sharing/CloudAppAccount.h"
+#include "Classes/Sharing/SecretStore.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 
@@ -35,7 +36,7 @@ CloudAppPage::CloudAppPage(UserInteraction &user, QWidget *parent)
 
 QStringList CloudAppPage::preferences() const
 {
-    return {QStringLiteral("SecretAccounts")};
+    return {SecretStore::accountsKey};
 }
 
 void CloudAppPage::refresh()

@@ -48,7 +48,7 @@ DescriptionsPage::DescriptionsPage(UserInteraction &user, QWidget *parent)
 
 QStringList DescriptionsPage::preferences() const
 {
-    return {QStringLiteral("CustomUploadServices"), QStringLiteral("SecretAccounts")};
+    return {CustomServices::listKey, SecretStore::accountsKey};
 }
 
 void DescriptionsPage::refresh()

@@ -12,7 +12,7 @@
 DropboxPage::DropboxPage(UserInteraction &user, QWidget *parent)
     : CloudAccountPage(QStringLiteral("dropbox"), QStringLiteral("Dropbox"), parent), m_user(user)
 {
-    m_key = addPreference(zqLocalized("App &key"), QStringLiteral("DropboxAppKey"), {});
+    m_key = addPreference(zqLocalized("App &key"), DBSession::appKeyKey, {});
     connect(m_key, &QLineEdit::textChanged, this, [this] { m_link->setEnabled(!m_key->text().trimmed().isEmpty()); });
     QBoxLayout *row = addRow();
     m_link = addButton(row, zqLocalized("&Link…"), [this] { link(); });
@@ -33,7 +33,7 @@ DropboxPage::~DropboxPage()
 
 QStringList DropboxPage::preferences() const
 {
-    return CloudAccountPage::preferences() + QStringList{QStringLiteral("SecretAccounts")};
+    return CloudAccountPage::preferences() + QStringList{SecretStore::accountsKey};
 }
 
 void DropboxPage::refresh()
@@ -51,10 +51,10 @@ void DropboxPage::refresh()
     const QStringList accounts = SecretStore::shared().accountsOfService(DBSession::serviceOfSecrets);
     if (isLinking) {
         showState(orKeyring(zqLocalized("Waiting for you to allow it in the web browser…")), true);
-    } else if (isLinked && !accounts.isEmpty()) {
+    } else if (isLinked) {
         showState(zqFormat(zqLocalized("Linked with %@"), {accounts.last()}), m_isUnlinking);
     } else {
-        showState(isLinked ? zqLocalized("Linked") : QString(), m_isUnlinking);
+        showState({}, m_isUnlinking);
     }
 }
 

@@ -42,7 +42,7 @@ void OwnServerPage::addForm()
 
 QStringList OwnServerPage::preferences() const
 {
-    return {QStringLiteral("SecretAccounts"), QStringLiteral("WebDAVAddress"), QStringLiteral("WebDAVUser")};
+    return {SecretStore::accountsKey, WebDAVSettings::addressKey, WebDAVSettings::userKey};
 }
 
 void OwnServerPage::refresh()

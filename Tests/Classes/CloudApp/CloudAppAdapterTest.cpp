@@ -1,6 +1,7 @@
 #include "Classes/Sharing/CloudAppAdapter.h"
 
 #include "Classes/Sharing/CloudAppService.h"
+#include "Classes/Sharing/UploadProblem.h"
 #include "Tests/Classes/CloudApp/CloudAppFixture.h"
 
 #include <QFile>
@@ -168,8 +169,7 @@ TEST_F(CloudAppAdapterTest, WhatGoesWrongWithARequestIsItsError)
     }
     run(make(QStringLiteral("none.png")));
     ASSERT_TRUE(recorder.error);
-    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain)
-        << "a file that is gone is told of in its own words";
+    EXPECT_EQ(recorder.error->domain, UploadProblem::errorDomain) << "a file that is gone is told of in its own words";
 }
 
 TEST_F(CloudAppAdapterTest, AFileDoesNotGoThroughTheOpenNet)
@@ -179,14 +179,14 @@ TEST_F(CloudAppAdapterTest, AFileDoesNotGoThroughTheOpenNet)
                    forMe(Answer::with("application/json", "{\"url\": \"" + open + "\", \"params\": {}}")));
     run(make());
     ASSERT_TRUE(recorder.error) << "named as the storage";
-    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_EQ(recorder.error->domain, UploadProblem::errorDomain);
     EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("storage.example.org")));
 
     giveSlots();
     storage.setAnswer(QStringLiteral("/bucket"), Answer::redirect(open, 307));
     run(make());
     ASSERT_TRUE(recorder.error) << "sent on to it";
-    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_EQ(recorder.error->domain, UploadProblem::errorDomain);
 }
 
 TEST_F(CloudAppAdapterTest, WithoutItsPasswordNothingIsAsked)
@@ -194,14 +194,14 @@ TEST_F(CloudAppAdapterTest, WithoutItsPasswordNothingIsAsked)
     secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
     run(make());
     ASSERT_TRUE(recorder.error);
-    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_EQ(recorder.error->domain, UploadProblem::errorDomain);
     EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("locked")));
     EXPECT_TRUE(api.requests().isEmpty());
     ZQUserDefaults::standardUserDefaults().setObjectForKey(QStringLiteral("http://example.org"),
                                                            CloudAppAccount::APIHostKey);
     EXPECT_TRUE(service.isReady()) << "another service must not get the file";
     run(make());
-    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_EQ(recorder.error->domain, UploadProblem::errorDomain);
     EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("https")));
 }
 

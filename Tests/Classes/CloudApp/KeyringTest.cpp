@@ -91,7 +91,7 @@ TEST(InSession, DISABLED_WithAKeyring)
     EXPECT_EQ(missing.code, int(SecretStore::Failed));
     EXPECT_EQ(SecretStore::shared().accountsOfService(service), QStringList{QStringLiteral("old@example.org")});
     EXPECT_TRUE(remove(QStringLiteral("old@example.org")).isNull());
-    EXPECT_FALSE(ZQUserDefaults::standardUserDefaults().isSet(QStringLiteral("SecretAccounts")));
+    EXPECT_FALSE(ZQUserDefaults::standardUserDefaults().isSet(SecretStore::accountsKey));
     EXPECT_FALSE(isWrittenBelow(QDir::homePath(), password));
 }
 

@@ -58,10 +58,12 @@ protected:
     }
     static void forget()
     {
-        for (const char *key :
-             {"CloudService", "CloudAppAPIHost", "ImgurClientID", "DropboxAppKey", "DropboxLoopbackPort",
-              "WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress", "CustomUploadServices"}) {
-            defaults().removeObjectForKey(QLatin1StringView(key));
+        const QStringList keys =
+            WebDAVSettings::keys() + QStringList{CloudServices::choiceKey,   CloudAppAccount::APIHostKey,
+                                                 ImgurService::clientIDKey,  DBSession::appKeyKey,
+                                                 DBSession::loopbackPortKey, CustomServices::listKey};
+        for (const QString &key : keys) {
+            defaults().removeObjectForKey(key);
         }
     }
     void openPane()
@@ -233,13 +235,13 @@ TEST_F(CloudPaneTest, APaneThatGoesWhileItAsksIsNotMissed)
 
 TEST_F(CloudPaneTest, DropboxIsLinkedInTheBrowserWhichCanBeCancelled)
 {
-    defaults().setObjectForKey(0, QStringLiteral("DropboxLoopbackPort"));
+    defaults().setObjectForKey(0, DBSession::loopbackPortKey);
     pane->showPage(QStringLiteral("dropbox"));
     ASSERT_TRUE(button("Link…"));
     EXPECT_FALSE(button("Link…")->isEnabled()) << "without a key";
     enter("App key", QStringLiteral("k3y"));
     button("Link…")->setFocus();
-    EXPECT_EQ(defaults().stringForKey(QStringLiteral("DropboxAppKey")), QStringLiteral("k3y"));
+    EXPECT_EQ(defaults().stringForKey(DBSession::appKeyKey), QStringLiteral("k3y"));
     button("Link…")->click();
     ASSERT_EQ(opened.size(), 1);
     EXPECT_TRUE(opened[0].query().contains(QStringLiteral("client_id=k3y")));
@@ -253,7 +255,7 @@ TEST_F(CloudPaneTest, DropboxIsLinkedInTheBrowserWhichCanBeCancelled)
     EXPECT_TRUE(waitFor([this] { return isSaid(QStringLiteral("No web browser could be opened.")); }));
 
     secrets->entries.append({DBSession::serviceOfSecrets, QStringLiteral("Me"), "token"});
-    pane->showPreference(QStringLiteral("SecretAccounts"));
+    pane->showPreference(SecretStore::accountsKey);
     EXPECT_TRUE(isSaid(QStringLiteral("Linked with Me")));
     EXPECT_FALSE(shown<QLineEdit>(QStringLiteral("App key"))->isEnabled());
     user.answerQuestion = [](const UserQuestion &) { return 0; };

@@ -45,7 +45,6 @@ public:
     QString title() const override { return m_name; }
     bool isReady() const override { return isSetUp; }
     QString whatIsMissing() const override { return isSetUp ? QString() : QStringLiteral("Set it up."); }
-    QString featureName() const override { return m_name; }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override
     {

@@ -7,7 +7,7 @@ namespace {
 class CustomServiceTest : public ServicesFixture
 {
 protected:
-    CustomServiceTest() { keys.append(QStringLiteral("CustomUploadServices")); }
+    CustomServiceTest() { keys.append(CustomServices::listKey); }
     QByteArray text(const QByteArray &rest, const QByteArray &target = "/up") const
     {
         return R"({"format": 1, "name": "Ours", "url": ")" + server.address(QString::fromUtf8(target)).toUtf8() +
@@ -68,8 +68,7 @@ TEST_F(CustomServiceTest, AFormIsSentAsDescribed)
                              "\r\nContent-Disposition: form-data; name=\"f\"; filename=\"A %22b%22.png\"\r\n"
                              "Content-Type: image/png\r\n\r\n" +
                              contents + "\r\n" + boundary + "--\r\n");
-    EXPECT_FALSE(
-        defaults.objectForKey(QStringLiteral("CustomUploadServices")).toStringList().join(u' ').contains(u"K1"));
+    EXPECT_FALSE(defaults.objectForKey(CustomServices::listKey).toStringList().join(u' ').contains(u"K1"));
 }
 
 TEST_F(CustomServiceTest, TheFileAloneIsSentAndLinksComeFromHeadersAndRedirects)

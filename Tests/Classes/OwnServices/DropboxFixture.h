@@ -25,11 +25,11 @@ protected:
         auto played = std::make_unique<PlayedBrowser>();
         browser = played.get();
         WebBrowser::setShared(std::move(played));
-        set(QStringLiteral("DropboxAPIHost"), server.address({}));
-        set(QStringLiteral("DropboxContentHost"), server.address({}));
-        set(QStringLiteral("DropboxAuthorizeURL"), server.address(QStringLiteral("/authorize")));
-        set(QStringLiteral("DropboxAppKey"), QStringLiteral("key"));
-        set(QStringLiteral("DropboxLoopbackPort"), 0);
+        set(DBSession::APIHostKey, server.address({}));
+        set(DBSession::contentHostKey, server.address({}));
+        set(DBSession::authorizeURLKey, server.address(QStringLiteral("/authorize")));
+        set(DBSession::appKeyKey, QStringLiteral("key"));
+        set(DBSession::loopbackPortKey, 0);
         server.setAnswer(QStringLiteral("/oauth2/token"), json(tokens));
     }
     ~DropboxFixture() override { WebBrowser::setShared(nullptr); }

@@ -153,14 +153,14 @@ TEST_F(DropboxLinkTest, WithoutAnAnswerAKeyOrABrowserItSaysWhatToDo)
     browser->isThere = false;
     begin();
     EXPECT_EQ(ends.takeFirst().code, int(DBSession::NoBrowser));
-    set(QStringLiteral("DropboxAppKey"), QString());
+    set(DBSession::appKeyKey, QString());
     begin();
     EXPECT_EQ(ends.first().code, int(DBSession::NoAppKey));
     EXPECT_TRUE(ends.takeFirst().localizedDescription().contains(u"dropbox.com/developers"));
 
     LocalHTTPServer other;
-    set(QStringLiteral("DropboxAppKey"), QStringLiteral("key"));
-    set(QStringLiteral("DropboxLoopbackPort"), other.port());
+    set(DBSession::appKeyKey, QStringLiteral("key"));
+    set(DBSession::loopbackPortKey, other.port());
     begin();
     ASSERT_EQ(ends.size(), 1);
     EXPECT_TRUE(ends.first().localizedDescription().contains(QString::number(other.port())));

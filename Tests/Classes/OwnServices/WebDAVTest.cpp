@@ -42,9 +42,7 @@ protected:
         std::optional<ZQError> end;
         check.connectTo(settings, password, [&](const ZQError &problem) { end = problem; });
         zqRunMainLoopUntil([&] { return end.has_value(); });
-        for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
-            keys.append(QString::fromLatin1(key));
-        }
+        keys += WebDAVSettings::keys();
         return end;
     }
     static ZQError disconnect()
@@ -105,8 +103,13 @@ TEST_F(WebDAVTest, APlainServerGivesTheAddressAtWhichThePublicReads)
 
 TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
 {
-    const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + uploadID + u'/';
+    const QString earlyID = QStringLiteral("5d1f6a52-0c58-4d0f-8a2f-1f0f7f3c9b21");
+    const auto folderOf = [this](const QString &ID) {
+        return QString(root + QStringLiteral("/Shared/By%20Zelto/") + ID + u'/');
+    };
+    const QString folderOfIts = folderOf(uploadID);
     server.setHandler(folderOfIts, forMe({.status = 201}));
+    server.setHandler(folderOf(earlyID), forMe({.status = 201}));
     const auto makeWith = [this](const QString &ID) {
         return std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), ID, this, settings);
     };
@@ -116,7 +119,7 @@ TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
         return all;
     };
     // Before the folder is known to be ours, and one that is no upload's, stay.
-    const auto early = makeWith(uploadID);
+    const auto early = makeWith(earlyID);
     server.setHandler(root + "/Shared/", [early](const Request &) {
         early->cancel();
         return Answer{.status = 201};
@@ -232,21 +235,21 @@ TEST_F(WebDAVTest, APasswordIsKeptForTheServerThatTookItAndForNoOther)
     ASSERT_EQ(secrets->entries.size(), 1);
     EXPECT_EQ(secrets->entries.first().account, QStringLiteral("änn@127.0.0.1:%1").arg(server.port()));
 
-    defaults.setObjectForKey(QStringLiteral("https://other.example.org"), QStringLiteral("WebDAVAddress"));
+    defaults.setObjectForKey(QStringLiteral("https://other.example.org"), WebDAVSettings::addressKey);
     EXPECT_FALSE(WebDAVService().isReady());
     secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
     EXPECT_EQ(disconnect().code, SecretStore::Denied);
-    EXPECT_FALSE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty()) << "it can be disconnected again";
+    EXPECT_FALSE(defaults.stringForKey(WebDAVSettings::userKey).isEmpty()) << "it can be disconnected again";
     secrets->failure = {};
     EXPECT_TRUE(disconnect().isNull());
     EXPECT_TRUE(secrets->entries.isEmpty());
-    EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
+    EXPECT_TRUE(defaults.stringForKey(WebDAVSettings::userKey).isEmpty());
 
     EXPECT_TRUE(connectTo("pass")->isNull());
     secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Unavailable, QStringLiteral("none"));
     EXPECT_EQ(disconnect().code, SecretStore::LeftBehind);
     EXPECT_TRUE(secrets->entries.isEmpty()) << "no account without a keyring that could ever give it up";
-    EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
+    EXPECT_TRUE(defaults.stringForKey(WebDAVSettings::userKey).isEmpty());
 }
 
 TEST_F(WebDAVTest, WhatIsCancelledWhileTheKeyringAsksIsNotKept)
@@ -266,7 +269,7 @@ TEST_F(WebDAVTest, WhatIsCancelledWhileTheKeyringAsksIsNotKept)
         EXPECT_TRUE(secrets->entries.isEmpty()) << isGone;
         EXPECT_FALSE(isTold) << isGone;
         EXPECT_FALSE(WebDAVService().isReady()) << isGone;
-        EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVAddress")).isEmpty()) << isGone;
+        EXPECT_TRUE(defaults.stringForKey(WebDAVSettings::addressKey).isEmpty()) << isGone;
     }
 }
 

@@ -56,7 +56,6 @@ public:
     QString title() const override { return m_identifier; }
     bool isReady() const override { return ready; }
     QString whatIsMissing() const override { return ready ? QString() : QStringLiteral("Enter a key."); }
-    QString featureName() const override { return QStringLiteral("Cloud Upload (CloudApp)"); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override
     {

@@ -111,6 +111,15 @@ TEST_F(ImgurTest, EveryByteOfTheFormAndOneConnectionForAll)
     EXPECT_EQ(*std::max_element(heard.fractions.begin(), heard.fractions.end()), 1);
 }
 
+TEST_F(ImgurTest, HoweverLongAFileTakesItIsSentWhileItsBytesFlow)
+{
+    const auto limited = ServiceRequests::withinLimits(ImgurAdapter::request({}, "file", QStringLiteral("a")));
+    EXPECT_EQ(limited.wholeTime.count(), 0);
+    EXPECT_GT(limited.stallTime.count(), 0);
+    EXPECT_GT(limited.answerTime.count(), 0);
+    EXPECT_GT(ServiceRequests::withinLimits({}).wholeTime.count(), 0);
+}
+
 TEST_F(ImgurTest, WhatImgurSaysWentWrong)
 {
     const struct
