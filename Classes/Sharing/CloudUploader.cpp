@@ -430,14 +430,10 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
         return;
     }
     batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
-<<<<<<< HEAD
-    ++m_uploadedCount;
     if (batch->result.links.isEmpty()) {
         m_lastLinks.clear();
     }
     m_lastLinks.append(url);
-=======
->>>>>>> w/mt18
     batch->result.links.append({{adapter.fileToUploadURL(), adapter.fileToUploadName()}, url});
     const bool isLast = batch->left.isEmpty();
     if (isLast) {
@@ -462,23 +458,16 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
 
 void CloudUploader::didUpload(const CloudUploadResult &all)
 {
-<<<<<<< HEAD
+    const qsizetype count = all.links.size();
+    const QString url = all.links.last().url;
     m_pasteboard(url);
-    const QString text = m_uploadedCount < 2
-                             ? zqLocalized("Upload done, url copied to clipboard!")
-                             : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {m_uploadedCount});
+    const QString text = count < 2 ? zqLocalized("Upload done, url copied to clipboard!")
+                                   : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {count});
     show(text, longTime);
     if (UserInteraction *const user = person()) {
         user->tellWhenAway(
             {zqLocalized("Sharing done"), text, zqLocalized("Copy Link"), [copy = m_pasteboard, url] { copy(url); }});
     }
-=======
-    const qsizetype count = all.links.size();
-    m_pasteboard(all.links.last().url);
-    show(count < 2 ? zqLocalized("Upload done, url copied to clipboard!")
-                   : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {count}),
-         longTime);
->>>>>>> w/mt18
 }
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)

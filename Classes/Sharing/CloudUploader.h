@@ -115,11 +115,7 @@ private:
 
     QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
     quint64 m_lastNumber = 0;
-<<<<<<< HEAD
-    qint32 m_uploadedCount = 0;
     QStringList m_lastLinks;
-=======
->>>>>>> w/mt18
     QList<std::shared_ptr<WaitingExport>> m_waitingExports;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;
