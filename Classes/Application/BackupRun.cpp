@@ -1,5 +1,6 @@
 #include "Classes/Application/BackupRun.h"
 
+#include "Classes/Application/BackupRoom.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Foundation/ZQCancellation.h"
@@ -13,7 +14,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
-#include <QStorageInfo>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -130,6 +130,9 @@ bool BackupRun::begin()
 bool BackupRun::copyStore()
 {
     ZQError error;
+    if (!hasRoomFor(QFileInfo(m_bundle + storeName).size())) {
+        return false;
+    }
     if (!zqCopyStore(*m_live, m_unfinished + storeName, &error)) {
         return fail(error);
     }
@@ -200,24 +203,27 @@ bool BackupRun::hasRoom()
     if (!isMeasured) {
         return false;
     }
+    // Where files share their blocks with the library's nobody knows what is needed.
     constexpr qint64 forFolders = 16 << 20;
-    const qint64 free = QStorageInfo(m_unfinished).bytesAvailable();
-    // Where the blocks of files can be shared with the library's nobody knows what is needed.
-    const bool mayShare = QStorageInfo(m_unfinished).device() == QStorageInfo(m_bundle).device();
-    if (free >= 0 && needed + forFolders > free && !mayShare) {
-        return fail(LibraryBackup::NoSpace,
-                    zqFormat(zqLocalized("The backup needs %@ in “%@”, where %@ are free."),
-                             {sizeText(needed), m_options.directory, sizeText(free)}),
-                    zqLocalized("Remove something there, as old backups, or choose another disk."));
-    }
-    return true;
+    return hasRoomFor(BackupRoom::isShared(m_bundle, m_unfinished) ? forFolders : needed + forFolders);
+}
+
+bool BackupRun::hasRoomFor(qint64 bytes)
+{
+    const BackupRoom room = BackupRoom::at(m_unfinished);
+    return room.holds(bytes) ||
+           fail(LibraryBackup::NoSpace,
+                zqFormat(zqLocalized("The backup needs %@ in “%@”, where %@ are free."),
+                         {sizeText(bytes + room.kept()), m_options.directory, sizeText(room.available)}),
+                zqLocalized("Remove something there, as old backups, or choose another disk."));
 }
 
 bool BackupRun::copyItems()
 {
     qint64 done = 0;
     const bool isCopied = forEachItem([&](const Item &item) {
-        if (!copyItem(item)) {
+        constexpr qint64 nothing = 0; // others write there too
+        if (!hasRoomFor(nothing) || !copyItem(item)) {
             return false;
         }
         tell(LibraryBackup::Stage::Copying, ++done);

@@ -30,6 +30,7 @@ private:
     bool begin();
     bool copyStore();
     bool hasRoom();
+    bool hasRoomFor(qint64 bytes);
     bool copyItems();
     bool verify();
     bool finish();

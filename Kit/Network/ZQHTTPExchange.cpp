@@ -405,7 +405,9 @@ void ZQHTTPExchange::ended(CURLcode code)
     if (code == CURLE_PEER_FAILED_VERIFICATION && number != X509_V_OK) {
         end.reason = QString::fromLatin1(X509_verify_cert_error_string(number));
     } else if (end.reason.isEmpty()) {
-        end.reason = QString::fromLatin1(curl_easy_strerror(code));
+        const bool hasNoAnswer = code == CURLE_OK && !m_hasHead; // all that came was a proxy's
+        end.reason =
+            hasNoAnswer ? QStringLiteral("HTTP %1").arg(m_status) : QString::fromLatin1(curl_easy_strerror(code));
     }
     curl_easy_getinfo(m_handle, CURLINFO_OS_ERRNO, &number);
     end.systemError = int(number);

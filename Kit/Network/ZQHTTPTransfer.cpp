@@ -460,7 +460,8 @@ ZQError ZQHTTPTransfer::problemOfEnd(const ZQHTTPEnd &end) const
     if (m_hasHead && m_expected > m_response.size) {
         return ZQTransferError::cutOff(host(), m_response.size, m_expected);
     }
-    return end.code == CURLE_OK ? ZQError() : ZQTransferError::of(end, m_response.url, m_isConnected);
+    const bool isAnswered = end.code == CURLE_OK && m_hasHead; // a refusal by a proxy is a good end for the library
+    return isAnswered ? ZQError() : ZQTransferError::of(end, m_response.url, m_isConnected);
 }
 
 // What took too long; a server that had said no before is told as that.

@@ -1,4 +1,5 @@
 #include "Classes/Application/BackupFolder.h"
+#include "Classes/Application/BackupRoom.h"
 #include "Classes/Application/BackupSchedule.h"
 #include "Classes/Application/LibraryBackup.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
@@ -250,6 +251,29 @@ TEST_F(BackupTest, RefusesPlacesThatCannotHoldIt)
     const auto held = BackupFolder::open(backups(), QStringLiteral("Test"), store(), &error);
     ASSERT_TRUE(held);
     EXPECT_EQ(run({"backup", backups()}), 2) << "while another one works there";
+}
+
+TEST_F(BackupTest, LeavesRoomForOthersOnItsDisk)
+{
+    constexpr qint64 million = 1'000'000;
+    const struct
+    {
+        BackupRoom room;
+        qint64 bytes;
+        bool isHeld;
+    } cases[] = {{{100 * million, 1000 * million}, 50 * million, true},
+                 {{100 * million, 1000 * million}, 51 * million, false},
+                 {{0, 1000 * million}, 0, false},
+                 {{1 << 30, 4'000'000 * million}, 0, true},
+                 {{1 << 30, 4'000'000 * million}, 1, false},
+                 {{0, 0}, million, true}};
+    for (const auto &each : cases) {
+        EXPECT_EQ(each.room.holds(each.bytes), each.isHeld) << each.room.available << ' ' << each.bytes;
+    }
+    const BackupRoom here = BackupRoom::at(backups());
+    EXPECT_TRUE(here.available > 0 && here.total >= here.available);
+    BackupRoom::isShared(backups(), backups());
+    EXPECT_TRUE(QDir(backups()).isEmpty());
 }
 
 TEST_F(BackupTest, IsDueByItsIntervalWhateverTheClockDid)

@@ -254,6 +254,11 @@ TEST_F(HTTPTest, WhatAProxyRefusesIsSaidAndItLearnsNoSecret)
     ASSERT_EQ(server.requests().size(), 1);
     EXPECT_EQ(server.requests().first().method, QByteArray("CONNECT"));
     EXPECT_FALSE(server.requests().first().headers.contains("authorization"));
+    server.setAnswer(QStringLiteral("http://example.org/x"), {.status = 407, .body = "who?"});
+    ZQHTTPRequest plain = request({});
+    plain.url = QUrl(QStringLiteral("http://example.org/x"));
+    expectFailure(plain, Code::CannotConnect, "without encryption the refusal comes as an answer");
+    EXPECT_EQ(server.countOfRequestsFor(plain.url.toString()), 1);
     clear();
     qputenv("ALL_PROXY", gone.toLatin1()); // of which the desktop says nothing for this machine
     server.setAnswer(QStringLiteral("/"), {.body = "x"});
