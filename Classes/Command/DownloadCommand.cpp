@@ -98,11 +98,8 @@ void printText(const DownloadImageOperation &download, const QStringList &import
 
 void tellOfMissingPage(CommandContext &context)
 {
-    context.errors += "zelto: " +
-                      zqLocalized("images on this computer or in its own network come only for a page that is "
-                                  "there, too: write --page with its address, as --page http://127.0.0.1/")
-                          .toUtf8() +
-                      '\n';
+    context.fail(zqLocalized("images on this computer or in its own network come only for a page that is there, too: "
+                             "write --page with its address, as --page http://127.0.0.1/"));
 }
 
 int report(const DownloadImageOperation &download, CommandContext &context)
