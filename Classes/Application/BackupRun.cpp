@@ -364,6 +364,10 @@ bool BackupRun::finish()
         return fail(error);
     }
     m_unfinished.clear();
+    for (const QString &library : m_folder->libraries()) {
+        result.notes.append(zqFormat(
+            zqLocalized("“%@” was opened as a library, so that it is no backup any more, and stays."), {library}));
+    }
     // One that lacks something is no reason to let go of one that has it.
     if (m_options.keep > 0 && result.problems.isEmpty()) {
         result.removed = m_folder->keepNewest(m_options.keep, result.path);
