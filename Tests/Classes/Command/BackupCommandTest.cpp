@@ -223,6 +223,27 @@ TEST_F(BackupTest, WhatIsPurgedOrRenamedMeanwhileIsAsTheStoreSays)
         QFile::exists(result.path + QStringLiteral("/Library/") + blue + QStringLiteral(".ztlibraryitem/blue.png")));
 }
 
+TEST_F(BackupTest, FoldersKeepTheirAttributesAndWhatCannotBeReadInThemIsTold)
+{
+    const QString red = QFileInfo(item(QStringLiteral("red"))->itemURL()).path();
+    ASSERT_TRUE(ZQExtendedAttributes::set(red, QStringLiteral("user.mine"), "kept"));
+    const timespec times[] = {{1000, 0}, {2000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(red).constData(), times, 0), 0);
+    const QString first = backUp();
+    ASSERT_EQ(status, 0) << context.errors.toStdString();
+    const QString copy = QFileInfo(in(first, QStringLiteral("red"))).path();
+    EXPECT_EQ(ZQExtendedAttributes::get(copy, QStringLiteral("user.mine")), QByteArray("kept"));
+    EXPECT_EQ(QFileInfo(copy).lastModified().toSecsSinceEpoch(), 2000);
+
+    const QByteArray undecodable = QFile::encodeName(red) + "/\xff.txt";
+    const ZQFileDescriptor made(::open(undecodable.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_TRUE(made.isOpen());
+    const QString second = backUp({"--keep", "1"});
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(object().value(QStringLiteral("problems")).toArray().size(), 1);
+    EXPECT_TRUE(QFile::exists(first) && QFile::exists(in(second, QStringLiteral("red"))));
+}
+
 TEST_F(BackupTest, TheOldestGoOnceTheNewOneIsWhole)
 {
     const QString stranger = makeFolder(QStringLiteral("2020-01-01T000000Z.ztlibrary"), QUuid::createUuid(), true);
