@@ -6,13 +6,14 @@
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
 
 #include <cerrno>
 #include <climits>
+#include <dirent.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,15 +65,36 @@ bool haveSameContents(const QString &one, const QString &other, const BackupFile
     return false;
 }
 
-QStringList entriesOf(const QString &folder)
+struct Entries
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    QStringList names;
+    int problem = 0; // errno: there may be more than these
+};
+
+Entries entriesOf(const QString &folder)
+{
+    const std::unique_ptr<DIR, int (*)(DIR *)> open(::opendir(QFile::encodeName(folder).constData()), ::closedir);
+    if (!open) {
+        return {{}, errno};
+    }
+    Entries entries;
+    for (;;) {
+        errno = 0;
+        const dirent *const entry = ::readdir(open.get());
+        if (!entry) {
+            entries.problem = errno;
+            return entries;
+        }
+        if (const QByteArray name(entry->d_name); name != "." && name != "..") {
+            entries.names.append(QFile::decodeName(name));
+        }
+    }
 }
 
 } // namespace
 
 BackupFiles::BackupFiles(Places places, IsStopped isStopped)
-    : m_places(std::move(places)), m_isStopped(std::move(isStopped))
+    : m_places(std::move(places)), m_isStopped(std::move(isStopped)), m_began(QDateTime::currentDateTimeUtc())
 {
 }
 
@@ -86,6 +108,9 @@ bool BackupFiles::isInLast(const QString &path) const
 
 bool BackupFiles::isSureFromDates(const QString &path) const
 {
+    if (!m_places.lastBegan.isValid() || m_places.lastBegan >= m_began) {
+        return false; // the clock was ahead then, and what changed since may look older
+    }
     struct stat status = {};
     // A file system may note times two seconds late.
     const qint64 began = m_places.lastBegan.addSecs(-2).toMSecsSinceEpoch() * 1'000'000;
@@ -95,7 +120,7 @@ bool BackupFiles::isSureFromDates(const QString &path) const
 qint64 BackupFiles::bytesToCopy(const QString &name) const
 {
     qint64 bytes = 0;
-    for (const QString &entry : entriesOf(m_places.library + u'/' + name)) {
+    for (const QString &entry : entriesOf(m_places.library + u'/' + name).names) {
         const QString path = name + u'/' + entry;
         struct stat status = {};
         if (!look(m_places.library + u'/' + path, &status)) {
@@ -123,8 +148,9 @@ void BackupFiles::copyFolder(const QString &path, Result &result)
     const QString source = m_places.library + u'/' + path;
     const QByteArray target = QFile::encodeName(m_places.backup + u'/' + path);
     struct stat status = {};
-    if (!look(source, &status) || !S_ISDIR(status.st_mode)) {
-        result.outcome = Outcome::Vanished;
+    const int code = !look(source, &status) ? errno : S_ISDIR(status.st_mode) ? 0 : ENOTDIR;
+    if (code != 0) {
+        noteUnread(path, code, result);
         return;
     }
     if (::mkdir(target.constData(), (status.st_mode & ALLPERMS) | S_IRWXU) != 0 && errno != EEXIST) {
@@ -132,26 +158,48 @@ void BackupFiles::copyFolder(const QString &path, Result &result)
         result.outcome = Outcome::Failed;
         return;
     }
-    for (const QString &entry : entriesOf(source)) {
+    const Entries entries = entriesOf(source);
+    for (const QString &entry : entries.names) {
+        copyEntry(path + u'/' + entry, result);
         if (result.outcome == Outcome::Failed) {
             return;
         }
-        const QString below = path + u'/' + entry;
-        struct stat there = {};
-        if (!look(m_places.library + u'/' + below, &status)) {
-            result.outcome = Outcome::Vanished;
-        } else if (S_ISDIR(status.st_mode)) {
-            copyFolder(below, result);
-        } else if (look(m_places.backup + u'/' + below, &there)) {
-            continue;
-        } else if (S_ISLNK(status.st_mode)) {
-            copyLink(below, result);
-        } else if (S_ISREG(status.st_mode)) {
-            copyFile(below, result);
-        } else {
-            result.problems.append(zqFormat(zqLocalized("%@: is no file, and is not in the backup"), {below}));
-        }
     }
+    if (entries.problem != 0) {
+        noteUnread(path, entries.problem, result);
+    }
+    zqKeepFolderMetadata(source, m_places.backup + u'/' + path);
+}
+
+void BackupFiles::copyEntry(const QString &path, Result &result)
+{
+    struct stat status = {};
+    struct stat there = {};
+    if (!look(m_places.library + u'/' + path, &status)) {
+        noteUnread(path, errno, result);
+    } else if (S_ISDIR(status.st_mode)) {
+        copyFolder(path, result);
+    } else if (look(m_places.backup + u'/' + path, &there)) {
+        return;
+    } else if (S_ISLNK(status.st_mode)) {
+        copyLink(path, result);
+    } else if (S_ISREG(status.st_mode)) {
+        copyFile(path, result);
+    } else {
+        result.problems.append(zqFormat(zqLocalized("%@: is no file, and is not in the backup"), {path}));
+    }
+}
+
+// What is gone may have another name by now; nothing else is concluded from what cannot be read.
+void BackupFiles::noteUnread(const QString &path, int code, Result &result) const
+{
+    if (code == ENOENT || code == ENOTDIR) {
+        result.outcome = Outcome::Vanished;
+        result.vanished = path;
+        return;
+    }
+    const ZQError reading = ZQError::posix(code, m_places.library + u'/' + path);
+    result.problems.append(zqFormat(QStringLiteral("%@: %@"), {path, zqAdviceForFileError(reading)}));
 }
 
 bool BackupFiles::copyLink(const QString &path, Result &result) const
@@ -213,8 +261,8 @@ void BackupFiles::copyNew(const QString &path, Result &result)
     } else if (m_isStopped()) {
         result.error = error;
         result.outcome = Outcome::Failed;
-    } else if (!look(source, &status)) {
-        result.outcome = Outcome::Vanished;
+    } else if (!look(source, &status) && errno == ENOENT) {
+        noteUnread(path, ENOENT, result);
     } else if (ZQError reading; zqSHA1OfFile(source, &reading).isEmpty()) {
         result.problems.append(zqFormat(QStringLiteral("%@: %@"), {path, zqAdviceForFileError(reading)}));
     } else { // it is the other side

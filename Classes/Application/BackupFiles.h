@@ -25,7 +25,7 @@ public:
         QString library;
         QString backup;
         QString last;
-        QDateTime lastBegan;
+        QDateTime lastBegan; // of a backup of this library; invalid: what changed since cannot be told by dates
     };
     using IsStopped = std::function<bool()>;
 
@@ -43,6 +43,7 @@ public:
     {
         Outcome outcome = Outcome::Complete; // Vanished: of what was listed something was not there any more
         QList<File> files = {};
+        QString vanished = {};     // the last of those; in "Library"
         QStringList problems = {}; // of files of the library that can't be read
         ZQError error = {};        // why it failed: nothing more can be written, or it was stopped
     };
@@ -55,6 +56,8 @@ public:
 
 private:
     void copyFolder(const QString &path, Result &result);
+    void copyEntry(const QString &path, Result &result);
+    void noteUnread(const QString &path, int code, Result &result) const;
     bool copyFile(const QString &path, Result &result);
     bool copyLink(const QString &path, Result &result) const;
     bool linkToLast(const QString &path, Result &result);
@@ -64,6 +67,7 @@ private:
 
     const Places m_places;
     const IsStopped m_isStopped;
+    const QDateTime m_began;
     const QHash<QString, QByteArray> *m_known = nullptr;
     bool m_canLink = true;
 };

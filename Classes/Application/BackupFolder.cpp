@@ -35,6 +35,19 @@ QString pathOf(const QString &directory, const QString &library)
     return QDir(directory).absoluteFilePath(library);
 }
 
+QList<BackupFolder::Backup> wholeAt(const QString &path, const QUuid &store)
+{
+    QList<BackupFolder::Backup> found;
+    for (const QString &name : QDir(path).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+        const QString bundle = path + u'/' + name;
+        const auto record = isNameOfBackup(name, false) ? BackupRecord::of(bundle) : std::nullopt;
+        if (record && record->isWhole() && record->store == store) {
+            found.append({bundle, *record});
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 std::unique_ptr<BackupFolder> BackupFolder::open(const QString &directory, const QString &library, const QUuid &store,
@@ -77,26 +90,31 @@ QList<BackupFolder::Backup> BackupFolder::backupsIn(const QString &directory, co
 
 QList<BackupFolder::Backup> BackupFolder::backupsAt(const QString &path, const QUuid &store)
 {
-    QList<Backup> found;
-    for (const QString &name : QDir(path).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-        const QString bundle = path + u'/' + name;
-        const auto record = isNameOfBackup(name, false) ? BackupRecord::of(bundle) : std::nullopt;
-        if (record && record->isWhole() && record->store == store) {
-            found.append({bundle, *record});
+    QList<Backup> found = wholeAt(path, store);
+    found.removeIf([](const Backup &backup) { return backup.record.isLibrary(); });
+    // Of two in one second the names do not tell which is newer.
+    std::stable_sort(found.begin(), found.end(),
+                     [](const Backup &one, const Backup &other) { return one.record.began < other.record.began; });
+    return found;
+}
+
+QStringList BackupFolder::libraries() const
+{
+    QStringList paths;
+    for (const Backup &backup : wholeAt(m_path, m_store)) {
+        if (backup.record.isLibrary()) {
+            paths.append(backup.path);
         }
     }
-    // Of two in one second the names do not tell which is newer.
-    std::stable_sort(found.begin(), found.end(), [](const Backup &one, const Backup &other) {
-        return one.record.began < other.record.began;
-    });
-    return found;
+    return paths;
 }
 
 bool BackupFolder::isOurs(const QString &unfinished) const
 {
     const QFileInfo info(unfinished);
     const auto record = BackupRecord::of(unfinished);
-    return info.path() == m_path && isNameOfBackup(info.fileName(), true) && record && record->store == m_store;
+    return info.path() == m_path && isNameOfBackup(info.fileName(), true) && record && record->store == m_store &&
+           !record->isLibrary();
 }
 
 void BackupFolder::removeOurs(const QString &unfinished) const
@@ -183,8 +201,14 @@ QStringList BackupFolder::keepNewest(int count, const QString &newest) const
     for (qsizetype i = 0; i < others.size() - kept; ++i) {
         const QString path = others[i].path;
         const QString doomed = path + unfinishedEnding;
+        // Nobody can open it from here on, and who did so before has left a note.
+        const auto lock = LibraryLock::lockBundle(path, nullptr);
+        const auto record = BackupRecord::of(path);
+        if (!lock || !record || record->isLibrary()) {
+            continue;
+        }
         // Its name says from now on that it is not whole, should the removing be cut off.
-        if (!LibraryLock::isInUse(path) && zqMoveNoReplace(path, doomed)) {
+        if (zqMoveNoReplace(path, doomed)) {
             removeOurs(doomed);
             removed.append(path);
         }

@@ -12,7 +12,8 @@
 // file is there, and so has one that is being removed.
 //
 // One process at a time works on such a folder, by a lock in it. Nothing is removed but direct children of it, by
-// name, that are folders and no links, and whose own record says that they belong to this store; the record goes last.
+// name, that are folders and no links, and whose own record says that they belong to this store and were never opened
+// as a library; the record goes last.
 class BackupFolder
 {
 public:
@@ -37,8 +38,9 @@ public:
     // Gives it its name; everything in it has to be on the disk. Its path; empty with an error.
     QString finish(const QString &unfinished, ZQError *error) const;
     void discard(const QString &unfinished) const;
-    // The oldest ones, until `count` are left with `newest`, which stays in any case. One that is open as a library
-    // stays. Answers what was removed.
+    // What was a backup of this store until somebody opened it as a library: it stays, whatever is kept.
+    QStringList libraries() const;
+    // The oldest ones, until `count` are left with `newest`, which stays in any case. Answers what was removed.
     QStringList keepNewest(int count, const QString &newest) const;
 
 private:

@@ -1,7 +1,9 @@
 #include "Classes/Application/BackupRecord.h"
 
+#include "Classes/Application/LibraryLocation.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQRegularFile.h"
+#include "Kit/Foundation/ZQLocalized.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -44,6 +46,7 @@ std::optional<BackupRecord> BackupRecord::of(const QString &bundle)
     record.library = object[u"library"].toString();
     record.began = date(object[u"began"]);
     record.ended = date(object[u"ended"]);
+    record.opened = date(object[u"opened"]);
     record.items = object[u"items"].toInteger();
     record.files = object[u"files"].toInteger();
     record.bytes = object[u"bytes"].toInteger();
@@ -60,10 +63,28 @@ bool BackupRecord::write(const QString &bundle, ZQError *error) const
                              {QStringLiteral("library"), library},
                              {QStringLiteral("began"), milliseconds(began)},
                              {QStringLiteral("ended"), milliseconds(ended)},
+                             {QStringLiteral("opened"), milliseconds(opened)},
                              {QStringLiteral("items"), items},
                              {QStringLiteral("files"), files},
                              {QStringLiteral("bytes"), bytes},
                              {QStringLiteral("newBytes"), newBytes},
                              {QStringLiteral("problems"), problems}};
     return zqWriteFileAtomically(bundle + u'/' + fileName, QJsonDocument(object).toJson(), error);
+}
+
+bool BackupRecord::noteOpening(const QString &bundle, ZQError *error)
+{
+    auto record = of(QFileInfo(bundle).canonicalFilePath());
+    if (!record || record->isLibrary()) {
+        return true;
+    }
+    record->opened = QDateTime::currentDateTimeUtc();
+    ZQError cause;
+    if (record->write(bundle, &cause)) {
+        return true;
+    }
+    zqSetError(error, ZQError::with(LibraryLocation::errorDomain, cause.code,
+                                    zqFormat(zqLocalized("“%@” is a backup that can't be written."), {bundle}),
+                                    zqLocalized("Copy it to another place, and open the copy.")));
+    return false;
 }

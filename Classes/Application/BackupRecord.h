@@ -10,7 +10,7 @@
 #include <optional>
 
 // What a backup says of itself, in a file of its bundle. A folder without one is nobody's business here: it is neither
-// linked to nor ever removed.
+// linked to nor ever removed; and neither is one that was opened as a library, since it may hold somebody's work.
 struct BackupRecord
 {
     static inline const QString fileName = ZQSharedFile::markName;
@@ -18,7 +18,8 @@ struct BackupRecord
     QUuid store;
     QString library; // the name of the library
     QDateTime began;
-    QDateTime ended; // invalid while it is not whole
+    QDateTime ended;  // invalid while it is not whole
+    QDateTime opened; // as a library, for the first time; invalid: never
     qint64 items = 0;
     qint64 files = 0;
     qint64 bytes = 0;    // of all its files
@@ -26,8 +27,12 @@ struct BackupRecord
     qint64 problems = 0;
 
     bool isWhole() const { return ended.isValid(); }
+    bool isLibrary() const { return opened.isValid(); }
 
     // Of the bundle at this path; nothing when it has none that can be read, or the folder or the file is a link.
     static std::optional<BackupRecord> of(const QString &bundle);
     bool write(const QString &bundle, ZQError *error) const;
+    // For whoever has locked the bundle, before anything else is done to it: from now on it is a library. True also for
+    // what is no backup; false with an error when that can't be written.
+    static bool noteOpening(const QString &bundle, ZQError *error);
 };

@@ -255,6 +255,7 @@ bool BackupRun::copyItem(const Item &item)
         copied.files += more.files;
         copied.problems = more.problems;
         copied.outcome = more.outcome;
+        copied.vanished = more.vanished;
         if (more.outcome == BackupFiles::Outcome::Failed) {
             return fail(more.error);
         }
@@ -268,7 +269,11 @@ bool BackupRun::copyItem(const Item &item)
                     zqFormat(zqLocalized("The library “%@” is not there any more."), {m_bundle}),
                     zqLocalized("Connect its disk, then try again."));
     }
-    bringAsset(item, copied.files);
+    const bool hasAsset = bringAsset(item, copied.files);
+    // Of an item without its directory there is nothing to bring but the asset.
+    if (copied.outcome == BackupFiles::Outcome::Vanished && copied.vanished != name && hasAsset && isInLibrary(item)) {
+        result.problems.append(zqFormat(zqLocalized("%@: the file is missing"), {copied.vanished}));
+    }
     keepFiles(item.key, copied.files);
     return true;
 }
@@ -283,32 +288,39 @@ void BackupRun::keepFiles(qint64 key, const QList<BackupFiles::File> &files)
     }
 }
 
-// An item whose file has another name by now than in the copied store, or is gone.
-void BackupRun::bringAsset(const Item &item, QList<BackupFiles::File> &files)
+bool BackupRun::isInLibrary(const Item &item) const
+{
+    ZQManagedObjectContext context(m_live);
+    return bool(ZQLibraryBaseItem::libraryItemsForBundleID(item.bundleID, context));
+}
+
+// An item whose file has another name by now than in the copied store, or is gone. False: it lacks it, which is told.
+bool BackupRun::bringAsset(const Item &item, QList<BackupFiles::File> &files)
 {
     const QString name = item.bundleID + ZQLibraryBaseItem::itemDirectoryExtension + u'/';
     const QString folder = m_unfinished + itemsName + u'/';
     const QString wanted = name + item.asset;
     if (item.asset.isEmpty() || QFileInfo::exists(folder + wanted)) {
-        return;
+        return true;
     }
     ZQManagedObjectContext context(m_live);
     const auto now = ZQLibraryBaseItem::libraryItemsForBundleID(item.bundleID, context);
     if (!now) {
         result.notes.append(
             zqFormat(zqLocalized("%@ was removed from the library while the backup was made"), {item.asset}));
-        return;
+        return false;
     }
     const QString other = name + assetName(now->title(), now->originalExtension());
     if (other == wanted || !zqMoveNoReplace(folder + other, folder + wanted)) {
         result.problems.append(zqFormat(zqLocalized("%@: the file is missing"), {item.asset}));
-        return;
+        return false;
     }
     for (BackupFiles::File &file : files) {
         if (file.path == other || file.path.startsWith(other + u'/')) {
             file.path.replace(0, other.size(), wanted);
         }
     }
+    return true;
 }
 
 bool BackupRun::verify()
@@ -364,6 +376,10 @@ bool BackupRun::finish()
         return fail(error);
     }
     m_unfinished.clear();
+    for (const QString &library : m_folder->libraries()) {
+        result.notes.append(zqFormat(
+            zqLocalized("“%@” was opened as a library, so that it is no backup any more, and stays."), {library}));
+    }
     // One that lacks something is no reason to let go of one that has it.
     if (m_options.keep > 0 && result.problems.isEmpty()) {
         result.removed = m_folder->keepNewest(m_options.keep, result.path);

@@ -37,7 +37,8 @@ private:
     bool openCopy();
     bool forEachItem(const std::function<bool(const Item &item)> &visit);
     bool copyItem(const Item &item);
-    void bringAsset(const Item &item, QList<BackupFiles::File> &files);
+    bool isInLibrary(const Item &item) const;
+    bool bringAsset(const Item &item, QList<BackupFiles::File> &files);
     void keepFiles(qint64 key, const QList<BackupFiles::File> &files);
     bool fail(int code, const QString &what, const QString &advice);
     bool fail(const ZQError &error);

@@ -44,8 +44,9 @@ struct BackupResult
 // says that it is not whole, brought to the disk, read again and compared, and then given its name. A process that is
 // killed leaves the older backups as they were and its own folder, which the next one removes.
 //
-// Files are shared with the backup before as hard links, where the disk has them. Opened as a library, a backup's
-// tags are written into a copy of the file of its own (`ZQSharedFile`). What is not in a backup: imports that have
+// Files are shared with the backup before as hard links, where the disk has them. Opened as a library, a backup is one
+// from then on, which nothing here removes or shares files with; its tags are written into copies of its own of the
+// files that it shares already (`ZQSharedFile`). What is not in a backup: imports that have
 // not ended, pictures of the screen on their way into the library, and what can be made again.
 //
 // Any thread, but one backup at a time for each of these.

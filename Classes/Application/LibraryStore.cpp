@@ -1,5 +1,6 @@
 #include "Classes/Application/LibraryStore.h"
 
+#include "Classes/Application/BackupRecord.h"
 #include "Classes/Application/CoreDataMigrationWindowController.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/LibraryMove.h"
@@ -30,6 +31,9 @@ bool LibraryStore::lockLibrary(ZQError *error)
     const QString bundle = m_places.libraryBundleDirectory();
     if (!m_lock && !bundle.isEmpty()) {
         m_lock = LibraryLock::lockBundle(bundle, error);
+        if (m_lock && !BackupRecord::noteOpening(bundle, error)) {
+            m_lock.reset();
+        }
         if (m_lock) {
             LibraryMove::removeInterruptedCopy(bundle);
         }

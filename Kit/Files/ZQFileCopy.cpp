@@ -261,6 +261,18 @@ std::optional<ZQCopyResult> zqLinkOrCopyFile(const QString &source, const QStrin
     return result;
 }
 
+void zqKeepFolderMetadata(const QString &source, const QString &copy)
+{
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    const ZQFileDescriptor from(open(QFile::encodeName(source).constData(), flags));
+    const ZQFileDescriptor to(open(QFile::encodeName(copy).constData(), flags));
+    struct stat status = {};
+    if (from.isOpen() && to.isOpen() && fstat(from.get(), &status) == 0) {
+        keepMetadata(from.get(), to.get());
+        fchmod(to.get(), (status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO)) | S_IRWXU);
+    }
+}
+
 QByteArray zqSHA1OfFile(const QString &path, ZQError *error)
 {
     const auto name = zqSystemPath(path, error);

@@ -31,6 +31,10 @@ std::optional<ZQCopyResult> zqCopyFile(const QString &source, const QString &des
 std::optional<ZQCopyResult> zqLinkOrCopyFile(const QString &source, const QString &destination,
                                              ZQError *error = nullptr, const std::function<bool()> &isCancelled = {});
 
+// Times and extended attributes of a folder, and its mode as far as its owner can go on writing there, for a copy that
+// was made entry by entry; last, since each entry changes the times.
+void zqKeepFolderMetadata(const QString &source, const QString &copy);
+
 // 40 lower-case hexadecimal digits; empty with an error when the file cannot be read to its end.
 QByteArray zqSHA1OfFile(const QString &path, ZQError *error = nullptr);
 

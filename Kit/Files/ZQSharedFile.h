@@ -15,5 +15,8 @@ inline const QString markName = QStringLiteral("backup.json");
 // To be called before something is written in place: where the file is shared, a copy with all its attributes takes
 // its name. False, with an error and the file as it was, when that can't be made.
 bool makeOwn(const QString &path, ZQError *error);
+// The same for FILE itself, which may be a folder, and all it holds: before another program gets it. After a failure
+// some of it may be shared still.
+bool makeAllOwn(const QString &path, ZQError *error);
 
 } // namespace ZQSharedFile

@@ -3,6 +3,7 @@
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Export/ExportNames.h"
 #include "Kit/Files/ZQPlainCopy.h"
+#include "Kit/Files/ZQSharedFile.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -28,7 +29,15 @@ constexpr int mostCopiesFirst = 200;
 class NamedFiles
 {
 public:
+    // Empty where the file itself would go, which other folders share and cannot be parted from them.
     QString pathFor(const Asset &asset)
+    {
+        const QString path = namedPathFor(asset);
+        return path != asset.path || makeOwn(path) ? path : QString();
+    }
+
+private:
+    QString namedPathFor(const Asset &asset)
     {
         const QFileInfo file(asset.path);
         const QString name = ExportNames::nameForTitle(asset.title, zqPathExtension(asset.path));
@@ -49,7 +58,6 @@ public:
         return path;
     }
 
-private:
     bool makeFolder()
     {
         if (m_folder.isEmpty() && !m_isRefused) {
@@ -77,10 +85,20 @@ private:
         return mayCopy;
     }
 
+    static bool makeOwn(const QString &path)
+    {
+        ZQError error;
+        const bool isOwn = ZQSharedFile::makeAllOwn(path, &error);
+        if (!isOwn) {
+            qCWarning(zqLogApplication) << "Not handed out:" << path << error.localizedDescription();
+        }
+        return isOwn;
+    }
+
     static bool link(const QFileInfo &file, const QString &path)
     {
-        return ::linkat(AT_FDCWD, QFile::encodeName(file.filePath()).constData(), AT_FDCWD,
-                        QFile::encodeName(path).constData(), AT_SYMLINK_FOLLOW) == 0;
+        return makeOwn(file.filePath()) && ::linkat(AT_FDCWD, QFile::encodeName(file.filePath()).constData(), AT_FDCWD,
+                                                    QFile::encodeName(path).constData(), AT_SYMLINK_FOLLOW) == 0;
     }
 
     QString m_folder;
@@ -116,7 +134,9 @@ QStringList AssetFiles::paths() const
     NamedFiles named;
     m_paths.emplace();
     for (const Asset &asset : std::as_const(*m_assets)) {
-        m_paths->append(named.pathFor(asset));
+        if (const QString path = named.pathFor(asset); !path.isEmpty()) {
+            m_paths->append(path);
+        }
     }
     return *m_paths;
 }

@@ -35,6 +35,7 @@
 #include "Classes/Interface/Window/WindowCommands.h"
 #include "Classes/Interface/Window/WindowFollower.h"
 #include "Classes/Services/SoftwareUpdater.h"
+#include "Kit/Files/ZQSharedFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Imaging/ZQPreviewService.h"
@@ -471,10 +472,9 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::Open);
         const QString path = m_browser->firstSelected() ? m_browser->firstSelected()->itemURL() : QString();
         if (!path.isEmpty()) {
-            menu.addAction(zqLocalized("Open with Default Program"), this,
-                           [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); });
+            menu.addAction(zqLocalized("Open with Default Program"), this, [this, path] { handOut(path, path); });
             menu.addAction(zqLocalized("Show in Files"), this,
-                           [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath())); });
+                           [this, path] { handOut(path, QFileInfo(path).absolutePath()); });
         }
         menu.addSeparator();
         add(CommandID::Copy);
@@ -499,6 +499,16 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::SelectAll);
     }
     menu.exec(globalPoint);
+}
+
+// Whoever opens `shown` may write to the asset.
+void MainWindowController::handOut(const QString &asset, const QString &shown)
+{
+    if (ZQError error; !ZQSharedFile::makeAllOwn(asset, &error)) {
+        m_user.presentError(error);
+        return;
+    }
+    QDesktopServices::openUrl(QUrl::fromLocalFile(shown));
 }
 
 void MainWindowController::showKeys()

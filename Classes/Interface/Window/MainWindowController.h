@@ -96,6 +96,7 @@ private:
     bool meansSidebarRow() const; // Ctrl+D does
     void deleteKey();
     void showItemMenu(const QPoint &globalPoint);
+    void handOut(const QString &asset, const QString &shown);
     void showKeys();
     void showPreferences();
     void showCloudPreferences();

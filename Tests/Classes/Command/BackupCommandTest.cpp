@@ -7,6 +7,7 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 #include "Tests/Classes/Command/CommandFixture.h"
+#include "Tests/Support/FileSizeLimit.h"
 
 #include <QSet>
 
@@ -53,6 +54,22 @@ protected:
     {
         status = run(QStringList{QStringLiteral("backup"), backups(), QStringLiteral("--json")} + more);
         return object().value(QStringLiteral("path")).toString();
+    }
+    void makeDelegate(const QString &bundle)
+    {
+        delegate.reset();
+        ApplicationParts parts;
+        parts.userInteraction = &user;
+        parts.importManager = &AImportManager::sharedAImportManager();
+        parts.liveFolderManager = &liveFolders;
+        delegate = std::make_unique<tamberin_AppDelegate>(parts);
+        delegate->setLibraryBundleDirectory(bundle);
+    }
+    void openLibrary(const QString &bundle)
+    {
+        makeDelegate(bundle);
+        ZQError error;
+        ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
     }
     ZQRef<ZQLibraryBaseItem> item(const QString &title)
     {
@@ -125,15 +142,7 @@ TEST_F(BackupTest, OpenedAsALibraryItChangesNoOtherOne)
     ASSERT_EQ(linksOf(red), 2u);
     const auto before = attributesOf(red);
 
-    delegate.reset();
-    ApplicationParts parts;
-    parts.userInteraction = &user;
-    parts.importManager = &AImportManager::sharedAImportManager();
-    parts.liveFolderManager = &liveFolders;
-    delegate = std::make_unique<tamberin_AppDelegate>(parts);
-    delegate->setLibraryBundleDirectory(second);
-    ZQError error;
-    ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
+    openLibrary(second);
     EXPECT_EQ(run("verify --deep"), 0) << context.output.toStdString();
     ASSERT_EQ(run({"tag", "--add", "mine", bundleID}), 0) << context.errors.toStdString();
     EXPECT_EQ(attributesOf(red), before);
@@ -141,6 +150,52 @@ TEST_F(BackupTest, OpenedAsALibraryItChangesNoOtherOne)
     EXPECT_EQ(linksOf(red), 1u);
     EXPECT_EQ(run("verify --deep"), 0) << context.output.toStdString();
     EXPECT_EQ(run({"backup", backups()}), 2) << "of a backup, beside itself";
+}
+
+TEST_F(BackupTest, OpenedAsALibraryItStaysWithWhatWasDoneInIt)
+{
+    const QString main = delegate->libraryBundleDirectory();
+    const QString opened = backUp();
+    const QString later = backUp();
+    ASSERT_EQ(status, 0) << context.errors.toStdString();
+    openLibrary(opened);
+    ASSERT_EQ(run({"import", picture(QStringLiteral("new.png"), qRgb(0, 200, 0))}), 0) << context.errors.toStdString();
+    ASSERT_TRUE(QDir().mkpath(world.filePath(QStringLiteral("elsewhere"))));
+    EXPECT_EQ(run({"backup", world.filePath(QStringLiteral("elsewhere"))}), 0) << context.errors.toStdString();
+
+    openLibrary(main);
+    const QString newest = backUp({"--keep", "1"});
+    ASSERT_EQ(status, 0) << context.errors.toStdString();
+    EXPECT_EQ(object().value(QStringLiteral("removed")).toArray(), QJsonArray{later});
+    const QJsonArray notes = object().value(QStringLiteral("notes")).toArray();
+    ASSERT_EQ(notes.size(), 1);
+    EXPECT_TRUE(notes.first().toString().contains(opened));
+    EXPECT_FALSE(QFile::exists(later));
+    openLibrary(opened);
+    EXPECT_EQ(run("statistics --quick --json"), 0);
+    EXPECT_EQ(object().value(QStringLiteral("items")).toInt(), 3);
+    EXPECT_EQ(run("verify --deep"), 0) << context.output.toStdString();
+
+    // Nothing is shared with it either.
+    openLibrary(main);
+    ASSERT_TRUE(QDir(newest).removeRecursively());
+    EXPECT_EQ(linksOf(in(backUp(), QStringLiteral("blue"))), 1u);
+}
+
+TEST_F(BackupTest, WhereNothingCanBeNotedItIsNotOpened)
+{
+    const QString backup = backUp();
+    ASSERT_EQ(status, 0) << context.errors.toStdString();
+    makeDelegate(backup);
+    ZQError error;
+    bool isOpen = false;
+    {
+        const FileSizeLimit full(1);
+        isOpen = delegate->openLibraryForCommand(&error);
+    }
+    EXPECT_FALSE(isOpen);
+    EXPECT_TRUE(error.localizedDescription().contains(backup)) << qPrintable(error.localizedDescription());
+    EXPECT_FALSE(BackupRecord::of(backup)->isLibrary());
 }
 
 TEST_F(BackupTest, WhatIsPurgedOrRenamedMeanwhileIsAsTheStoreSays)
@@ -166,6 +221,27 @@ TEST_F(BackupTest, WhatIsPurgedOrRenamedMeanwhileIsAsTheStoreSays)
     EXPECT_TRUE(result.notes.first().contains(QStringLiteral("red.png")));
     EXPECT_TRUE(
         QFile::exists(result.path + QStringLiteral("/Library/") + blue + QStringLiteral(".ztlibraryitem/blue.png")));
+}
+
+TEST_F(BackupTest, FoldersKeepTheirAttributesAndWhatCannotBeReadInThemIsTold)
+{
+    const QString red = QFileInfo(item(QStringLiteral("red"))->itemURL()).path();
+    ASSERT_TRUE(ZQExtendedAttributes::set(red, QStringLiteral("user.mine"), "kept"));
+    const timespec times[] = {{1000, 0}, {2000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(red).constData(), times, 0), 0);
+    const QString first = backUp();
+    ASSERT_EQ(status, 0) << context.errors.toStdString();
+    const QString copy = QFileInfo(in(first, QStringLiteral("red"))).path();
+    EXPECT_EQ(ZQExtendedAttributes::get(copy, QStringLiteral("user.mine")), QByteArray("kept"));
+    EXPECT_EQ(QFileInfo(copy).lastModified().toSecsSinceEpoch(), 2000);
+
+    const QByteArray undecodable = QFile::encodeName(red) + "/\xff.txt";
+    const ZQFileDescriptor made(::open(undecodable.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_TRUE(made.isOpen());
+    const QString second = backUp({"--keep", "1"});
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(object().value(QStringLiteral("problems")).toArray().size(), 1);
+    EXPECT_TRUE(QFile::exists(first) && QFile::exists(in(second, QStringLiteral("red"))));
 }
 
 TEST_F(BackupTest, TheOldestGoOnceTheNewOneIsWhole)

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 class AssetFilesTest : public testing::Test
@@ -71,6 +74,34 @@ TEST_F(AssetFilesTest, FilesAreCalledAsTheirTitlesAre)
     changed.close();
     EXPECT_EQ(contentOf(assets[1].path), "two");
     EXPECT_EQ(contentOf(assets[2].path), "three");
+}
+
+TEST_F(AssetFilesTest, WhatABackupSharesWithAnotherIsPartedFromItFirst)
+{
+    file(QStringLiteral("b/backup.json"), "{}");
+    const QString flat = file(QStringLiteral("b/Library/1/sky.png"), "one");
+    const QString inFolder = file(QStringLiteral("b/Library/2/set/in/a.png"), "two");
+    const QString alone = file(QStringLiteral("c/Library/1/sea.png"), "three");
+    int others = 0;
+    for (const QString &each : {flat, inFolder, alone}) {
+        const QString away = world.filePath(QStringLiteral("other%1").arg(++others));
+        ASSERT_EQ(::link(QFile::encodeName(each).constData(), QFile::encodeName(away).constData()), 0);
+    }
+    const auto isShared = [](const QString &path) {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(path).constData(), &status) == 0 && status.st_nlink > 1;
+    };
+    AssetFiles files([&] {
+        return QList<Asset>{{flat, QStringLiteral("sky")},
+                            {world.filePath(QStringLiteral("b/Library/2/set")), QStringLiteral("set")},
+                            {alone, QStringLiteral("sea")}};
+    });
+    ASSERT_EQ(files.paths().size(), 3);
+    EXPECT_EQ(files.paths().first(), flat);
+    EXPECT_FALSE(isShared(flat));
+    EXPECT_FALSE(isShared(inFolder));
+    EXPECT_TRUE(isShared(alone)) << "links of other folders are meant";
+    EXPECT_EQ(contentOf(flat) + contentOf(inFolder), "onetwo");
 }
 
 TEST_F(AssetFilesTest, TheClipboardSaysThatTheyAreCopiedAndMakesThePictureWhenAsked)
