@@ -15,6 +15,7 @@
 #include "Kit/Network/ZQDataAddress.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 
 #include <QDir>

@@ -8,6 +8,7 @@
 
 class BatchResumption;
 class CreatedItems;
+struct CreatedItem;
 
 // Finds out which of the items that a batch made the library had already, by their digests, and asks the person about
 // them, once for the whole batch. Each is kept, discarded, or discarded with the library's item put in its place. An
