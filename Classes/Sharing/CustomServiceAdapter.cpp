@@ -7,7 +7,6 @@
 #include "Kit/Network/ZQMultipartForm.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Network/ZQPrivateAddress.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 namespace {
 
@@ -53,9 +52,7 @@ CustomServiceAdapter::CustomServiceAdapter(const QString &fileToUploadURL, const
 
 CustomServiceAdapter::~CustomServiceAdapter()
 {
-    if (!zqIsMainThread()) {
-        zqOnMainThread([requests = std::shared_ptr<ServiceRequests>(std::move(m_requests))] {});
-    }
+    release(std::move(m_requests));
 }
 
 void CustomServiceAdapter::begin()
