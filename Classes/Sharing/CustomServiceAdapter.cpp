@@ -7,8 +7,11 @@
 #include "Kit/Network/ZQMultipartForm.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Network/ZQPrivateAddress.h"
+<<<<<<< HEAD
 #include "Kit/Network/ZQServer.h"
 #include "Kit/Operations/ZQMainThread.h"
+=======
+>>>>>>> w/m18
 
 namespace {
 
@@ -49,9 +52,7 @@ CustomServiceAdapter::CustomServiceAdapter(const QString &fileToUploadURL, const
 
 CustomServiceAdapter::~CustomServiceAdapter()
 {
-    if (!zqIsMainThread()) {
-        zqOnMainThread([requests = std::shared_ptr<ServiceRequests>(std::move(m_requests))] {});
-    }
+    release(std::move(m_requests));
 }
 
 void CustomServiceAdapter::begin()

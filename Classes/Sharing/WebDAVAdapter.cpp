@@ -7,7 +7,6 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Network/ZQHTTPBody.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -28,9 +27,7 @@ WebDAVAdapter::WebDAVAdapter(const QString &fileToUploadURL, const QString &file
 
 WebDAVAdapter::~WebDAVAdapter()
 {
-    if (!zqIsMainThread()) {
-        zqOnMainThread([requests = std::shared_ptr<ServiceRequests>(std::move(m_requests))] {});
-    }
+    release(std::move(m_requests));
 }
 
 void WebDAVAdapter::begin()

@@ -51,7 +51,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@ (package %@)</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ (Paket %@)</translation>
     </message>
     <message>
         <source>%@ Delete them in the library once that is mended.</source>
@@ -167,7 +167,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@ is on this computer or its network, where this request must not go.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ liegt auf diesem Computer oder in seinem Netzwerk, wohin diese Anfrage nicht gehen darf.</translation>
     </message>
     <message>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
@@ -190,9 +190,9 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <source>%@ links copied to clipboard!</source>
         <comment>counted</comment>
         <extracomment>for one: 1 link copied to clipboard!</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Link in die Zwischenablage kopiert!</numerusform>
+            <numerusform>%@ Links in die Zwischenablage kopiert!</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -212,9 +212,9 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <source>%@ more files were not sent.</source>
         <comment>counted</comment>
         <extracomment>for one: One more file was not sent.</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Eine weitere Datei wurde nicht gesendet.</numerusform>
+            <numerusform>%@ weitere Dateien wurden nicht gesendet.</numerusform>
         </translation>
     </message>
     <message>
@@ -284,7 +284,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@ to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ bis %@</translation>
     </message>
     <message>
         <source>%@ took too long.</source>
@@ -296,7 +296,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@ was removed from the library while the backup was made</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ wurde aus der Bibliothek entfernt, während die Sicherung erstellt wurde</translation>
     </message>
     <message>
         <source>%@ · Copied</source>
@@ -348,7 +348,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@: %@ of %@ items</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: %@ von %@ Objekten</translation>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
@@ -356,23 +356,23 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>%@: %@, %@ times</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: %@, %@-mal</translation>
     </message>
     <message>
         <source>%@: is a link, which can't be made where the backup is</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: ist eine Verknüpfung, die am Ort der Sicherung nicht angelegt werden kann</translation>
     </message>
     <message>
         <source>%@: is no file, and is not in the backup</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: ist keine Datei und nicht in der Sicherung enthalten</translation>
     </message>
     <message>
         <source>%@: is not as it was when an older backup was made, which shares it</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: ist nicht mehr so wie bei einer älteren Sicherung, die dieselbe Datei enthält</translation>
     </message>
     <message>
         <source>%@: the file has another name, “%@”; “zelto verify --repair” names it after its item</source>
-        <translation type="unfinished"></translation>
+        <translation>%@: Die Datei hat einen anderen Namen, „%@“; „zelto verify --repair“ benennt sie nach ihrem Objekt</translation>
     </message>
     <message>
         <source>%@: the file is missing</source>
@@ -453,9 +453,9 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <source>%d files named after their items</source>
         <comment>counted</comment>
         <extracomment>for one: 1 file named after its item</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>1 Datei nach ihrem Objekt benannt</numerusform>
+            <numerusform>%d Dateien nach ihren Objekten benannt</numerusform>
         </translation>
     </message>
     <message>
@@ -709,7 +709,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Area</source>
-        <translation type="unfinished"></translation>
+        <translation>Be&amp;reich</translation>
     </message>
     <message>
         <source>&amp;Ask before a row is removed</source>
@@ -717,7 +717,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Back Up Now</source>
-        <translation type="unfinished"></translation>
+        <translation>Jetzt &amp;sichern</translation>
     </message>
     <message>
         <source>&amp;Bring Zelto forward</source>
@@ -733,7 +733,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Count which features are used, day by day</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Zählen, welche Funktionen an welchem Tag verwendet werden</translation>
     </message>
     <message>
         <source>&amp;Dark</source>
@@ -753,7 +753,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Erase Counts</source>
-        <translation type="unfinished"></translation>
+        <translation>Zählungen &amp;löschen</translation>
     </message>
     <message>
         <source>&amp;Files and folders, at most</source>
@@ -765,7 +765,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Folder…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Ordner…</translation>
     </message>
     <message>
         <source>&amp;Icon</source>
@@ -777,7 +777,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Keep</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Behalten</translation>
     </message>
     <message>
         <source>&amp;Keep tags, notes and ratings in the files</source>
@@ -797,7 +797,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Look for new versions once a day</source>
-        <translation type="unfinished"></translation>
+        <translation>Täglich nach &amp;neuen Versionen suchen</translation>
     </message>
     <message>
         <source>&amp;Make a thumbnail of small pictures, too</source>
@@ -841,7 +841,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Save…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Speichern…</translation>
     </message>
     <message>
         <source>&amp;Share to</source>
@@ -865,7 +865,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Start Zelto when you log in</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Zelto beim Anmelden starten</translation>
     </message>
     <message>
         <source>&amp;Tag what is imported by color and size</source>
@@ -893,7 +893,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Window</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Fenster</translation>
     </message>
     <message>
         <source>&amp;Write them for the file manager, too</source>
@@ -1005,7 +1005,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>A missing file comes back from a backup: copy it to where it was, under its name. A missing thumbnail is made again when its file changes. For a damaged database, quit Zelto and run “zelto recover” in a terminal.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine fehlende Datei kommt aus einer Sicherung zurück: Kopieren Sie sie unter ihrem Namen dorthin, wo sie war. Eine fehlende Miniatur wird neu erstellt, sobald sich ihre Datei ändert. Ist die Datenbank beschädigt, beenden Sie Zelto, und führen Sie „zelto recover“ in einem Terminal aus.</translation>
     </message>
     <message>
         <source>A name cannot contain "/" or a null character. Please use another name.</source>
@@ -1103,7 +1103,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>ACC&amp;OUNTS</source>
-        <translation type="unfinished"></translation>
+        <translation>K&amp;ONTEN</translation>
     </message>
     <message>
         <source>AFTER A SCREENSHOT</source>
@@ -1123,7 +1123,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>AT LOGIN</source>
-        <translation type="unfinished"></translation>
+        <translation>BEI DER ANMELDUNG</translation>
     </message>
     <message>
         <source>AVI movie</source>
@@ -1199,7 +1199,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle</translation>
     </message>
     <message>
         <source>All Tabs</source>
@@ -1227,7 +1227,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Alt</source>
-        <translation type="unfinished"></translation>
+        <translation>Alt</translation>
     </message>
     <message>
         <source>An archive in it was left out: %@</source>
@@ -1251,11 +1251,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>An item has no folder that can be its own: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Objekt hat keinen Ordner, der sein eigener sein kann: %@</translation>
     </message>
     <message>
         <source>Another backup into the folder “%@” is under way.</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine andere Sicherung in den Ordner „%@“ läuft gerade.</translation>
     </message>
     <message>
         <source>Another file has that name. Use another name, or rename the other file.</source>
@@ -1283,7 +1283,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Any other one that is set up there does as well: a server of your own (WebDAV, Nextcloud), Dropbox, Imgur, or a service that a description file explains.</source>
-        <translation type="unfinished"></translation>
+        <translation>Jeder andere dort eingerichtete Dienst eignet sich ebenso: ein eigener Server (WebDAV, Nextcloud), Dropbox, Imgur oder ein Dienst, den eine Beschreibungsdatei erklärt.</translation>
     </message>
     <message>
         <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
@@ -1368,15 +1368,15 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>As `import,store`, or `all`: print how long the traced steps took.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Beispiel `import,store` oder `all`: ausgeben, wie lange die verfolgten Schritte gedauert haben.</translation>
     </message>
     <message>
         <source>As `zelto.*.debug=true`, which turns on the log of every subsystem.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Beispiel `zelto.*.debug=true`, was das Protokoll aller Teilsysteme einschaltet.</translation>
     </message>
     <message>
         <source>As it is</source>
-        <translation type="unfinished"></translation>
+        <translation>Unverändert</translation>
     </message>
     <message>
         <source>Ascending</source>
@@ -1400,7 +1400,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Ask whoever runs it for a description with the login.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitten Sie den Betreiber um eine Beschreibung mit der Anmeldung.</translation>
     </message>
     <message>
         <source>Asking CloudApp…</source>
@@ -1428,7 +1428,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>BACKUP</source>
-        <translation type="unfinished"></translation>
+        <translation>SICHERUNG</translation>
     </message>
     <message>
         <source>BETWEEN needs a list of two values</source>
@@ -1440,7 +1440,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Back Up Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek sichern…</translation>
     </message>
     <message>
         <source>Back to the items (Esc)</source>
@@ -1456,15 +1456,15 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Backing up</source>
-        <translation type="unfinished"></translation>
+        <translation>Wird gesichert</translation>
     </message>
     <message>
         <source>Backspace</source>
-        <translation type="unfinished"></translation>
+        <translation>Rücktaste</translation>
     </message>
     <message>
         <source>Backup made: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Sicherung erstellt: %@</translation>
     </message>
     <message>
         <source>Behind “%@” stands what to look for: %@.</source>
@@ -1484,7 +1484,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>By &amp;itself</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Automatisch</translation>
     </message>
     <message>
         <source>By whole factors, so that pixels stay sharp.</source>
@@ -1500,11 +1500,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>C&amp;hange…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ä&amp;ndern…</translation>
     </message>
     <message>
         <source>C&amp;opy</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Kopieren</translation>
     </message>
     <message>
         <source>COLORS</source>
@@ -1512,7 +1512,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>CRASH REPORTS</source>
-        <translation type="unfinished"></translation>
+        <translation>ABSTURZBERICHTE</translation>
     </message>
     <message>
         <source>Camera raw image</source>
@@ -1556,7 +1556,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Capture stored</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufnahme gespeichert</translation>
     </message>
     <message>
         <source>Capture the page at “%@”?</source>
@@ -1572,11 +1572,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Check for &amp;Updates...</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach &amp;Aktualisierungen suchen...</translation>
     </message>
     <message>
         <source>Check for Updates...</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach Aktualisierungen suchen...</translation>
     </message>
     <message>
         <source>Check its name and where it is.</source>
@@ -1584,7 +1584,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Check its permissions, or choose another folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie seine Zugriffsrechte, oder wählen Sie einen anderen Ordner.</translation>
     </message>
     <message>
         <source>Check its permissions, or choose another library.</source>
@@ -1628,7 +1628,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Choose</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen</translation>
     </message>
     <message>
         <source>Choose a Description</source>
@@ -1644,7 +1644,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Choose another folder, best on another disk.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie einen anderen Ordner, am besten auf einem anderen Datenträger.</translation>
     </message>
     <message>
         <source>Choose another library, recover it, or put back a copy from a backup.</source>
@@ -1744,11 +1744,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Connect its disk, or choose another folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Schließen Sie seinen Datenträger an, oder wählen Sie einen anderen Ordner.</translation>
     </message>
     <message>
         <source>Connect its disk, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Schließen Sie ihren Datenträger an, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Connect the account again in the preferences, under Cloud.</source>
@@ -1782,13 +1782,17 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <source>Copy All %@ Links of the Last Upload</source>
         <comment>counted</comment>
         <extracomment>for one: Copy the Link of the Last Upload</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Link des letzten Hochladens kopieren</numerusform>
+            <numerusform>Alle %@ Links des letzten Hochladens kopieren</numerusform>
         </translation>
     </message>
     <message>
         <source>Copy Link</source>
+        <translation>Link kopieren</translation>
+    </message>
+    <message>
+        <source>Copy it to another place, and open the copy.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1805,7 +1809,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Copying the database</source>
-        <translation type="unfinished"></translation>
+        <translation>Datenbank wird kopiert</translation>
     </message>
     <message>
         <source>Could not be read, at least: %@.</source>
@@ -1821,7 +1825,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Crash report</source>
-        <translation type="unfinished"></translation>
+        <translation>Absturzbericht</translation>
     </message>
     <message>
         <source>Created</source>
@@ -1837,7 +1841,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Ctrl</source>
-        <translation type="unfinished"></translation>
+        <translation>Strg</translation>
     </message>
     <message>
         <source>DISKS THAT TELL OF NO CHANGES</source>
@@ -1869,7 +1873,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Deleted and not yet removed: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Gelöscht und noch nicht entfernt: %@</translation>
     </message>
     <message>
         <source>Deleting files…</source>
@@ -1905,11 +1909,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Disconnect</source>
-        <translation type="unfinished"></translation>
+        <translation>Trennen</translation>
     </message>
     <message>
         <source>Disconnect “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ trennen?</translation>
     </message>
     <message>
         <source>Do not ask again</source>
@@ -1925,7 +1929,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Don't Look</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht suchen</translation>
     </message>
     <message>
         <source>Double resolution</source>
@@ -1933,7 +1937,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Runter</translation>
     </message>
     <message>
         <source>Downloading images</source>
@@ -1945,7 +1949,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Drag over an area of one screen, or press an arrow key · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Bereich auf einem Bildschirm aufziehen oder Pfeiltaste drücken · Esc bricht ab</translation>
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
@@ -2005,7 +2009,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Duplicates: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Duplikate: %@</translation>
     </message>
     <message>
         <source>Duplicating items…</source>
@@ -2057,7 +2061,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>End</source>
-        <translation type="unfinished"></translation>
+        <translation>Ende</translation>
     </message>
     <message>
         <source>Enter</source>
@@ -2101,11 +2105,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Every day</source>
-        <translation type="unfinished"></translation>
+        <translation>Täglich</translation>
     </message>
     <message>
         <source>Every week</source>
-        <translation type="unfinished"></translation>
+        <translation>Wöchentlich</translation>
     </message>
     <message>
         <source>Everything is in the library already. Choose a project or a tag.</source>
@@ -2270,7 +2274,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner</translation>
     </message>
     <message>
         <source>Folders of the disk whose files are shown here and stay where they are</source>
@@ -2406,7 +2410,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Home</source>
-        <translation type="unfinished"></translation>
+        <translation>Pos1</translation>
     </message>
     <message>
         <source>How files are called: {title}, {index}, {width}, {height} and {date} stand for what each file has. Empty: the title.</source>
@@ -2414,11 +2418,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>How many backups stay</source>
-        <translation type="unfinished"></translation>
+        <translation>Wie viele Sicherungen bleiben</translation>
     </message>
     <message>
         <source>How often a backup is made by itself</source>
-        <translation type="unfinished"></translation>
+        <translation>Wie oft automatisch gesichert wird</translation>
     </message>
     <message>
         <source>IN FILES</source>
@@ -2438,11 +2442,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>If it has no encryption, write http:// before its address.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wenn er keine Verschlüsselung hat, schreiben Sie http:// vor seine Adresse.</translation>
     </message>
     <message>
         <source>If there is a keyring, it stays there: remove what is named “%@” in the desktop's program for passwords.</source>
-        <translation type="unfinished"></translation>
+        <translation>Falls es einen Schlüsselbund gibt, bleibt es dort: Entfernen Sie in der Passwortverwaltung der Arbeitsumgebung den Eintrag „%@“.</translation>
     </message>
     <message>
         <source>Illustrator image</source>
@@ -2466,15 +2470,15 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Imgur does not accept the Client ID. Enter the right one in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur nimmt die Client-ID nicht an. Geben Sie die richtige in den Einstellungen unter „Cloud“ ein.</translation>
     </message>
     <message>
         <source>Imgur refuses the upload. Look in the preferences, under Cloud, whether the Client ID is the right one, and whether Imgur takes files of this kind.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur lehnt das Hochladen ab. Prüfen Sie in den Einstellungen unter „Cloud“, ob die Client-ID die richtige ist, und ob Imgur Dateien dieser Art annimmt.</translation>
     </message>
     <message>
         <source>Imgur takes no more uploads with this Client ID for now.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur nimmt mit dieser Client-ID vorerst keine weiteren Dateien an.</translation>
     </message>
     <message>
         <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
@@ -2518,7 +2522,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Import its description again in the preferences, under Cloud, and enter it anew.</source>
-        <translation type="unfinished"></translation>
+        <translation>Importieren Sie die Beschreibung in den Einstellungen unter „Cloud“ noch einmal, und geben Sie die Angaben neu ein.</translation>
     </message>
     <message>
         <source>Import operation successful</source>
@@ -2542,7 +2546,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Imported in</source>
-        <translation type="unfinished"></translation>
+        <translation>Importiert im Jahr</translation>
     </message>
     <message>
         <source>Importing %@ of %@</source>
@@ -2586,7 +2590,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>In live folders: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>In Live-Ordnern: %@</translation>
     </message>
     <message>
         <source>In no project</source>
@@ -2618,7 +2622,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Insert</source>
-        <translation type="unfinished"></translation>
+        <translation>Einfg</translation>
     </message>
     <message>
         <source>Install one, such as GNOME Keyring or KWallet, log in to the desktop again, and try once more. Nothing was stored.</source>
@@ -2634,7 +2638,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>It asks its makers' server once a day which version is the newest. Nothing about you or your library is sent, and nothing is installed by itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto fragt einmal am Tag den Server seiner Hersteller, welche Version die neueste ist. Über Sie und Ihre Bibliothek wird nichts gesendet, und nichts wird von selbst installiert.</translation>
     </message>
     <message>
         <source>It belongs to the system. Add the folders with your pictures instead.</source>
@@ -2646,7 +2650,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>It can't be read: see who may.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie kann nicht gelesen werden: Prüfen Sie, wer das darf.</translation>
     </message>
     <message>
         <source>It cannot be read. Allow reading it, then add it again.</source>
@@ -2742,7 +2746,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>It is in Screenshots.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie liegt in „Bildschirmfotos“.</translation>
     </message>
     <message>
         <source>It is in the trash. Restore it first.</source>
@@ -2858,11 +2862,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Items: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte: %@</translation>
     </message>
     <message>
         <source>Items: %@, files: %@, size: %@, of which new: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Objekte: %@, Dateien: %@, Größe: %@, davon neu: %@</translation>
     </message>
     <message>
         <source>Its Info.plist is damaged. Get the snap once more, or import the picture in it alone.</source>
@@ -2986,7 +2990,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Its stored password is forgotten. What was uploaded stays where it is, and its links go on working.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das gespeicherte Passwort wird vergessen. Was hochgeladen wurde, bleibt, wo es ist, und die Links funktionieren weiter.</translation>
     </message>
     <message>
         <source>JPEG 2000 image</source>
@@ -3038,7 +3042,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Kinds</source>
-        <translation type="unfinished"></translation>
+        <translation>Arten</translation>
     </message>
     <message>
         <source>Krita document</source>
@@ -3066,7 +3070,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Largest files</source>
-        <translation type="unfinished"></translation>
+        <translation>Größte Dateien</translation>
     </message>
     <message>
         <source>Last Import</source>
@@ -3102,7 +3106,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Left</source>
-        <translation type="unfinished"></translation>
+        <translation>Links</translation>
     </message>
     <message>
         <source>Left out was %@.</source>
@@ -3114,11 +3118,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Library Statistics</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliotheksstatistik</translation>
     </message>
     <message>
         <source>Library Statistics…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliotheksstatistik…</translation>
     </message>
     <message>
         <source>License</source>
@@ -3182,7 +3186,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Look Once a Day</source>
-        <translation type="unfinished"></translation>
+        <translation>Täglich suchen</translation>
     </message>
     <message>
         <source>Look at its permissions.</source>
@@ -3214,11 +3218,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Look whether its address in the preferences, under Cloud, is the right one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie, ob seine Adresse in den Einstellungen unter „Cloud“ die richtige ist.</translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateigrößen werden ermittelt…</translation>
     </message>
     <message>
         <source>Looking at the store…</source>
@@ -3226,7 +3230,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Looking at what changed</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderungen werden ermittelt</translation>
     </message>
     <message>
         <source>Lower, as high or higher</source>
@@ -3282,7 +3286,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>May Zelto look for new versions?</source>
-        <translation type="unfinished"></translation>
+        <translation>Darf Zelto nach neuen Versionen suchen?</translation>
     </message>
     <message>
         <source>Media</source>
@@ -3302,7 +3306,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Missing files: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Fehlende Dateien: %@</translation>
     </message>
     <message>
         <source>Modification date</source>
@@ -3358,7 +3362,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>NEW VERSIONS</source>
-        <translation type="unfinished"></translation>
+        <translation>NEUE VERSIONEN</translation>
     </message>
     <message>
         <source>NOTES</source>
@@ -3378,7 +3382,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Never</source>
-        <translation type="unfinished"></translation>
+        <translation>Nie</translation>
     </message>
     <message>
         <source>New</source>
@@ -3462,11 +3466,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>No backup was made. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wurde keine Sicherung erstellt. %@</translation>
     </message>
     <message>
         <source>No folder was chosen.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wurde kein Ordner gewählt.</translation>
     </message>
     <message>
         <source>No item directory can be made in the library. Check that the library can be written and has space left.</source>
@@ -3474,7 +3478,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>No key came with it: the desktop keeps such keys for itself. Take another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es kam keine Taste an: Die Arbeitsumgebung behält solche Tasten für sich. Nehmen Sie eine andere.</translation>
     </message>
     <message>
         <source>No keys</source>
@@ -3562,11 +3566,11 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Nothing about you or your library is sent, and nothing is installed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Über Sie und Ihre Bibliothek wird nichts gesendet, und nichts wird installiert.</translation>
     </message>
     <message>
         <source>Nothing can be written into the folder “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>In den Ordner „%@“ kann nicht geschrieben werden.</translation>
     </message>
     <message>
         <source>Nothing could be read from the damaged library, which is kept as %@
@@ -3618,7 +3622,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Nothing was counted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wurde nichts gezählt.</translation>
     </message>
     <message>
         <source>Nothing was taken from “%@”, since you said no a moment ago. Try again in a few seconds.</source>
@@ -3626,7 +3630,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Numbers of the library</source>
-        <translation type="unfinished"></translation>
+        <translation>Zahlen der Bibliothek</translation>
     </message>
     <message>
         <source>OK</source>
@@ -3650,11 +3654,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Older backup removed: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ältere Sicherung entfernt: %@</translation>
     </message>
     <message>
         <source>One on each line. After several files the clipboard holds the link of the last.</source>
-        <translation type="unfinished"></translation>
+        <translation>Je Zeile einer. Nach mehreren Dateien enthält die Zwischenablage den Link der letzten.</translation>
     </message>
     <message>
         <source>Only a part of the picture is there.</source>
@@ -3662,7 +3666,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Only data goes to standard output; errors go to standard error.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur Daten gehen an die Standardausgabe; Fehler gehen an die Standardfehlerausgabe.</translation>
     </message>
     <message>
         <source>Only the first %@ files can go to another program at once</source>
@@ -3682,11 +3686,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Open Cloud Preferences…</source>
-        <translation type="unfinished"></translation>
+        <translation>Cloud-Einstellungen öffnen…</translation>
     </message>
     <message>
         <source>Open Download Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Download-Seite öffnen</translation>
     </message>
     <message>
         <source>Open Library…</source>
@@ -3786,15 +3790,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Page Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Bild ab</translation>
     </message>
     <message>
         <source>Page Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Bild auf</translation>
     </message>
     <message>
         <source>Pages are not at that port: see whether the address is written right.</source>
-        <translation type="unfinished"></translation>
+        <translation>An diesem Port gibt es keine Seiten: Prüfen Sie, ob die Adresse richtig geschrieben ist.</translation>
     </message>
     <message>
         <source>Panes</source>
@@ -3814,7 +3818,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Pause</source>
-        <translation type="unfinished"></translation>
+        <translation>Pause</translation>
     </message>
     <message>
         <source>Pause (P)</source>
@@ -3862,7 +3866,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Please choose the folder for backups</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte wählen Sie den Ordner für Sicherungen</translation>
     </message>
     <message>
         <source>Please choose the library that you want to open</source>
@@ -3934,15 +3938,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Print</source>
-        <translation type="unfinished"></translation>
+        <translation>Druck</translation>
     </message>
     <message>
         <source>Privacy</source>
-        <translation type="unfinished"></translation>
+        <translation>Datenschutz</translation>
     </message>
     <message>
         <source>Progress of the backup</source>
-        <translation type="unfinished"></translation>
+        <translation>Fortschritt der Sicherung</translation>
     </message>
     <message>
         <source>Project</source>
@@ -4002,7 +4006,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Quit Zelto and run `zelto recover`; older backups are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Beenden Sie Zelto, und führen Sie `zelto recover` aus; ältere Sicherungen sind unverändert.</translation>
     </message>
     <message>
         <source>Quit Zelto, then recover it.</source>
@@ -4050,7 +4054,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Reading the backup again</source>
-        <translation type="unfinished"></translation>
+        <translation>Sicherung wird noch einmal gelesen</translation>
     </message>
     <message>
         <source>Reading…</source>
@@ -4138,7 +4142,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Remove something there, as old backups, or choose another disk.</source>
-        <translation type="unfinished"></translation>
+        <translation>Entfernen Sie dort etwas, zum Beispiel alte Sicherungen, oder wählen Sie einen anderen Datenträger.</translation>
     </message>
     <message>
         <source>Remove the tag %@</source>
@@ -4170,11 +4174,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Report copied to clipboard!</source>
-        <translation type="unfinished"></translation>
+        <translation>Bericht in die Zwischenablage kopiert!</translation>
     </message>
     <message>
         <source>Report sent. Thank you!</source>
-        <translation type="unfinished"></translation>
+        <translation>Bericht gesendet. Vielen Dank!</translation>
     </message>
     <message>
         <source>Restoring items…</source>
@@ -4182,11 +4186,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Return</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingabe</translation>
     </message>
     <message>
         <source>Return takes it · Esc leaves · arrows move, Shift by 10, Ctrl resizes</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingabe nimmt auf · Esc bricht ab · Pfeile verschieben, Umschalt um 10, Strg ändert die Größe</translation>
     </message>
     <message>
         <source>Rich text document</source>
@@ -4194,7 +4198,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Right</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechts</translation>
     </message>
     <message>
         <source>SHA-1</source>
@@ -4226,7 +4230,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Save Report</source>
-        <translation type="unfinished"></translation>
+        <translation>Bericht speichern</translation>
     </message>
     <message>
         <source>Save Search</source>
@@ -4238,11 +4242,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Save an &amp;Example…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Beispiel speichern…</translation>
     </message>
     <message>
         <source>Save an Example</source>
-        <translation type="unfinished"></translation>
+        <translation>Beispiel speichern</translation>
     </message>
     <message>
         <source>Save the search as a smart folder (Ctrl+S)</source>
@@ -4298,7 +4302,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>See whether the address is written right.</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüfen Sie, ob die Adresse richtig geschrieben ist.</translation>
     </message>
     <message>
         <source>Select All</source>
@@ -4318,11 +4322,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Sen&amp;d</source>
-        <translation type="unfinished"></translation>
+        <translation>S&amp;enden</translation>
     </message>
     <message>
         <source>Services</source>
-        <translation type="unfinished"></translation>
+        <translation>Dienste</translation>
     </message>
     <message>
         <source>Set up…</source>
@@ -4354,7 +4358,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Sharing done</source>
-        <translation type="unfinished"></translation>
+        <translation>Teilen abgeschlossen</translation>
     </message>
     <message>
         <source>Sharing…</source>
@@ -4362,7 +4366,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Shift</source>
-        <translation type="unfinished"></translation>
+        <translation>Umschalt</translation>
     </message>
     <message>
         <source>Show</source>
@@ -4370,7 +4374,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Show &amp;Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Zelto anzeigen</translation>
     </message>
     <message>
         <source>Show &amp;titles below thumbnails</source>
@@ -4386,7 +4390,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Show Last &amp;Report…</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzten &amp;Bericht anzeigen…</translation>
     </message>
     <message>
         <source>Show Library in Files</source>
@@ -4430,7 +4434,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Shows every name and what it means.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeigt alle Namen und ihre Bedeutung.</translation>
     </message>
     <message>
         <source>Sidebar</source>
@@ -4458,11 +4462,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Size of the originals: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe der Originale: %@</translation>
     </message>
     <message>
         <source>Size of the thumbnails: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe der Miniaturen: %@</translation>
     </message>
     <message>
         <source>Sketch document</source>
@@ -4470,7 +4474,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Skip This Version</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Version überspringen</translation>
     </message>
     <message>
         <source>Smaller Thumbnails</source>
@@ -4530,7 +4534,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Start the one it was kept in, such as GNOME Keyring or KWallet, or log in to the desktop again, and try once more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Starten Sie den Schlüsselbund, in dem es aufbewahrt wurde, etwa GNOME Keyring oder KWallet, oder melden Sie sich neu an der Arbeitsumgebung an, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>Starting the browser…</source>
@@ -4542,7 +4546,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Stop &amp;Backup</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Sicherung anhalten</translation>
     </message>
     <message>
         <source>Stop Import</source>
@@ -4566,7 +4570,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Super</source>
-        <translation type="unfinished"></translation>
+        <translation>Super</translation>
     </message>
     <message>
         <source>Supported files (%@)</source>
@@ -4622,7 +4626,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab</translation>
     </message>
     <message>
         <source>Tab %d</source>
@@ -4678,7 +4682,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Take part in &amp;beta versions</source>
-        <translation type="unfinished"></translation>
+        <translation>Auch &amp;Beta-Versionen berücksichtigen</translation>
     </message>
     <message>
         <source>Take the &amp;keywords of pictures as tags</source>
@@ -4734,7 +4738,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The account is forgotten, but its stored password cannot be reached.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Konto ist vergessen, aber das gespeicherte Passwort ist nicht erreichbar.</translation>
     </message>
     <message>
         <source>The address is too long for a web page.</source>
@@ -4746,19 +4750,19 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The announcement of versions is for another program or channel. Check again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Ankündigung der Versionen gilt für ein anderes Programm oder einen anderen Kanal. Suchen Sie später noch einmal.</translation>
     </message>
     <message>
         <source>The announcement of versions is not signed by Zelto's makers, so nothing it says was believed. Check again from another network; if that changes nothing, tell the makers.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Ankündigung der Versionen ist nicht von den Herstellern von Zelto signiert, daher wurde ihr nichts geglaubt. Suchen Sie aus einem anderen Netzwerk noch einmal; wenn das nichts ändert, verständigen Sie die Hersteller.</translation>
     </message>
     <message>
         <source>The announcement of versions is older than the last one that came, so nothing it says was believed. Check again later, or from another network.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Ankündigung der Versionen ist älter als die zuletzt erhaltene, daher wurde ihr nichts geglaubt. Suchen Sie später oder aus einem anderen Netzwerk noch einmal.</translation>
     </message>
     <message>
         <source>The answer of %@ is larger than one that tells of an upload.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Antwort von %@ ist größer als eine, die ein Hochladen bestätigt.</translation>
     </message>
     <message>
         <source>The answer of Dropbox cannot be understood.</source>
@@ -4786,15 +4790,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The backup lacks something: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Sicherung fehlt etwas: %@</translation>
     </message>
     <message>
         <source>The backup needs %@ in “%@”, where %@ are free.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Sicherung braucht %@ in „%@“, wo %@ frei sind.</translation>
     </message>
     <message>
         <source>The backup was stopped. Older ones are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Sicherung wurde angehalten. Ältere sind unverändert.</translation>
     </message>
     <message>
         <source>The browser can't capture this page.</source>
@@ -4802,7 +4806,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The browser can't load it; try again later, or in another browser (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Browser kann sie nicht laden; versuchen Sie es später noch einmal oder in einem anderen Browser (%@).</translation>
     </message>
     <message>
         <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
@@ -4830,7 +4834,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The captured picture is in the library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Aufnahme ist in der Bibliothek.</translation>
     </message>
     <message>
         <source>The changes cannot be saved.</source>
@@ -4850,23 +4854,23 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The counts of “%@” are damaged. Erase them to go on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Zählungen von „%@“ sind beschädigt. Löschen Sie sie, um fortzufahren.</translation>
     </message>
     <message>
         <source>The counts of “%@” could not be erased: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Zählungen von „%@“ konnten nicht gelöscht werden: %@</translation>
     </message>
     <message>
         <source>The counts of “%@” could not be read: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Zählungen von „%@“ konnten nicht gelesen werden: %@</translation>
     </message>
     <message>
         <source>The counts of “%@” could not be written. Another Zelto may be at it, or the folder can't be written in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Zählungen von „%@“ konnten nicht geschrieben werden. Vielleicht arbeitet ein anderes Zelto daran, oder in den Ordner kann nicht geschrieben werden.</translation>
     </message>
     <message>
         <source>The counts stay on this machine. Here is all there is:</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Zählungen bleiben auf diesem Rechner. Hier steht alles, was vorhanden ist:</translation>
     </message>
     <message>
         <source>The damaged store is kept as %@</source>
@@ -4882,7 +4886,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The desktop did not allow it. Its settings say which programs may start by themselves.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Arbeitsumgebung hat es nicht erlaubt. In ihren Einstellungen steht, welche Programme von selbst starten dürfen.</translation>
     </message>
     <message>
         <source>The desktop did not give these keys. Choose them in the desktop's keyboard settings.</source>
@@ -4906,7 +4910,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf dem Datenträger können Sicherungen keine Dateien gemeinsam nutzen, daher braucht jede den Platz der ganzen Bibliothek.</translation>
     </message>
     <message>
         <source>The disk is full. Free some space and import it again.</source>
@@ -4918,7 +4922,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The disk may be failing; use another one. Older backups are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger fällt möglicherweise aus; verwenden Sie einen anderen. Ältere Sicherungen sind unverändert.</translation>
     </message>
     <message>
         <source>The disk reported an error while the library was used.</source>
@@ -4930,7 +4934,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The disk takes no files of that size or that name, as those with the file system FAT; choose a folder on one with ext4, Btrfs or XFS.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Datenträger nimmt keine Dateien dieser Größe oder dieses Namens auf, wie solche mit dem Dateisystem FAT; wählen Sie einen Ordner auf einem mit ext4, Btrfs oder XFS.</translation>
     </message>
     <message>
         <source>The disk with the temporary files is full. Free some space, or name another folder for them in TMPDIR, and import it again.</source>
@@ -5014,7 +5018,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The first of these that is set up: CloudApp, Dropbox, Imgur, your own server, the others. Now: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der erste davon, der eingerichtet ist: CloudApp, Dropbox, Imgur, Ihr eigener Server, die übrigen. Jetzt: %@.</translation>
     </message>
     <message>
         <source>The folder cannot be opened. Change its permissions and import it again</source>
@@ -5038,7 +5042,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The folder “%@” could not be made</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Ordner „%@“ konnte nicht angelegt werden</translation>
     </message>
     <message>
         <source>The folder “%@” is in the trash. Put it back, and its items come back with it.</source>
@@ -5094,7 +5098,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Die letzte: %@, %@, davon neu: %@</translation>
     </message>
     <message>
         <source>The last seven days</source>
@@ -5166,7 +5170,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The library is inside “%@” itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek liegt selbst in „%@“.</translation>
     </message>
     <message>
         <source>The library is inside “%@”, which it would replace.</source>
@@ -5226,7 +5230,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The library “%@” is not there any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek „%@“ ist nicht mehr vorhanden.</translation>
     </message>
     <message>
         <source>The library's database cannot be opened.</source>
@@ -5242,7 +5246,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The library's database is damaged: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datenbank der Bibliothek ist beschädigt: %@</translation>
     </message>
     <message>
         <source>The library's database reported an error.</source>
@@ -5250,7 +5254,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The library, unless another one was chosen; ~/.local/share without the variable.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Bibliothek, sofern keine andere gewählt wurde; ~/.local/share ohne die Variable.</translation>
     </message>
     <message>
         <source>The live folder is not in the sidebar any more. Choose another one.</source>
@@ -5278,7 +5282,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The network changed meanwhile. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Netzwerk hat inzwischen gewechselt. Versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>The original folders will still remain on your disk.</source>
@@ -5382,7 +5386,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The preferences, which `zelto defaults` reads and changes; ~/.config without the variable.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Einstellungen, die `zelto defaults` liest und ändert; ~/.config ohne die Variable.</translation>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures can't be started: %@.</source>
@@ -5418,11 +5422,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The report could not be removed: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Bericht konnte nicht entfernt werden: %@</translation>
     </message>
     <message>
         <source>The report was not sent: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Bericht wurde nicht gesendet: %@</translation>
     </message>
     <message>
         <source>The request cannot be carried out.</source>
@@ -5446,7 +5450,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The server answered with an error (%d); this is the page it sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server hat mit einem Fehler geantwortet (%d); dies ist die Seite, die er gesendet hat.</translation>
     </message>
     <message>
         <source>The server broke off the connection.</source>
@@ -5454,7 +5458,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The server can't be spoken with safely.</source>
-        <translation type="unfinished"></translation>
+        <translation>Mit dem Server ist keine sichere Verbindung möglich.</translation>
     </message>
     <message>
         <source>The server did not answer in time.</source>
@@ -5462,15 +5466,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The server of the announcements leads to an address that is not encrypted, which Zelto does not go to. Check again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server der Ankündigungen führt zu einer unverschlüsselten Adresse, die Zelto nicht aufruft. Suchen Sie später noch einmal.</translation>
     </message>
     <message>
         <source>The server of the reports leads to an address that is not encrypted. Nothing was sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server der Berichte führt zu einer unverschlüsselten Adresse. Es wurde nichts gesendet.</translation>
     </message>
     <message>
         <source>The server says that it has no such page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server meldet, dass er keine solche Seite hat.</translation>
     </message>
     <message>
         <source>The server sends on to “%@”, for which the passwords are not meant.</source>
@@ -5482,7 +5486,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The server sent a page of text in place of the picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server hat statt des Bildes eine Textseite gesendet.</translation>
     </message>
     <message>
         <source>The server sent nothing.</source>
@@ -5526,7 +5530,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>The stored password cannot be reached: there is no keyring.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das gespeicherte Passwort ist nicht erreichbar: Es gibt keinen Schlüsselbund.</translation>
     </message>
     <message>
         <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
@@ -5614,7 +5618,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>There is no backup of this library in that folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>In diesem Ordner gibt es keine Sicherung dieser Bibliothek.</translation>
     </message>
     <message>
         <source>There is no connection to the internet.</source>
@@ -5638,7 +5642,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>There is no folder “%@” for backups.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es gibt keinen Ordner „%@“ für Sicherungen.</translation>
     </message>
     <message>
         <source>There is no folder “%@”. Choose another one, or look whether its disk is there.</source>
@@ -5714,7 +5718,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>There is no way to that server: see whether the network is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zu diesem Server führt kein Weg: Prüfen Sie, ob das Netzwerk verfügbar ist.</translation>
     </message>
     <message>
         <source>There is no window to take · Esc leaves</source>
@@ -5734,7 +5738,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>There is not enough memory.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Speicher reicht nicht aus.</translation>
     </message>
     <message>
         <source>There is not enough room on the disk to save.</source>
@@ -5786,7 +5790,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>This Zelto was built without an address that announces new versions. Look where you got it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Zelto wurde ohne eine Adresse gebaut, die neue Versionen ankündigt. Sehen Sie dort nach, woher Sie es haben.</translation>
     </message>
     <message>
         <source>This bracket closes nothing.</source>
@@ -5842,11 +5846,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>This is the whole report. It says where in the program it happened, and nothing of your library. Copy or save it to pass it on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dies ist der ganze Bericht. Er nennt die Stelle im Programm, an der es geschah, und nichts aus Ihrer Bibliothek. Kopieren oder speichern Sie ihn, um ihn weiterzugeben.</translation>
     </message>
     <message>
         <source>This is the whole report. It says where in the program it happened, and nothing of your library. It is sent only if you send it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dies ist der ganze Bericht. Er nennt die Stelle im Programm, an der es geschah, und nichts aus Ihrer Bibliothek. Er wird nur gesendet, wenn Sie ihn senden.</translation>
     </message>
     <message>
         <source>This key can't be used. Take a letter, a digit or a function key.</source>
@@ -5958,7 +5962,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>USAGE</source>
-        <translation type="unfinished"></translation>
+        <translation>NUTZUNG</translation>
     </message>
     <message>
         <source>Undo</source>
@@ -5982,7 +5986,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Hoch</translation>
     </message>
     <message>
         <source>Update Search</source>
@@ -6014,7 +6018,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Use It for Sharin&amp;g</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Teilen ver&amp;wenden</translation>
     </message>
     <message>
         <source>Use This Folder</source>
@@ -6038,7 +6042,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Verify Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek prüfen…</translation>
     </message>
     <message>
         <source>View</source>
@@ -6058,7 +6062,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Wait until it is done, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Warten Sie, bis sie fertig ist, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message>
         <source>Wait until tomorrow or upgrade your CloudApp account.</source>
@@ -6066,7 +6070,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Waiting for the keyring…</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf den Schlüsselbund wird gewartet…</translation>
     </message>
     <message>
         <source>Waiting for you to allow it in the web browser…</source>
@@ -6102,7 +6106,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>What a description says</source>
-        <translation type="unfinished"></translation>
+        <translation>Was eine Beschreibung angibt</translation>
     </message>
     <message>
         <source>What a page sent is too long. Choose fewer images.</source>
@@ -6110,7 +6114,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>What came is no announcement of versions. If you are in a network that asks for a login first, log in and check again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Was ankam, ist keine Ankündigung von Versionen. Falls Sie in einem Netzwerk sind, das zuerst eine Anmeldung verlangt, melden Sie sich an, und suchen Sie noch einmal.</translation>
     </message>
     <message>
         <source>What is captured</source>
@@ -6134,7 +6138,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>What was counted</source>
-        <translation type="unfinished"></translation>
+        <translation>Was gezählt wurde</translation>
     </message>
     <message>
         <source>What was found</source>
@@ -6162,15 +6166,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wenn Zelto unerwartet endet, legt es einen Bericht an und zeigt ihn beim nächsten Öffnen. Die letzten fünf werden aufbewahrt. Ein Bericht enthält nichts aus Ihrer Bibliothek und wird nur gesendet, wenn Sie ihn senden.</translation>
     </message>
     <message>
         <source>Where backups are put; best on another disk</source>
-        <translation type="unfinished"></translation>
+        <translation>Wo Sicherungen abgelegt werden; am besten auf einem anderen Datenträger</translation>
     </message>
     <message>
         <source>Where everything is kept that the program writes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wo alles aufbewahrt wird, was das Programm schreibt.</translation>
     </message>
     <message>
         <source>Whole Screen</source>
@@ -6182,7 +6186,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Whole scr&amp;een</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Ganzer Bildschirm</translation>
     </message>
     <message>
         <source>Width</source>
@@ -6214,15 +6218,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Without a command the window opens, with the files that are named. A command does one thing and exits; when a window has the library open, it runs in the window's process, so that two processes never write one library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ohne Befehl öffnet sich das Fenster mit den angegebenen Dateien. Ein Befehl erledigt eine Sache und endet; hat ein Fenster die Bibliothek geöffnet, läuft er im Prozess des Fensters, sodass nie zwei Prozesse in dieselbe Bibliothek schreiben.</translation>
     </message>
     <message>
         <source>Without a rating: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ohne Bewertung: %@</translation>
     </message>
     <message>
         <source>Without a tag: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ohne Schlagwort: %@</translation>
     </message>
     <message>
         <source>Without its window Zelto takes no pictures of the screen.</source>
@@ -6270,7 +6274,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>You have %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie haben %@.</translation>
     </message>
     <message>
         <source>You have exceded your maximum daily upload limit</source>
@@ -6326,15 +6330,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Zelto %@ is the newest version.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto %@ ist die neueste Version.</translation>
     </message>
     <message>
         <source>Zelto %@ is there</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto %@ ist da</translation>
     </message>
     <message>
         <source>Zelto %@ is there; this is %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto %@ ist da; dies ist %@.</translation>
     </message>
     <message>
         <source>Zelto can copy everything that can still be read into a new store. The damaged one is kept beside it.</source>
@@ -6346,11 +6350,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Zelto could not look for new versions</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto konnte nicht nach neuen Versionen suchen</translation>
     </message>
     <message>
         <source>Zelto does not look for new versions</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto sucht nicht nach neuen Versionen</translation>
     </message>
     <message>
         <source>Zelto ended before all files were in the library. It can go on with those that are missing. What is in the library stays there either way.</source>
@@ -6358,7 +6362,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Zelto ended unexpectedly</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wurde unerwartet beendet</translation>
     </message>
     <message>
         <source>Zelto has the library in use but not open: answer what it asks, then try again</source>
@@ -6382,11 +6386,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Zelto is there when you have logged in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto ist da, sobald Sie sich angemeldet haben.</translation>
     </message>
     <message>
         <source>Zelto is up to date</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto ist auf dem neuesten Stand</translation>
     </message>
     <message>
         <source>Zelto is uploading files</source>
@@ -6410,7 +6414,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Zelto was installed by %@, which brings new versions, too.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto wurde mit %@ installiert; von dort kommen auch neue Versionen.</translation>
     </message>
     <message>
         <source>Zelto was quit before it could be imported. Import it again.</source>
@@ -6538,7 +6542,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>an error, in which case nothing was changed; a change of many items that fails or is cancelled keeps what was done before that</source>
-        <translation type="unfinished"></translation>
+        <translation>ein Fehler, bei dem nichts geändert wurde; eine Änderung an vielen Objekten, die scheitert oder abgebrochen wird, behält, was davor erledigt war</translation>
     </message>
     <message>
         <source>an unknown character "%@"</source>
@@ -6646,11 +6650,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>done in part, or something was found: `verify` or `backup` found something wrong, `updates check` knows a newer version, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
-        <translation type="unfinished"></translation>
+        <translation>teilweise erledigt, oder etwas wurde gefunden: `verify` oder `backup` hat einen Mangel gefunden, `updates check` kennt eine neuere Version, `recover` traf auf eine geöffnete Bibliothek, `snap` wurde abgebrochen, ein Teil dessen, was `export`, `share` oder `download` verarbeiten sollte, fehlt, oder ein Import wurde unterbrochen, den `zelto import --resume` fortsetzt</translation>
     </message>
     <message>
         <source>done; for `verify`, nothing wrong was found</source>
-        <translation type="unfinished"></translation>
+        <translation>erledigt; bei `verify`: keine Mängel gefunden</translation>
     </message>
     <message>
         <source>duplicate items</source>
@@ -6726,7 +6730,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>images on this computer or in its own network come only for a page that is there, too: write --page with its address, as --page http://127.0.0.1/</source>
-        <translation type="unfinished"></translation>
+        <translation>Bilder auf diesem Computer oder in seinem eigenen Netzwerk kommen nur für eine Seite, die ebenfalls dort liegt: geben Sie --page mit ihrer Adresse an, zum Beispiel --page http://127.0.0.1/</translation>
     </message>
     <message>
         <source>imported in part: %@: %@</source>
@@ -6802,7 +6806,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>it was given up</source>
-        <translation type="unfinished"></translation>
+        <translation>es wurde aufgegeben</translation>
     </message>
     <message>
         <source>its content has changed</source>
@@ -6826,7 +6830,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>keep a library of assets</source>
-        <translation type="unfinished"></translation>
+        <translation>eine Bibliothek von Bildern und Dokumenten führen</translation>
     </message>
     <message>
         <source>kind</source>
@@ -6902,7 +6906,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>new</source>
-        <translation type="unfinished"></translation>
+        <translation>neu</translation>
     </message>
     <message>
         <source>none</source>
@@ -7046,7 +7050,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>the Zelto that has the library “%@” open is at it; where its window asks something, answer there; Ctrl+C stops it</source>
-        <translation type="unfinished"></translation>
+        <translation>das Zelto, das die Bibliothek „%@“ geöffnet hat, ist dabei; wenn sein Fenster etwas fragt, antworten Sie dort; Strg+C hält es an</translation>
     </message>
     <message>
         <source>the argument for %@ is missing</source>
@@ -7086,7 +7090,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>the file of “%@” can't be named after it: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>die Datei von „%@“ kann nicht danach benannt werden: %@</translation>
     </message>
     <message>
         <source>the import was cancelled; nothing was kept</source>
@@ -7210,7 +7214,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>there is no report of a crash</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keinen Absturzbericht</translation>
     </message>
     <message>
         <source>there is no service “%@”; there are %@</source>
@@ -7290,7 +7294,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>waiting for the Zelto that has the library “%@” open, which does something else first; where its window asks something, answer there; Ctrl+C ends the waiting</source>
-        <translation type="unfinished"></translation>
+        <translation>es wird auf das Zelto gewartet, das die Bibliothek „%@“ geöffnet hat und zuerst etwas anderes erledigt; wenn sein Fenster etwas fragt, antworten Sie dort; Strg+C beendet das Warten</translation>
     </message>
     <message>
         <source>what unpacks it stopped</source>
@@ -7346,15 +7350,15 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” can't be read. Remove it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht gelesen werden. Entfernen Sie die Datei, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
         <source>“%@” can't be written into the backup: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht in die Sicherung geschrieben werden: %@</translation>
     </message>
     <message>
         <source>“%@” can't be written over; name another file</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ kann nicht überschrieben werden; geben Sie eine andere Datei an</translation>
     </message>
     <message>
         <source>“%@” cannot be a folder on a server.</source>
@@ -7422,7 +7426,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” could not be uploaded</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ konnte nicht hochgeladen werden</translation>
     </message>
     <message>
         <source>“%@” could not be written</source>
@@ -7434,7 +7438,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” does not accept what was entered for %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ nimmt nicht an, was für %@ eingegeben wurde.</translation>
     </message>
     <message>
         <source>“%@” does not answer. Try again later.</source>
@@ -7462,7 +7466,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” holds no picture yet</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ enthält noch kein Bild</translation>
     </message>
     <message>
         <source>“%@” holds no smart folders; name PROJECTS or a folder in it</source>
@@ -7483,6 +7487,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” in the title, the notes, the extension or a tag</source>
         <translation>„%@“ im Titel, in den Notizen, in der Endung oder in einem Schlagwort</translation>
+    </message>
+    <message>
+        <source>“%@” is a backup that can't be written.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” is a file to download and no page. Import the file instead.</source>
@@ -7546,7 +7554,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” is inside a library.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ liegt in einer Bibliothek.</translation>
     </message>
     <message>
         <source>“%@” is inside the library itself.</source>
@@ -7670,7 +7678,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” is not among the preferences that `zelto defaults read` lists; it is kept, see whether it is written right</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ gehört nicht zu den Einstellungen, die `zelto defaults read` auflistet; der Wert wird behalten, prüfen Sie die Schreibweise</translation>
     </message>
     <message>
         <source>“%@” is not known. Check how it is spelled.</source>
@@ -7686,7 +7694,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” is not the same in the backup as in the library.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist in der Sicherung nicht dasselbe wie in der Bibliothek.</translation>
     </message>
     <message>
         <source>“%@” is not there now. Look whether its disk is there, and try again.</source>
@@ -7718,11 +7726,11 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” is there already. Choose another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist bereits vorhanden. Wählen Sie einen anderen Namen.</translation>
     </message>
     <message>
         <source>“%@” is there already; with --force it is replaced</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist bereits vorhanden; mit --force wird es ersetzt</translation>
     </message>
     <message>
         <source>“%@” is too large for Imgur, which takes files of up to %d MB.</source>
@@ -7810,7 +7818,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” wants a login, of which its description says nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ verlangt eine Anmeldung, zu der die Beschreibung nichts angibt.</translation>
     </message>
     <message>
         <source>“%@” was changed meanwhile. Try again.</source>
@@ -7855,6 +7863,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” was not unpacked: %@. If you trust it, unpack it yourself and import what it holds, or raise the limit with `zelto defaults`.</source>
         <translation>„%@“ wurde nicht entpackt: %@. Wenn Sie dem Archiv vertrauen, entpacken Sie es selbst, und importieren Sie den Inhalt, oder erhöhen Sie die Grenze mit `zelto defaults`.</translation>
+    </message>
+    <message>
+        <source>“%@” was opened as a library, so that it is no backup any more, and stays.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” was put into the trash</source>

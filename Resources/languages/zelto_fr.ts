@@ -51,7 +51,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@ (package %@)</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ (paquet %@)</translation>
     </message>
     <message>
         <source>%@ Delete them in the library once that is mended.</source>
@@ -167,7 +167,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@ is on this computer or its network, where this request must not go.</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ se trouve sur cet ordinateur ou son réseau, où cette requête ne doit pas aller.</translation>
     </message>
     <message>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
@@ -190,9 +190,9 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <source>%@ links copied to clipboard!</source>
         <comment>counted</comment>
         <extracomment>for one: 1 link copied to clipboard!</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%@ lien copié dans le presse-papiers !</numerusform>
+            <numerusform>%@ liens copiés dans le presse-papiers !</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -212,9 +212,9 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <source>%@ more files were not sent.</source>
         <comment>counted</comment>
         <extracomment>for one: One more file was not sent.</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%@ autre fichier n’a pas été envoyé.</numerusform>
+            <numerusform>%@ autres fichiers n’ont pas été envoyés.</numerusform>
         </translation>
     </message>
     <message>
@@ -284,7 +284,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@ to %@</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ à %@</translation>
     </message>
     <message>
         <source>%@ took too long.</source>
@@ -296,7 +296,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@ was removed from the library while the backup was made</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ a été retiré de la bibliothèque pendant la sauvegarde</translation>
     </message>
     <message>
         <source>%@ · Copied</source>
@@ -348,7 +348,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@: %@ of %@ items</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : %@ éléments sur %@</translation>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
@@ -356,23 +356,23 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>%@: %@, %@ times</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : %@, %@ fois</translation>
     </message>
     <message>
         <source>%@: is a link, which can't be made where the backup is</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : est un lien, impossible à créer là où se trouve la sauvegarde</translation>
     </message>
     <message>
         <source>%@: is no file, and is not in the backup</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : n’est pas un fichier et ne figure pas dans la sauvegarde</translation>
     </message>
     <message>
         <source>%@: is not as it was when an older backup was made, which shares it</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : diffère de son état lors d’une sauvegarde plus ancienne, qui le partage</translation>
     </message>
     <message>
         <source>%@: the file has another name, “%@”; “zelto verify --repair” names it after its item</source>
-        <translation type="unfinished"></translation>
+        <translation>%@ : le fichier porte un autre nom, « %@ » ; « zelto verify --repair » le renomme d’après son élément</translation>
     </message>
     <message>
         <source>%@: the file is missing</source>
@@ -453,9 +453,9 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <source>%d files named after their items</source>
         <comment>counted</comment>
         <extracomment>for one: 1 file named after its item</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%d fichier renommé d’après son élément</numerusform>
+            <numerusform>%d fichiers renommés d’après leurs éléments</numerusform>
         </translation>
     </message>
     <message>
@@ -709,7 +709,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Area</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Zone</translation>
     </message>
     <message>
         <source>&amp;Ask before a row is removed</source>
@@ -717,7 +717,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Back Up Now</source>
-        <translation type="unfinished"></translation>
+        <translation>Sauvegarder &amp;maintenant</translation>
     </message>
     <message>
         <source>&amp;Bring Zelto forward</source>
@@ -733,7 +733,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Count which features are used, day by day</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Compter les fonctions utilisées, jour par jour</translation>
     </message>
     <message>
         <source>&amp;Dark</source>
@@ -753,7 +753,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Erase Counts</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Effacer les compteurs</translation>
     </message>
     <message>
         <source>&amp;Files and folders, at most</source>
@@ -765,7 +765,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Folder…</source>
-        <translation type="unfinished"></translation>
+        <translation>Doss&amp;ier…</translation>
     </message>
     <message>
         <source>&amp;Icon</source>
@@ -777,7 +777,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Keep</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Garder</translation>
     </message>
     <message>
         <source>&amp;Keep tags, notes and ratings in the files</source>
@@ -797,7 +797,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Look for new versions once a day</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Rechercher de nouvelles versions une fois par jour</translation>
     </message>
     <message>
         <source>&amp;Make a thumbnail of small pictures, too</source>
@@ -841,7 +841,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Save…</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Enregistrer…</translation>
     </message>
     <message>
         <source>&amp;Share to</source>
@@ -865,7 +865,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Start Zelto when you log in</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Démarrer Zelto à l’ouverture de session</translation>
     </message>
     <message>
         <source>&amp;Tag what is imported by color and size</source>
@@ -893,7 +893,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Window</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Fenêtre</translation>
     </message>
     <message>
         <source>&amp;Write them for the file manager, too</source>
@@ -1005,7 +1005,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>A missing file comes back from a backup: copy it to where it was, under its name. A missing thumbnail is made again when its file changes. For a damaged database, quit Zelto and run “zelto recover” in a terminal.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un fichier manquant se récupère depuis une sauvegarde : copiez-le là où il était, sous son nom. Une vignette manquante est recréée lorsque son fichier change. Si la base de données est endommagée, quittez Zelto et exécutez « zelto recover » dans un terminal.</translation>
     </message>
     <message>
         <source>A name cannot contain "/" or a null character. Please use another name.</source>
@@ -1103,7 +1103,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>ACC&amp;OUNTS</source>
-        <translation type="unfinished"></translation>
+        <translation>COMP&amp;TES</translation>
     </message>
     <message>
         <source>AFTER A SCREENSHOT</source>
@@ -1123,7 +1123,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>AT LOGIN</source>
-        <translation type="unfinished"></translation>
+        <translation>À L’OUVERTURE DE SESSION</translation>
     </message>
     <message>
         <source>AVI movie</source>
@@ -1199,7 +1199,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>All</source>
-        <translation type="unfinished"></translation>
+        <translation>Toutes</translation>
     </message>
     <message>
         <source>All Tabs</source>
@@ -1227,7 +1227,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Alt</source>
-        <translation type="unfinished"></translation>
+        <translation>Alt</translation>
     </message>
     <message>
         <source>An archive in it was left out: %@</source>
@@ -1251,11 +1251,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>An item has no folder that can be its own: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Un élément n’a pas de dossier qui puisse être le sien : %@</translation>
     </message>
     <message>
         <source>Another backup into the folder “%@” is under way.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une autre sauvegarde dans le dossier « %@ » est en cours.</translation>
     </message>
     <message>
         <source>Another file has that name. Use another name, or rename the other file.</source>
@@ -1283,7 +1283,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Any other one that is set up there does as well: a server of your own (WebDAV, Nextcloud), Dropbox, Imgur, or a service that a description file explains.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tout autre service configuré là convient aussi : un serveur à vous (WebDAV, Nextcloud), Dropbox, Imgur, ou un service décrit par un fichier de description.</translation>
     </message>
     <message>
         <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
@@ -1368,15 +1368,15 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>As `import,store`, or `all`: print how long the traced steps took.</source>
-        <translation type="unfinished"></translation>
+        <translation>Par exemple `import,store`, ou `all` : affiche la durée des étapes suivies.</translation>
     </message>
     <message>
         <source>As `zelto.*.debug=true`, which turns on the log of every subsystem.</source>
-        <translation type="unfinished"></translation>
+        <translation>Par exemple `zelto.*.debug=true`, qui active le journal de tous les sous-systèmes.</translation>
     </message>
     <message>
         <source>As it is</source>
-        <translation type="unfinished"></translation>
+        <translation>Inchangé</translation>
     </message>
     <message>
         <source>Ascending</source>
@@ -1400,7 +1400,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Ask whoever runs it for a description with the login.</source>
-        <translation type="unfinished"></translation>
+        <translation>Demandez à la personne qui le gère une description comportant les identifiants.</translation>
     </message>
     <message>
         <source>Asking CloudApp…</source>
@@ -1428,7 +1428,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>BACKUP</source>
-        <translation type="unfinished"></translation>
+        <translation>SAUVEGARDE</translation>
     </message>
     <message>
         <source>BETWEEN needs a list of two values</source>
@@ -1440,7 +1440,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Back Up Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Sauvegarder la bibliothèque…</translation>
     </message>
     <message>
         <source>Back to the items (Esc)</source>
@@ -1456,15 +1456,15 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Backing up</source>
-        <translation type="unfinished"></translation>
+        <translation>Sauvegarde</translation>
     </message>
     <message>
         <source>Backspace</source>
-        <translation type="unfinished"></translation>
+        <translation>Retour arrière</translation>
     </message>
     <message>
         <source>Backup made: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Sauvegarde effectuée : %@</translation>
     </message>
     <message>
         <source>Behind “%@” stands what to look for: %@.</source>
@@ -1484,7 +1484,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>By &amp;itself</source>
-        <translation type="unfinished"></translation>
+        <translation>A&amp;utomatiquement</translation>
     </message>
     <message>
         <source>By whole factors, so that pixels stay sharp.</source>
@@ -1500,11 +1500,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>C&amp;hange…</source>
-        <translation type="unfinished"></translation>
+        <translation>Modi&amp;fier…</translation>
     </message>
     <message>
         <source>C&amp;opy</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Copier</translation>
     </message>
     <message>
         <source>COLORS</source>
@@ -1512,7 +1512,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>CRASH REPORTS</source>
-        <translation type="unfinished"></translation>
+        <translation>RAPPORTS DE PLANTAGE</translation>
     </message>
     <message>
         <source>Camera raw image</source>
@@ -1556,7 +1556,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Capture stored</source>
-        <translation type="unfinished"></translation>
+        <translation>Capture enregistrée</translation>
     </message>
     <message>
         <source>Capture the page at “%@”?</source>
@@ -1572,11 +1572,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Check for &amp;Updates...</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher des &amp;mises à jour...</translation>
     </message>
     <message>
         <source>Check for Updates...</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher des mises à jour...</translation>
     </message>
     <message>
         <source>Check its name and where it is.</source>
@@ -1584,7 +1584,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Check its permissions, or choose another folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez ses permissions ou choisissez un autre dossier.</translation>
     </message>
     <message>
         <source>Check its permissions, or choose another library.</source>
@@ -1628,7 +1628,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Choose</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisir</translation>
     </message>
     <message>
         <source>Choose a Description</source>
@@ -1644,7 +1644,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Choose another folder, best on another disk.</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez un autre dossier, de préférence sur un autre disque.</translation>
     </message>
     <message>
         <source>Choose another library, recover it, or put back a copy from a backup.</source>
@@ -1744,11 +1744,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Connect its disk, or choose another folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Connectez son disque ou choisissez un autre dossier.</translation>
     </message>
     <message>
         <source>Connect its disk, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Connectez son disque, puis réessayez.</translation>
     </message>
     <message>
         <source>Connect the account again in the preferences, under Cloud.</source>
@@ -1782,13 +1782,17 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <source>Copy All %@ Links of the Last Upload</source>
         <comment>counted</comment>
         <extracomment>for one: Copy the Link of the Last Upload</extracomment>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Copier %@ lien du dernier envoi</numerusform>
+            <numerusform>Copier les %@ liens du dernier envoi</numerusform>
         </translation>
     </message>
     <message>
         <source>Copy Link</source>
+        <translation>Copier le lien</translation>
+    </message>
+    <message>
+        <source>Copy it to another place, and open the copy.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1805,7 +1809,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Copying the database</source>
-        <translation type="unfinished"></translation>
+        <translation>Copie de la base de données</translation>
     </message>
     <message>
         <source>Could not be read, at least: %@.</source>
@@ -1821,7 +1825,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Crash report</source>
-        <translation type="unfinished"></translation>
+        <translation>Rapport de plantage</translation>
     </message>
     <message>
         <source>Created</source>
@@ -1837,7 +1841,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Ctrl</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl</translation>
     </message>
     <message>
         <source>DISKS THAT TELL OF NO CHANGES</source>
@@ -1869,7 +1873,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Deleted and not yet removed: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimés mais pas encore effacés : %@</translation>
     </message>
     <message>
         <source>Deleting files…</source>
@@ -1905,11 +1909,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Disconnect</source>
-        <translation type="unfinished"></translation>
+        <translation>Déconnecter</translation>
     </message>
     <message>
         <source>Disconnect “%@”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Déconnecter « %@ » ?</translation>
     </message>
     <message>
         <source>Do not ask again</source>
@@ -1925,7 +1929,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Don't Look</source>
-        <translation type="unfinished"></translation>
+        <translation>Ne pas rechercher</translation>
     </message>
     <message>
         <source>Double resolution</source>
@@ -1933,7 +1937,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Bas</translation>
     </message>
     <message>
         <source>Downloading images</source>
@@ -1945,7 +1949,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Drag over an area of one screen, or press an arrow key · Esc leaves</source>
-        <translation type="unfinished"></translation>
+        <translation>Tracez une zone sur un seul écran ou appuyez sur une touche fléchée · Échap quitte</translation>
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
@@ -2005,7 +2009,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Duplicates: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Doublons : %@</translation>
     </message>
     <message>
         <source>Duplicating items…</source>
@@ -2057,7 +2061,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>End</source>
-        <translation type="unfinished"></translation>
+        <translation>Fin</translation>
     </message>
     <message>
         <source>Enter</source>
@@ -2101,11 +2105,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Every day</source>
-        <translation type="unfinished"></translation>
+        <translation>Chaque jour</translation>
     </message>
     <message>
         <source>Every week</source>
-        <translation type="unfinished"></translation>
+        <translation>Chaque semaine</translation>
     </message>
     <message>
         <source>Everything is in the library already. Choose a project or a tag.</source>
@@ -2270,7 +2274,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Dossiers</translation>
     </message>
     <message>
         <source>Folders of the disk whose files are shown here and stay where they are</source>
@@ -2406,7 +2410,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Home</source>
-        <translation type="unfinished"></translation>
+        <translation>Début</translation>
     </message>
     <message>
         <source>How files are called: {title}, {index}, {width}, {height} and {date} stand for what each file has. Empty: the title.</source>
@@ -2414,11 +2418,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>How many backups stay</source>
-        <translation type="unfinished"></translation>
+        <translation>Nombre de sauvegardes à garder</translation>
     </message>
     <message>
         <source>How often a backup is made by itself</source>
-        <translation type="unfinished"></translation>
+        <translation>Fréquence des sauvegardes automatiques</translation>
     </message>
     <message>
         <source>IN FILES</source>
@@ -2438,11 +2442,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>If it has no encryption, write http:// before its address.</source>
-        <translation type="unfinished"></translation>
+        <translation>S’il n’est pas chiffré, écrivez http:// devant son adresse.</translation>
     </message>
     <message>
         <source>If there is a keyring, it stays there: remove what is named “%@” in the desktop's program for passwords.</source>
-        <translation type="unfinished"></translation>
+        <translation>S’il existe un trousseau, il y reste : supprimez l’entrée « %@ » dans le programme de mots de passe du bureau.</translation>
     </message>
     <message>
         <source>Illustrator image</source>
@@ -2466,15 +2470,15 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Imgur does not accept the Client ID. Enter the right one in the preferences, under Cloud.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur n’accepte pas le Client ID. Indiquez le bon dans les préférences, sous Cloud.</translation>
     </message>
     <message>
         <source>Imgur refuses the upload. Look in the preferences, under Cloud, whether the Client ID is the right one, and whether Imgur takes files of this kind.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur refuse l’envoi. Vérifiez dans les préférences, sous Cloud, que le Client ID est le bon, et qu’Imgur accepte les fichiers de ce type.</translation>
     </message>
     <message>
         <source>Imgur takes no more uploads with this Client ID for now.</source>
-        <translation type="unfinished"></translation>
+        <translation>Imgur n’accepte plus d’envois avec ce Client ID pour le moment.</translation>
     </message>
     <message>
         <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
@@ -2518,7 +2522,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Import its description again in the preferences, under Cloud, and enter it anew.</source>
-        <translation type="unfinished"></translation>
+        <translation>Importez de nouveau sa description dans les préférences, sous Cloud, et saisissez de nouveau ce qu’elle demande.</translation>
     </message>
     <message>
         <source>Import operation successful</source>
@@ -2542,7 +2546,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Imported in</source>
-        <translation type="unfinished"></translation>
+        <translation>Importés en</translation>
     </message>
     <message>
         <source>Importing %@ of %@</source>
@@ -2586,7 +2590,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>In live folders: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Dans les dossiers actifs : %@</translation>
     </message>
     <message>
         <source>In no project</source>
@@ -2618,7 +2622,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Insert</source>
-        <translation type="unfinished"></translation>
+        <translation>Inser</translation>
     </message>
     <message>
         <source>Install one, such as GNOME Keyring or KWallet, log in to the desktop again, and try once more. Nothing was stored.</source>
@@ -2634,7 +2638,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>It asks its makers' server once a day which version is the newest. Nothing about you or your library is sent, and nothing is installed by itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>Une fois par jour, Zelto demande au serveur de ses auteurs quelle est la version la plus récente. Rien sur vous ni sur votre bibliothèque n’est envoyé, et rien ne s’installe tout seul.</translation>
     </message>
     <message>
         <source>It belongs to the system. Add the folders with your pictures instead.</source>
@@ -2646,7 +2650,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>It can't be read: see who may.</source>
-        <translation type="unfinished"></translation>
+        <translation>Lecture impossible : vérifiez qui y est autorisé.</translation>
     </message>
     <message>
         <source>It cannot be read. Allow reading it, then add it again.</source>
@@ -2742,7 +2746,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>It is in Screenshots.</source>
-        <translation type="unfinished"></translation>
+        <translation>Elle se trouve dans « Captures d’écran ».</translation>
     </message>
     <message>
         <source>It is in the trash. Restore it first.</source>
@@ -2858,11 +2862,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Items: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Éléments : %@</translation>
     </message>
     <message>
         <source>Items: %@, files: %@, size: %@, of which new: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Éléments : %@, fichiers : %@, taille : %@, dont nouveau : %@</translation>
     </message>
     <message>
         <source>Its Info.plist is damaged. Get the snap once more, or import the picture in it alone.</source>
@@ -2986,7 +2990,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Its stored password is forgotten. What was uploaded stays where it is, and its links go on working.</source>
-        <translation type="unfinished"></translation>
+        <translation>Son mot de passe enregistré est oublié. Ce qui a été envoyé reste où il est, et ses liens continuent de fonctionner.</translation>
     </message>
     <message>
         <source>JPEG 2000 image</source>
@@ -3038,7 +3042,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Kinds</source>
-        <translation type="unfinished"></translation>
+        <translation>Types</translation>
     </message>
     <message>
         <source>Krita document</source>
@@ -3066,7 +3070,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Largest files</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers les plus volumineux</translation>
     </message>
     <message>
         <source>Last Import</source>
@@ -3102,7 +3106,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Left</source>
-        <translation type="unfinished"></translation>
+        <translation>Gauche</translation>
     </message>
     <message>
         <source>Left out was %@.</source>
@@ -3114,11 +3118,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Library Statistics</source>
-        <translation type="unfinished"></translation>
+        <translation>Statistiques de la bibliothèque</translation>
     </message>
     <message>
         <source>Library Statistics…</source>
-        <translation type="unfinished"></translation>
+        <translation>Statistiques de la bibliothèque…</translation>
     </message>
     <message>
         <source>License</source>
@@ -3182,7 +3186,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Look Once a Day</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechercher chaque jour</translation>
     </message>
     <message>
         <source>Look at its permissions.</source>
@@ -3214,11 +3218,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Look whether its address in the preferences, under Cloud, is the right one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez que son adresse dans les préférences, sous Cloud, est la bonne.</translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
-        <translation type="unfinished"></translation>
+        <translation>Examen de la taille des fichiers…</translation>
     </message>
     <message>
         <source>Looking at the store…</source>
@@ -3226,7 +3230,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Looking at what changed</source>
-        <translation type="unfinished"></translation>
+        <translation>Examen des modifications</translation>
     </message>
     <message>
         <source>Lower, as high or higher</source>
@@ -3282,7 +3286,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>May Zelto look for new versions?</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto peut-il rechercher de nouvelles versions ?</translation>
     </message>
     <message>
         <source>Media</source>
@@ -3302,7 +3306,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Missing files: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Fichiers manquants : %@</translation>
     </message>
     <message>
         <source>Modification date</source>
@@ -3358,7 +3362,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>NEW VERSIONS</source>
-        <translation type="unfinished"></translation>
+        <translation>NOUVELLES VERSIONS</translation>
     </message>
     <message>
         <source>NOTES</source>
@@ -3378,7 +3382,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Never</source>
-        <translation type="unfinished"></translation>
+        <translation>Jamais</translation>
     </message>
     <message>
         <source>New</source>
@@ -3462,11 +3466,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>No backup was made. %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune sauvegarde n’a été effectuée. %@</translation>
     </message>
     <message>
         <source>No folder was chosen.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucun dossier n’a été choisi.</translation>
     </message>
     <message>
         <source>No item directory can be made in the library. Check that the library can be written and has space left.</source>
@@ -3474,7 +3478,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>No key came with it: the desktop keeps such keys for itself. Take another one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aucune touche n’a été reçue : le bureau se réserve les touches de ce genre. Choisissez-en une autre.</translation>
     </message>
     <message>
         <source>No keys</source>
@@ -3562,11 +3566,11 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Nothing about you or your library is sent, and nothing is installed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien sur vous ni sur votre bibliothèque n’est envoyé, et rien n’est installé.</translation>
     </message>
     <message>
         <source>Nothing can be written into the folder “%@”.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible d’écrire dans le dossier « %@ ».</translation>
     </message>
     <message>
         <source>Nothing could be read from the damaged library, which is kept as %@
@@ -3618,7 +3622,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Nothing was counted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Rien n’a été compté.</translation>
     </message>
     <message>
         <source>Nothing was taken from “%@”, since you said no a moment ago. Try again in a few seconds.</source>
@@ -3626,7 +3630,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Numbers of the library</source>
-        <translation type="unfinished"></translation>
+        <translation>Chiffres de la bibliothèque</translation>
     </message>
     <message>
         <source>OK</source>
@@ -3650,11 +3654,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Older backup removed: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Ancienne sauvegarde supprimée : %@</translation>
     </message>
     <message>
         <source>One on each line. After several files the clipboard holds the link of the last.</source>
-        <translation type="unfinished"></translation>
+        <translation>Un par ligne. Après plusieurs fichiers, le presse-papiers contient le lien du dernier.</translation>
     </message>
     <message>
         <source>Only a part of the picture is there.</source>
@@ -3662,7 +3666,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Only data goes to standard output; errors go to standard error.</source>
-        <translation type="unfinished"></translation>
+        <translation>Seules les données vont sur la sortie standard ; les erreurs vont sur la sortie d’erreur.</translation>
     </message>
     <message>
         <source>Only the first %@ files can go to another program at once</source>
@@ -3682,11 +3686,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Open Cloud Preferences…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir les préférences du cloud…</translation>
     </message>
     <message>
         <source>Open Download Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Ouvrir la page de téléchargement</translation>
     </message>
     <message>
         <source>Open Library…</source>
@@ -3786,15 +3790,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Page Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Page suivante</translation>
     </message>
     <message>
         <source>Page Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Page précédente</translation>
     </message>
     <message>
         <source>Pages are not at that port: see whether the address is written right.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas de pages à ce port : vérifiez que l’adresse est correcte.</translation>
     </message>
     <message>
         <source>Panes</source>
@@ -3814,7 +3818,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Pause</source>
-        <translation type="unfinished"></translation>
+        <translation>Pause</translation>
     </message>
     <message>
         <source>Pause (P)</source>
@@ -3862,7 +3866,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Please choose the folder for backups</source>
-        <translation type="unfinished"></translation>
+        <translation>Choisissez le dossier des sauvegardes</translation>
     </message>
     <message>
         <source>Please choose the library that you want to open</source>
@@ -3934,15 +3938,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Print</source>
-        <translation type="unfinished"></translation>
+        <translation>Impr. écran</translation>
     </message>
     <message>
         <source>Privacy</source>
-        <translation type="unfinished"></translation>
+        <translation>Confidentialité</translation>
     </message>
     <message>
         <source>Progress of the backup</source>
-        <translation type="unfinished"></translation>
+        <translation>Progression de la sauvegarde</translation>
     </message>
     <message>
         <source>Project</source>
@@ -4002,7 +4006,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Quit Zelto and run `zelto recover`; older backups are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Quittez Zelto et exécutez `zelto recover` ; les anciennes sauvegardes sont intactes.</translation>
     </message>
     <message>
         <source>Quit Zelto, then recover it.</source>
@@ -4050,7 +4054,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Reading the backup again</source>
-        <translation type="unfinished"></translation>
+        <translation>Relecture de la sauvegarde</translation>
     </message>
     <message>
         <source>Reading…</source>
@@ -4138,7 +4142,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Remove something there, as old backups, or choose another disk.</source>
-        <translation type="unfinished"></translation>
+        <translation>Supprimez-y quelque chose, comme d’anciennes sauvegardes, ou choisissez un autre disque.</translation>
     </message>
     <message>
         <source>Remove the tag %@</source>
@@ -4170,11 +4174,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Report copied to clipboard!</source>
-        <translation type="unfinished"></translation>
+        <translation>Rapport copié dans le presse-papiers !</translation>
     </message>
     <message>
         <source>Report sent. Thank you!</source>
-        <translation type="unfinished"></translation>
+        <translation>Rapport envoyé. Merci !</translation>
     </message>
     <message>
         <source>Restoring items…</source>
@@ -4182,11 +4186,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Return</source>
-        <translation type="unfinished"></translation>
+        <translation>Entrée</translation>
     </message>
     <message>
         <source>Return takes it · Esc leaves · arrows move, Shift by 10, Ctrl resizes</source>
-        <translation type="unfinished"></translation>
+        <translation>Entrée capture · Échap quitte · les flèches déplacent, Maj par 10, Ctrl redimensionne</translation>
     </message>
     <message>
         <source>Rich text document</source>
@@ -4194,7 +4198,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Right</source>
-        <translation type="unfinished"></translation>
+        <translation>Droite</translation>
     </message>
     <message>
         <source>SHA-1</source>
@@ -4226,7 +4230,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Save Report</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer le rapport</translation>
     </message>
     <message>
         <source>Save Search</source>
@@ -4238,11 +4242,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Save an &amp;Example…</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer un &amp;exemple…</translation>
     </message>
     <message>
         <source>Save an Example</source>
-        <translation type="unfinished"></translation>
+        <translation>Enregistrer un exemple</translation>
     </message>
     <message>
         <source>Save the search as a smart folder (Ctrl+S)</source>
@@ -4298,7 +4302,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>See whether the address is written right.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifiez que l’adresse est correcte.</translation>
     </message>
     <message>
         <source>Select All</source>
@@ -4318,11 +4322,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Sen&amp;d</source>
-        <translation type="unfinished"></translation>
+        <translation>En&amp;voyer</translation>
     </message>
     <message>
         <source>Services</source>
-        <translation type="unfinished"></translation>
+        <translation>Services</translation>
     </message>
     <message>
         <source>Set up…</source>
@@ -4354,7 +4358,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Sharing done</source>
-        <translation type="unfinished"></translation>
+        <translation>Partage terminé</translation>
     </message>
     <message>
         <source>Sharing…</source>
@@ -4362,7 +4366,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Shift</source>
-        <translation type="unfinished"></translation>
+        <translation>Maj</translation>
     </message>
     <message>
         <source>Show</source>
@@ -4370,7 +4374,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Show &amp;Zelto</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Afficher Zelto</translation>
     </message>
     <message>
         <source>Show &amp;titles below thumbnails</source>
@@ -4386,7 +4390,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Show Last &amp;Report…</source>
-        <translation type="unfinished"></translation>
+        <translation>Afficher le dernier &amp;rapport…</translation>
     </message>
     <message>
         <source>Show Library in Files</source>
@@ -4430,7 +4434,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Shows every name and what it means.</source>
-        <translation type="unfinished"></translation>
+        <translation>Affiche chaque nom et ce qu’il signifie.</translation>
     </message>
     <message>
         <source>Sidebar</source>
@@ -4458,11 +4462,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Size of the originals: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille des originaux : %@</translation>
     </message>
     <message>
         <source>Size of the thumbnails: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille des vignettes : %@</translation>
     </message>
     <message>
         <source>Sketch document</source>
@@ -4470,7 +4474,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Skip This Version</source>
-        <translation type="unfinished"></translation>
+        <translation>Ignorer cette version</translation>
     </message>
     <message>
         <source>Smaller Thumbnails</source>
@@ -4530,7 +4534,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Start the one it was kept in, such as GNOME Keyring or KWallet, or log in to the desktop again, and try once more.</source>
-        <translation type="unfinished"></translation>
+        <translation>Démarrez celui où il était conservé, comme GNOME Keyring ou KWallet, ou rouvrez votre session, puis réessayez.</translation>
     </message>
     <message>
         <source>Starting the browser…</source>
@@ -4542,7 +4546,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Stop &amp;Backup</source>
-        <translation type="unfinished"></translation>
+        <translation>Arrêter la &amp;sauvegarde</translation>
     </message>
     <message>
         <source>Stop Import</source>
@@ -4566,7 +4570,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Super</source>
-        <translation type="unfinished"></translation>
+        <translation>Super</translation>
     </message>
     <message>
         <source>Supported files (%@)</source>
@@ -4622,7 +4626,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab</translation>
     </message>
     <message>
         <source>Tab %d</source>
@@ -4678,7 +4682,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Take part in &amp;beta versions</source>
-        <translation type="unfinished"></translation>
+        <translation>Participer aux versions &amp;bêta</translation>
     </message>
     <message>
         <source>Take the &amp;keywords of pictures as tags</source>
@@ -4734,7 +4738,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The account is forgotten, but its stored password cannot be reached.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le compte est oublié, mais son mot de passe enregistré est inaccessible.</translation>
     </message>
     <message>
         <source>The address is too long for a web page.</source>
@@ -4746,19 +4750,19 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The announcement of versions is for another program or channel. Check again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’annonce des versions est destinée à un autre programme ou canal. Vérifiez de nouveau plus tard.</translation>
     </message>
     <message>
         <source>The announcement of versions is not signed by Zelto's makers, so nothing it says was believed. Check again from another network; if that changes nothing, tell the makers.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’annonce des versions n’est pas signée par les auteurs de Zelto ; il n’en a donc pas été tenu compte. Vérifiez de nouveau depuis un autre réseau ; si cela ne change rien, prévenez les auteurs.</translation>
     </message>
     <message>
         <source>The announcement of versions is older than the last one that came, so nothing it says was believed. Check again later, or from another network.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’annonce des versions est plus ancienne que la dernière reçue ; il n’en a donc pas été tenu compte. Vérifiez de nouveau plus tard ou depuis un autre réseau.</translation>
     </message>
     <message>
         <source>The answer of %@ is larger than one that tells of an upload.</source>
-        <translation type="unfinished"></translation>
+        <translation>La réponse de %@ est plus grande que celle qui signale un envoi.</translation>
     </message>
     <message>
         <source>The answer of Dropbox cannot be understood.</source>
@@ -4786,15 +4790,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The backup lacks something: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Il manque quelque chose à la sauvegarde : %@</translation>
     </message>
     <message>
         <source>The backup needs %@ in “%@”, where %@ are free.</source>
-        <translation type="unfinished"></translation>
+        <translation>La sauvegarde nécessite %@ dans « %@ », où %@ sont libres.</translation>
     </message>
     <message>
         <source>The backup was stopped. Older ones are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>La sauvegarde a été arrêtée. Les précédentes sont intactes.</translation>
     </message>
     <message>
         <source>The browser can't capture this page.</source>
@@ -4802,7 +4806,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The browser can't load it; try again later, or in another browser (%@).</source>
-        <translation type="unfinished"></translation>
+        <translation>Le navigateur ne peut pas la charger ; réessayez plus tard ou dans un autre navigateur (%@).</translation>
     </message>
     <message>
         <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
@@ -4830,7 +4834,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The captured picture is in the library.</source>
-        <translation type="unfinished"></translation>
+        <translation>L’image capturée est dans la bibliothèque.</translation>
     </message>
     <message>
         <source>The changes cannot be saved.</source>
@@ -4850,23 +4854,23 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The counts of “%@” are damaged. Erase them to go on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les compteurs de « %@ » sont endommagés. Effacez-les pour continuer.</translation>
     </message>
     <message>
         <source>The counts of “%@” could not be erased: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Les compteurs de « %@ » n’ont pas pu être effacés : %@</translation>
     </message>
     <message>
         <source>The counts of “%@” could not be read: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Les compteurs de « %@ » n’ont pas pu être lus : %@</translation>
     </message>
     <message>
         <source>The counts of “%@” could not be written. Another Zelto may be at it, or the folder can't be written in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les compteurs de « %@ » n’ont pas pu être écrits. Un autre Zelto y travaille peut-être, ou le dossier n’est pas accessible en écriture.</translation>
     </message>
     <message>
         <source>The counts stay on this machine. Here is all there is:</source>
-        <translation type="unfinished"></translation>
+        <translation>Les compteurs restent sur cette machine. En voici la totalité :</translation>
     </message>
     <message>
         <source>The damaged store is kept as %@</source>
@@ -4882,7 +4886,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The desktop did not allow it. Its settings say which programs may start by themselves.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le bureau ne l’a pas autorisé. Ses paramètres indiquent quels programmes peuvent démarrer automatiquement.</translation>
     </message>
     <message>
         <source>The desktop did not give these keys. Choose them in the desktop's keyboard settings.</source>
@@ -4906,7 +4910,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque ne peut pas partager de fichiers entre les sauvegardes ; chacune occupe donc la place de toute la bibliothèque.</translation>
     </message>
     <message>
         <source>The disk is full. Free some space and import it again.</source>
@@ -4918,7 +4922,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The disk may be failing; use another one. Older backups are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque est peut-être défaillant ; utilisez-en un autre. Les anciennes sauvegardes sont intactes.</translation>
     </message>
     <message>
         <source>The disk reported an error while the library was used.</source>
@@ -4930,7 +4934,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The disk takes no files of that size or that name, as those with the file system FAT; choose a folder on one with ext4, Btrfs or XFS.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le disque n’accepte pas les fichiers de cette taille ou de ce nom, comme ceux au système de fichiers FAT ; choisissez un dossier sur un disque en ext4, Btrfs ou XFS.</translation>
     </message>
     <message>
         <source>The disk with the temporary files is full. Free some space, or name another folder for them in TMPDIR, and import it again.</source>
@@ -5014,7 +5018,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The first of these that is set up: CloudApp, Dropbox, Imgur, your own server, the others. Now: %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le premier de ceux-ci qui est configuré : CloudApp, Dropbox, Imgur, votre serveur, les autres. Actuellement : %@.</translation>
     </message>
     <message>
         <source>The folder cannot be opened. Change its permissions and import it again</source>
@@ -5038,7 +5042,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The folder “%@” could not be made</source>
-        <translation type="unfinished"></translation>
+        <translation>Le dossier « %@ » n’a pas pu être créé</translation>
     </message>
     <message>
         <source>The folder “%@” is in the trash. Put it back, and its items come back with it.</source>
@@ -5094,7 +5098,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>La dernière : %@, %@, dont nouveau : %@</translation>
     </message>
     <message>
         <source>The last seven days</source>
@@ -5166,7 +5170,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library is inside “%@” itself.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque se trouve elle-même dans « %@ ».</translation>
     </message>
     <message>
         <source>The library is inside “%@”, which it would replace.</source>
@@ -5226,7 +5230,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library “%@” is not there any more.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque « %@ » n’est plus là.</translation>
     </message>
     <message>
         <source>The library's database cannot be opened.</source>
@@ -5242,7 +5246,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library's database is damaged: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>La base de données de la bibliothèque est endommagée : %@</translation>
     </message>
     <message>
         <source>The library's database reported an error.</source>
@@ -5250,7 +5254,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The library, unless another one was chosen; ~/.local/share without the variable.</source>
-        <translation type="unfinished"></translation>
+        <translation>La bibliothèque, sauf si une autre a été choisie ; ~/.local/share sans la variable.</translation>
     </message>
     <message>
         <source>The live folder is not in the sidebar any more. Choose another one.</source>
@@ -5278,7 +5282,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The network changed meanwhile. Try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le réseau a changé entre-temps. Réessayez.</translation>
     </message>
     <message>
         <source>The original folders will still remain on your disk.</source>
@@ -5382,7 +5386,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The preferences, which `zelto defaults` reads and changes; ~/.config without the variable.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les préférences, que `zelto defaults` lit et modifie ; ~/.config sans la variable.</translation>
     </message>
     <message>
         <source>The program "zelto-render" that draws pictures can't be started: %@.</source>
@@ -5418,11 +5422,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The report could not be removed: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Le rapport n’a pas pu être supprimé : %@</translation>
     </message>
     <message>
         <source>The report was not sent: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Le rapport n’a pas été envoyé : %@</translation>
     </message>
     <message>
         <source>The request cannot be carried out.</source>
@@ -5446,7 +5450,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The server answered with an error (%d); this is the page it sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur a répondu par une erreur (%d) ; voici la page qu’il a envoyée.</translation>
     </message>
     <message>
         <source>The server broke off the connection.</source>
@@ -5454,7 +5458,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The server can't be spoken with safely.</source>
-        <translation type="unfinished"></translation>
+        <translation>Impossible de communiquer avec le serveur de façon sûre.</translation>
     </message>
     <message>
         <source>The server did not answer in time.</source>
@@ -5462,15 +5466,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The server of the announcements leads to an address that is not encrypted, which Zelto does not go to. Check again later.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur des annonces mène à une adresse non chiffrée, que Zelto ne consulte pas. Vérifiez de nouveau plus tard.</translation>
     </message>
     <message>
         <source>The server of the reports leads to an address that is not encrypted. Nothing was sent.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur des rapports mène à une adresse non chiffrée. Rien n’a été envoyé.</translation>
     </message>
     <message>
         <source>The server says that it has no such page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur indique qu’il n’a pas cette page.</translation>
     </message>
     <message>
         <source>The server sends on to “%@”, for which the passwords are not meant.</source>
@@ -5482,7 +5486,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The server sent a page of text in place of the picture.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le serveur a envoyé une page de texte au lieu de l’image.</translation>
     </message>
     <message>
         <source>The server sent nothing.</source>
@@ -5526,7 +5530,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The stored password cannot be reached: there is no keyring.</source>
-        <translation type="unfinished"></translation>
+        <translation>Le mot de passe enregistré est inaccessible : il n’y a pas de trousseau.</translation>
     </message>
     <message>
         <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
@@ -5614,7 +5618,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is no backup of this library in that folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce dossier ne contient aucune sauvegarde de cette bibliothèque.</translation>
     </message>
     <message>
         <source>There is no connection to the internet.</source>
@@ -5638,7 +5642,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is no folder “%@” for backups.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas de dossier « %@ » pour les sauvegardes.</translation>
     </message>
     <message>
         <source>There is no folder “%@”. Choose another one, or look whether its disk is there.</source>
@@ -5714,7 +5718,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is no way to that server: see whether the network is there.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce serveur est injoignable : vérifiez que le réseau fonctionne.</translation>
     </message>
     <message>
         <source>There is no window to take · Esc leaves</source>
@@ -5734,7 +5738,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>There is not enough memory.</source>
-        <translation type="unfinished"></translation>
+        <translation>Il n’y a pas assez de mémoire.</translation>
     </message>
     <message>
         <source>There is not enough room on the disk to save.</source>
@@ -5786,7 +5790,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>This Zelto was built without an address that announces new versions. Look where you got it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce Zelto a été compilé sans adresse annonçant les nouvelles versions. Cherchez là où vous l’avez obtenu.</translation>
     </message>
     <message>
         <source>This bracket closes nothing.</source>
@@ -5842,11 +5846,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>This is the whole report. It says where in the program it happened, and nothing of your library. Copy or save it to pass it on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Voici le rapport complet. Il indique où l’incident s’est produit dans le programme, et rien de votre bibliothèque. Copiez-le ou enregistrez-le pour le transmettre.</translation>
     </message>
     <message>
         <source>This is the whole report. It says where in the program it happened, and nothing of your library. It is sent only if you send it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Voici le rapport complet. Il indique où l’incident s’est produit dans le programme, et rien de votre bibliothèque. Il n’est envoyé que si vous l’envoyez.</translation>
     </message>
     <message>
         <source>This key can't be used. Take a letter, a digit or a function key.</source>
@@ -5958,7 +5962,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>USAGE</source>
-        <translation type="unfinished"></translation>
+        <translation>UTILISATION</translation>
     </message>
     <message>
         <source>Undo</source>
@@ -5982,7 +5986,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Haut</translation>
     </message>
     <message>
         <source>Update Search</source>
@@ -6014,7 +6018,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Use It for Sharin&amp;g</source>
-        <translation type="unfinished"></translation>
+        <translation>Utiliser pour parta&amp;ger</translation>
     </message>
     <message>
         <source>Use This Folder</source>
@@ -6038,7 +6042,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Verify Library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Vérifier la bibliothèque…</translation>
     </message>
     <message>
         <source>View</source>
@@ -6058,7 +6062,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Wait until it is done, then try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Attendez la fin de l’opération, puis réessayez.</translation>
     </message>
     <message>
         <source>Wait until tomorrow or upgrade your CloudApp account.</source>
@@ -6066,7 +6070,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Waiting for the keyring…</source>
-        <translation type="unfinished"></translation>
+        <translation>En attente du trousseau…</translation>
     </message>
     <message>
         <source>Waiting for you to allow it in the web browser…</source>
@@ -6102,7 +6106,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>What a description says</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce que dit une description</translation>
     </message>
     <message>
         <source>What a page sent is too long. Choose fewer images.</source>
@@ -6110,7 +6114,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>What came is no announcement of versions. If you are in a network that asks for a login first, log in and check again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été reçu n’est pas une annonce de versions. Si votre réseau demande d’abord de s’identifier, identifiez-vous, puis vérifiez de nouveau.</translation>
     </message>
     <message>
         <source>What is captured</source>
@@ -6134,7 +6138,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>What was counted</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui a été compté</translation>
     </message>
     <message>
         <source>What was found</source>
@@ -6162,15 +6166,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Lorsque Zelto se termine de façon inattendue, il conserve un rapport et l’affiche à sa réouverture. Les cinq derniers sont conservés. Un rapport ne contient rien de votre bibliothèque et n’est envoyé que si vous l’envoyez.</translation>
     </message>
     <message>
         <source>Where backups are put; best on another disk</source>
-        <translation type="unfinished"></translation>
+        <translation>Emplacement des sauvegardes ; de préférence sur un autre disque</translation>
     </message>
     <message>
         <source>Where everything is kept that the program writes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Emplacement de tout ce que le programme écrit.</translation>
     </message>
     <message>
         <source>Whole Screen</source>
@@ -6182,7 +6186,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Whole scr&amp;een</source>
-        <translation type="unfinished"></translation>
+        <translation>É&amp;cran entier</translation>
     </message>
     <message>
         <source>Width</source>
@@ -6214,15 +6218,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Without a command the window opens, with the files that are named. A command does one thing and exits; when a window has the library open, it runs in the window's process, so that two processes never write one library.</source>
-        <translation type="unfinished"></translation>
+        <translation>Sans commande, la fenêtre s’ouvre avec les fichiers indiqués. Une commande fait une seule chose, puis se termine ; si une fenêtre a ouvert la bibliothèque, elle s’exécute dans le processus de cette fenêtre, afin que deux processus n’écrivent jamais dans une même bibliothèque.</translation>
     </message>
     <message>
         <source>Without a rating: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Sans note : %@</translation>
     </message>
     <message>
         <source>Without a tag: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>Sans mot-clé : %@</translation>
     </message>
     <message>
         <source>Without its window Zelto takes no pictures of the screen.</source>
@@ -6270,7 +6274,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>You have %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Vous avez %@.</translation>
     </message>
     <message>
         <source>You have exceded your maximum daily upload limit</source>
@@ -6326,15 +6330,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto %@ is the newest version.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto %@ est la version la plus récente.</translation>
     </message>
     <message>
         <source>Zelto %@ is there</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto %@ est disponible</translation>
     </message>
     <message>
         <source>Zelto %@ is there; this is %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto %@ est disponible ; vous utilisez %@.</translation>
     </message>
     <message>
         <source>Zelto can copy everything that can still be read into a new store. The damaged one is kept beside it.</source>
@@ -6346,11 +6350,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto could not look for new versions</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto n’a pas pu rechercher de nouvelles versions</translation>
     </message>
     <message>
         <source>Zelto does not look for new versions</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto ne recherche pas de nouvelles versions</translation>
     </message>
     <message>
         <source>Zelto ended before all files were in the library. It can go on with those that are missing. What is in the library stays there either way.</source>
@@ -6358,7 +6362,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto ended unexpectedly</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto s’est terminé de façon inattendue</translation>
     </message>
     <message>
         <source>Zelto has the library in use but not open: answer what it asks, then try again</source>
@@ -6382,11 +6386,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto is there when you have logged in.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto est là dès que votre session est ouverte.</translation>
     </message>
     <message>
         <source>Zelto is up to date</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto est à jour</translation>
     </message>
     <message>
         <source>Zelto is uploading files</source>
@@ -6410,7 +6414,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Zelto was installed by %@, which brings new versions, too.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zelto a été installé par %@, qui fournit aussi les nouvelles versions.</translation>
     </message>
     <message>
         <source>Zelto was quit before it could be imported. Import it again.</source>
@@ -6538,7 +6542,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>an error, in which case nothing was changed; a change of many items that fails or is cancelled keeps what was done before that</source>
-        <translation type="unfinished"></translation>
+        <translation>une erreur, auquel cas rien n’a été modifié ; une modification de nombreux éléments qui échoue ou est annulée conserve ce qui a été fait auparavant</translation>
     </message>
     <message>
         <source>an unknown character "%@"</source>
@@ -6646,11 +6650,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>done in part, or something was found: `verify` or `backup` found something wrong, `updates check` knows a newer version, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
-        <translation type="unfinished"></translation>
+        <translation>fait en partie, ou quelque chose a été trouvé : `verify` ou `backup` a trouvé un problème, `updates check` connaît une version plus récente, `recover` a rencontré une bibliothèque ouverte, `snap` a été annulé, une partie de ce qui était demandé à `export`, `share` ou `download` manque, ou un import a été interrompu, que `zelto import --resume` reprend</translation>
     </message>
     <message>
         <source>done; for `verify`, nothing wrong was found</source>
-        <translation type="unfinished"></translation>
+        <translation>fait ; pour `verify`, aucun problème n’a été trouvé</translation>
     </message>
     <message>
         <source>duplicate items</source>
@@ -6726,7 +6730,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>images on this computer or in its own network come only for a page that is there, too: write --page with its address, as --page http://127.0.0.1/</source>
-        <translation type="unfinished"></translation>
+        <translation>les images de cet ordinateur ou de son propre réseau ne sont fournies que pour une page qui s’y trouve aussi : écrivez --page avec son adresse, par exemple --page http://127.0.0.1/</translation>
     </message>
     <message>
         <source>imported in part: %@: %@</source>
@@ -6802,7 +6806,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>it was given up</source>
-        <translation type="unfinished"></translation>
+        <translation>l’opération a été abandonnée</translation>
     </message>
     <message>
         <source>its content has changed</source>
@@ -6826,7 +6830,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>keep a library of assets</source>
-        <translation type="unfinished"></translation>
+        <translation>gérer une bibliothèque de ressources</translation>
     </message>
     <message>
         <source>kind</source>
@@ -6902,7 +6906,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>new</source>
-        <translation type="unfinished"></translation>
+        <translation>nouveau</translation>
     </message>
     <message>
         <source>none</source>
@@ -7046,7 +7050,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>the Zelto that has the library “%@” open is at it; where its window asks something, answer there; Ctrl+C stops it</source>
-        <translation type="unfinished"></translation>
+        <translation>le Zelto qui a ouvert la bibliothèque « %@ » s’en occupe ; si sa fenêtre pose une question, répondez-y là ; Ctrl+C l’arrête</translation>
     </message>
     <message>
         <source>the argument for %@ is missing</source>
@@ -7086,7 +7090,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>the file of “%@” can't be named after it: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>le fichier de « %@ » ne peut pas être renommé d’après lui : %@</translation>
     </message>
     <message>
         <source>the import was cancelled; nothing was kept</source>
@@ -7210,7 +7214,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>there is no report of a crash</source>
-        <translation type="unfinished"></translation>
+        <translation>il n’y a aucun rapport de plantage</translation>
     </message>
     <message>
         <source>there is no service “%@”; there are %@</source>
@@ -7290,7 +7294,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>waiting for the Zelto that has the library “%@” open, which does something else first; where its window asks something, answer there; Ctrl+C ends the waiting</source>
-        <translation type="unfinished"></translation>
+        <translation>en attente du Zelto qui a ouvert la bibliothèque « %@ » et fait d’abord autre chose ; si sa fenêtre pose une question, répondez-y là ; Ctrl+C met fin à l’attente</translation>
     </message>
     <message>
         <source>what unpacks it stopped</source>
@@ -7346,15 +7350,15 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” can't be read. Remove it, and try again.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est illisible. Supprimez-le, puis réessayez.</translation>
     </message>
     <message>
         <source>“%@” can't be written into the backup: %@</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être écrit dans la sauvegarde : %@</translation>
     </message>
     <message>
         <source>“%@” can't be written over; name another file</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne peut pas être remplacé ; indiquez un autre fichier</translation>
     </message>
     <message>
         <source>“%@” cannot be a folder on a server.</source>
@@ -7422,7 +7426,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” could not be uploaded</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’a pas pu être envoyé</translation>
     </message>
     <message>
         <source>“%@” could not be written</source>
@@ -7434,7 +7438,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” does not accept what was entered for %@.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’accepte pas ce qui a été saisi pour %@.</translation>
     </message>
     <message>
         <source>“%@” does not answer. Try again later.</source>
@@ -7462,7 +7466,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” holds no picture yet</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne contient encore aucune image</translation>
     </message>
     <message>
         <source>“%@” holds no smart folders; name PROJECTS or a folder in it</source>
@@ -7483,6 +7487,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” in the title, the notes, the extension or a tag</source>
         <translation>« %@ » dans le titre, les remarques, l’extension ou un mot-clé</translation>
+    </message>
+    <message>
+        <source>“%@” is a backup that can't be written.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” is a file to download and no page. Import the file instead.</source>
@@ -7546,7 +7554,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is inside a library.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » se trouve dans une bibliothèque.</translation>
     </message>
     <message>
         <source>“%@” is inside the library itself.</source>
@@ -7670,7 +7678,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is not among the preferences that `zelto defaults read` lists; it is kept, see whether it is written right</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » ne figure pas parmi les préférences que `zelto defaults read` énumère ; elle est conservée, vérifiez qu’elle est bien écrite</translation>
     </message>
     <message>
         <source>“%@” is not known. Check how it is spelled.</source>
@@ -7686,7 +7694,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is not the same in the backup as in the library.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » n’est pas identique dans la sauvegarde et dans la bibliothèque.</translation>
     </message>
     <message>
         <source>“%@” is not there now. Look whether its disk is there, and try again.</source>
@@ -7718,11 +7726,11 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is there already. Choose another name.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » existe déjà. Choisissez un autre nom.</translation>
     </message>
     <message>
         <source>“%@” is there already; with --force it is replaced</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » existe déjà ; avec --force, il est remplacé</translation>
     </message>
     <message>
         <source>“%@” is too large for Imgur, which takes files of up to %d MB.</source>
@@ -7810,7 +7818,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” wants a login, of which its description says nothing.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » demande une identification, dont sa description ne dit rien.</translation>
     </message>
     <message>
         <source>“%@” was changed meanwhile. Try again.</source>
@@ -7855,6 +7863,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” was not unpacked: %@. If you trust it, unpack it yourself and import what it holds, or raise the limit with `zelto defaults`.</source>
         <translation>« %@ » n’a pas été décompressé : %@. Si vous lui faites confiance, décompressez-le vous-même et importez son contenu, ou relevez la limite avec `zelto defaults`.</translation>
+    </message>
+    <message>
+        <source>“%@” was opened as a library, so that it is no backup any more, and stays.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>“%@” was put into the trash</source>

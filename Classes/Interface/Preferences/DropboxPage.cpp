@@ -69,9 +69,13 @@ void DropboxPage::link()
         const bool isCancelled = error.domain == DBSession::errorDomain && error.code == DBSession::Cancelled;
         self->showProblem(error.isNull() || isCancelled ? QString() : error.localizedDescription());
         self->refresh();
+        self->moveFocusTo(error.isNull() ? self->m_unlink : self->m_link);
         Q_EMIT self->changed();
     });
     refresh();
+    if (DBSession::sharedSession().isLinking()) {
+        moveFocusTo(m_cancel);
+    }
 }
 
 void DropboxPage::unlink()
@@ -87,6 +91,7 @@ void DropboxPage::unlink()
             self->m_isUnlinking = false;
             self->showProblem(error.isNull() ? QString() : error.localizedDescription());
             self->refresh();
+            self->moveFocusTo(self->m_unlink->isVisible() ? self->m_unlink : self->m_link);
             Q_EMIT self->changed();
         }
     });
