@@ -7,11 +7,7 @@
 #include "Kit/Network/ZQMultipartForm.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Network/ZQPrivateAddress.h"
-<<<<<<< HEAD
 #include "Kit/Network/ZQServer.h"
-#include "Kit/Operations/ZQMainThread.h"
-=======
->>>>>>> w/m18
 
 namespace {
 
