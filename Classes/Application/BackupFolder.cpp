@@ -18,6 +18,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -46,6 +47,22 @@ QList<BackupFolder::Backup> wholeAt(const QString &path, const QUuid &store)
         }
     }
     return found;
+}
+
+// One that has no record yet is empty, but for the file that was to become it.
+void removeUnbegun(const QString &path)
+{
+    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    const QStringList names = QDir(path).entryList(all);
+    static const QRegularExpression halfWritten(QStringLiteral("\\A\\.zelto-[0-9a-z]+\\z"));
+    if (names.size() == 1 && halfWritten.match(names.first()).hasMatch()) {
+        const QString file = path + u'/' + names.first();
+        const QFileInfo info(file);
+        if (info.isFile() && !info.isSymLink()) {
+            QFile::remove(file);
+        }
+    }
+    ::rmdir(QFile::encodeName(path).constData());
 }
 
 } // namespace
@@ -92,9 +109,10 @@ QList<BackupFolder::Backup> BackupFolder::backupsAt(const QString &path, const Q
 {
     QList<Backup> found = wholeAt(path, store);
     found.removeIf([](const Backup &backup) { return backup.record.isLibrary(); });
-    // Of two in one second the names do not tell which is newer.
-    std::stable_sort(found.begin(), found.end(),
-                     [](const Backup &one, const Backup &other) { return one.record.began < other.record.began; });
+    // Names and dates are of clocks, which may have been ahead, and one folder may be used by several.
+    std::stable_sort(found.begin(), found.end(), [](const Backup &one, const Backup &other) {
+        return std::pair(one.record.number, one.record.began) < std::pair(other.record.number, other.record.began);
+    });
     return found;
 }
 
@@ -144,7 +162,7 @@ void BackupFolder::removeUnfinished() const
         }
         qCInfo(zqLogApplication) << "Removing what an interrupted backup left:" << path;
         removeOurs(path);
-        ::rmdir(QFile::encodeName(path).constData()); // one that had no record yet is empty
+        removeUnbegun(path);
     }
 }
 
@@ -194,8 +212,10 @@ void BackupFolder::discard(const QString &unfinished) const
 
 QStringList BackupFolder::keepNewest(int count, const QString &newest) const
 {
+    const auto ours = BackupRecord::of(newest);
     QList<Backup> others = backups();
-    others.removeIf([&newest](const Backup &backup) { return backup.path == newest; });
+    others.removeIf(
+        [&](const Backup &backup) { return backup.path == newest || !ours || !backup.record.isOf(ours->place); });
     QStringList removed;
     const qsizetype kept = std::max(count, 1) - 1; // besides the newest
     for (qsizetype i = 0; i < others.size() - kept; ++i) {

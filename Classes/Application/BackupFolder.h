@@ -40,7 +40,8 @@ public:
     void discard(const QString &unfinished) const;
     // What was a backup of this store until somebody opened it as a library: it stays, whatever is kept.
     QStringList libraries() const;
-    // The oldest ones, until `count` are left with `newest`, which stays in any case. Answers what was removed.
+    // The oldest ones of the same bundle, until `count` are left with `newest`, which stays in any case. Answers what
+    // was removed.
     QStringList keepNewest(int count, const QString &newest) const;
 
 private:

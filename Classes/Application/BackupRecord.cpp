@@ -2,6 +2,7 @@
 
 #include "Classes/Application/LibraryLocation.h"
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFolderIdentity.h"
 #include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -44,6 +45,8 @@ std::optional<BackupRecord> BackupRecord::of(const QString &bundle)
         return std::nullopt;
     }
     record.library = object[u"library"].toString();
+    record.place = object[u"place"].toString();
+    record.number = object[u"number"].toInteger();
     record.began = date(object[u"began"]);
     record.ended = date(object[u"ended"]);
     record.opened = date(object[u"opened"]);
@@ -61,6 +64,8 @@ bool BackupRecord::write(const QString &bundle, ZQError *error) const
                              {QStringLiteral("version"), version},
                              {QStringLiteral("store"), store.toString(QUuid::WithoutBraces)},
                              {QStringLiteral("library"), library},
+                             {QStringLiteral("place"), place},
+                             {QStringLiteral("number"), number},
                              {QStringLiteral("began"), milliseconds(began)},
                              {QStringLiteral("ended"), milliseconds(ended)},
                              {QStringLiteral("opened"), milliseconds(opened)},
@@ -70,6 +75,19 @@ bool BackupRecord::write(const QString &bundle, ZQError *error) const
                              {QStringLiteral("newBytes"), newBytes},
                              {QStringLiteral("problems"), problems}};
     return zqWriteFileAtomically(bundle + u'/' + fileName, QJsonDocument(object).toJson(), error);
+}
+
+QString BackupRecord::placeOf(const QString &bundle)
+{
+    const auto identity = ZQFolderIdentity::read(bundle);
+    return identity ? identity->toString() : QString();
+}
+
+bool BackupRecord::isOf(const QString &otherPlace) const
+{
+    const auto one = ZQFolderIdentity::fromString(place);
+    const auto other = ZQFolderIdentity::fromString(otherPlace);
+    return one && other && one->isSamePlace(*other);
 }
 
 bool BackupRecord::noteOpening(const QString &bundle, ZQError *error)

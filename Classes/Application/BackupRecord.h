@@ -16,7 +16,9 @@ struct BackupRecord
     static inline const QString fileName = ZQSharedFile::markName;
 
     QUuid store;
-    QString library; // the name of the library
+    QString library;   // the name of the library
+    QString place;     // which bundle of that store it is of, see `placeOf`: copies of a library have one store
+    qint64 number = 0; // of two, that of the later one is higher, whatever the clock said
     QDateTime began;
     QDateTime ended;  // invalid while it is not whole
     QDateTime opened; // as a library, for the first time; invalid: never
@@ -28,6 +30,11 @@ struct BackupRecord
 
     bool isWhole() const { return ended.isValid(); }
     bool isLibrary() const { return opened.isValid(); }
+    bool isOf(const QString &otherPlace) const; // never of an unknown one
+
+    // What tells a bundle from its copies, here and on other computers, for as long as it is not copied to another
+    // disk; empty: unknown.
+    static QString placeOf(const QString &bundle);
 
     // Of the bundle at this path; nothing when it has none that can be read, or the folder or the file is a link.
     static std::optional<BackupRecord> of(const QString &bundle);

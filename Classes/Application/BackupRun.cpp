@@ -110,12 +110,15 @@ bool BackupRun::begin()
     m_last = before.isEmpty() ? QString() : before.last().path;
     m_record.store = m_live->storeUUID();
     m_record.library = name;
+    m_record.place = BackupRecord::placeOf(m_bundle);
+    m_record.number = before.isEmpty() ? 1 : before.last().record.number + 1;
     m_record.began = QDateTime::currentDateTimeUtc();
     m_unfinished = m_folder->begin(m_record, &error);
     if (m_unfinished.isEmpty()) {
         return fail(error);
     }
-    const QDateTime lastBegan = before.isEmpty() ? QDateTime() : before.last().record.began;
+    const bool isOfThis = !before.isEmpty() && before.last().record.isOf(m_record.place);
+    const QDateTime lastBegan = isOfThis ? before.last().record.began : QDateTime();
     m_files =
         std::make_unique<BackupFiles>(BackupFiles::Places{m_bundle + itemsName, m_unfinished + itemsName,
                                                           m_last.isEmpty() ? QString() : m_last + itemsName, lastBegan},

@@ -7,6 +7,9 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 namespace {
 constexpr std::chrono::minutes between(1);
 constexpr qint64 untilTriedAgain = 3600; // seconds
@@ -30,8 +33,11 @@ std::optional<BackupRecord> BackupSchedule::last() const
     if (!store) {
         return std::nullopt;
     }
-    const auto backups = BackupFolder::backupsIn(
-        directory(), LibraryBackup::libraryName(m_delegate.libraryBundleDirectory()), store->storeUUID());
+    const QString bundle = m_delegate.libraryBundleDirectory();
+    auto backups = BackupFolder::backupsIn(directory(), LibraryBackup::libraryName(bundle), store->storeUUID());
+    backups.removeIf([place = BackupRecord::placeOf(bundle)](const auto &backup) {
+        return !backup.record.isOf(place); // another computer may keep its copy's there
+    });
     return backups.isEmpty() ? std::nullopt : std::optional(backups.last().record);
 }
 
@@ -45,6 +51,17 @@ ZQError BackupSchedule::backUpNow()
     constexpr qint64 most = 10000;
     m_work.start({directory(), int(std::clamp<qint64>(keep, 0, most)), false});
     return {};
+}
+
+ZQError BackupSchedule::refusalByItself(const QString &directory, const QString &library)
+{
+    const QString folder = QDir(directory).absoluteFilePath(library);
+    const bool isAbsent =
+        ZQUserDefaults::standardUserDefaults().stringForKey(madeInKey) == folder && !QFileInfo(folder).isDir();
+    return isAbsent ? ZQError::with(LibraryBackup::errorDomain, LibraryBackup::NoFolder,
+                                    zqFormat(zqLocalized("There is no folder “%@” for backups."), {folder}),
+                                    zqLocalized("Connect its disk, or choose another folder."))
+                    : ZQError();
 }
 
 bool BackupSchedule::isDue(const QDateTime &ended, const QDateTime &now, qint64 intervalInDays)
@@ -76,7 +93,9 @@ void BackupSchedule::look()
         return;
     }
     m_isByItself = true;
-    if (const ZQError refusal = backUpNow(); !refusal.isNull()) {
+    const QString library = LibraryBackup::libraryName(m_delegate.libraryBundleDirectory());
+    const ZQError absence = refusalByItself(directory(), library);
+    if (const ZQError refusal = absence.isNull() ? backUpNow() : absence; !refusal.isNull()) {
         m_isByItself = false;
         m_notBefore = now.addSecs(untilTriedAgain);
         m_delegate.userInteraction().showNotificationWithText(
@@ -91,6 +110,7 @@ void BackupSchedule::didEnd()
     const QDateTime now = QDateTime::currentDateTimeUtc();
     if (!result.path.isEmpty()) {
         m_lastEnded = now;
+        ZQUserDefaults::standardUserDefaults().setObjectForKey(QFileInfo(result.path).path(), madeInKey);
     }
     // One that the person stopped is not begun again at once.
     m_notBefore = result.path.isEmpty() ? now.addSecs(untilTriedAgain) : QDateTime();

@@ -23,9 +23,14 @@ public:
     // Whether one is due that long after `ended`; an invalid date is that of no backup.
     static bool isDue(const QDateTime &ended, const QDateTime &now, qint64 intervalInDays);
 
+    // Why none begins by itself, besides what keeps it from being made at all: where one was made before, and its
+    // folder is gone, the disk is absent, and what lies at its place would take the backup.
+    static ZQError refusalByItself(const QString &directory, const QString &library);
+
     static inline const QString directoryKey = QStringLiteral("BackupDirectory");
     static inline const QString keepKey = QStringLiteral("BackupKeep");
     static inline const QString intervalKey = QStringLiteral("BackupInterval");
+    static inline const QString madeInKey = QStringLiteral("BackupMadeIn"); // the folder of the last one
 
 private:
     void look();

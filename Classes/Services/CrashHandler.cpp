@@ -222,7 +222,7 @@ bool CrashHandler::install(const QString &where, const QString &version)
     stack_t stack = {};
     stack.ss_sp = stackOfHandler;
     stack.ss_size = sizeof stackOfHandler;
-    ::sigaltstack(&stack, nullptr); // a stack that ran over leaves no room
+    ::sigaltstack(&stack, nullptr); // a stack that ran over leaves no room; other threads have a `ZQSignalStack`
     struct sigaction action = {};
     action.sa_sigaction = handle;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;

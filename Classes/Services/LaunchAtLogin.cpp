@@ -93,12 +93,15 @@ LaunchAtLogin::LaunchAtLogin()
 
 LaunchAtLogin::LaunchAtLogin(Uses uses) : m_uses(std::move(uses)) {}
 
-// Other programs' lists of what is started may have links here.
+// A link within the folder is followed. What one leads to elsewhere, as the entry of the menu, is not written for this:
+// the file takes the link's place.
 QString LaunchAtLogin::path() const
 {
     const QFileInfo file(m_uses.autostartFolder + u'/' + fileName);
-    const QString real = file.canonicalFilePath();
-    return real.isEmpty() ? file.filePath() : real;
+    const QFileInfo real(file.canonicalFilePath());
+    const bool isWithin =
+        !real.filePath().isEmpty() && real.path() == QFileInfo(m_uses.autostartFolder).canonicalFilePath();
+    return isWithin ? real.filePath() : file.filePath();
 }
 
 bool LaunchAtLogin::isOn() const

@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
 #include <algorithm>
@@ -56,6 +57,9 @@ SystemNotifications::SystemNotifications(QDBusConnection bus, Way way) : m_bus(s
                       SLOT(didInvokeInPortal(QString, QString, QVariantList)));
         return;
     }
+    // Another service counts from one again: what it says of a number is of somebody else's notification.
+    auto *const watcher = new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { m_shown.clear(); });
     m_bus.connect(service, path, service, QStringLiteral("ActionInvoked"), this, SLOT(didInvoke(uint, QString)));
     m_bus.connect(service, path, service, QStringLiteral("NotificationClosed"), this, SLOT(didClose(uint, uint)));
     m_bus.connect(service, path, service, QStringLiteral("ActivationToken"), this, SLOT(didGetToken(uint, QString)));

@@ -42,7 +42,13 @@ ZQHTTPConnections::Held &ZQHTTPConnections::held()
         m_held = std::make_shared<Held>();
         auto *const loop = new ZQTransferLoop;
         m_held->loop = loop;
-        ZQNetworkThread::whenItEnds(loop, [loop] { loop->deleteLater(); }); // after what uses it
+        // After what uses it. Whoever lets go of these connections from now on must not delete it a second time.
+        ZQNetworkThread::whenItEnds(loop, [loop, held = std::weak_ptr(m_held)] {
+            if (const auto there = held.lock()) {
+                there->loop.clear();
+            }
+            loop->deleteLater();
+        });
     }
     return *m_held;
 }

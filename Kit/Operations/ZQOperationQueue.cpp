@@ -1,6 +1,7 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQSignalStack.h"
 #include "Kit/Operations/ZQOperationPrivate.h"
 #include "Kit/Operations/ZQWaiting.h"
 
@@ -101,7 +102,10 @@ void ZQOperationQueue::Private::scheduleLocked()
         starting.push_back(operation);
         if (idleThreads < starting.size() && threads.size() < most) {
             ++idleThreads;
-            threads.emplace_back([self = shared_from_this()] { self->work(); });
+            threads.emplace_back([self = shared_from_this()] {
+                const ZQSignalStack stack;
+                self->work();
+            });
         }
         workToDo.notifyOne();
     }

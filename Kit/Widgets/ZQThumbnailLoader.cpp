@@ -1,5 +1,6 @@
 #include "Kit/Widgets/ZQThumbnailLoader.h"
 
+#include "Kit/Foundation/ZQSignalStack.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QCache>
@@ -218,7 +219,10 @@ ZQThumbnail ZQThumbnailLoader::Private::begin(const ZQThumbnailRequest &request,
             }
         }
         for (int i = int(threads.size()); i < threadCount; ++i) {
-            threads.emplace_back([this, owner] { run(owner); });
+            threads.emplace_back([this, owner] {
+                const ZQSignalStack stack;
+                run(owner);
+            });
         }
         wake.notifyOne();
     }

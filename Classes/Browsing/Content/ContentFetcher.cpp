@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQSignalStack.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
@@ -60,7 +61,10 @@ ContentFetcher::ContentFetcher(std::shared_ptr<ZQPersistentStoreCoordinator> coo
     : QObject(parent), d(std::make_shared<Private>())
 {
     d->coordinator = std::move(coordinator);
-    d->thread = std::thread([this] { d->run(this); });
+    d->thread = std::thread([this] {
+        const ZQSignalStack stack;
+        d->run(this);
+    });
 }
 
 ContentFetcher::~ContentFetcher()

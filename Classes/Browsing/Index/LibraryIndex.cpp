@@ -5,6 +5,7 @@
 #include "Classes/Browsing/Index/IndexRequests.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQSignalStack.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -75,7 +76,10 @@ LibraryIndex::LibraryIndex(std::shared_ptr<ZQPersistentStoreCoordinator> coordin
     : QObject(parent), d(std::make_shared<Private>())
 {
     d->coordinator = std::move(coordinator);
-    d->thread = std::thread([this] { d->run(this); });
+    d->thread = std::thread([this] {
+        const ZQSignalStack stack;
+        d->run(this);
+    });
 }
 
 LibraryIndex::~LibraryIndex()

@@ -3,6 +3,7 @@
 #include "Classes/Application/BackupSchedule.h"
 #include "Classes/Application/LibraryBackup.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQFolderIdentity.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
@@ -226,13 +227,13 @@ TEST_F(BackupTest, WhatIsPurgedOrRenamedMeanwhileIsAsTheStoreSays)
 TEST_F(BackupTest, FoldersKeepTheirAttributesAndWhatCannotBeReadInThemIsTold)
 {
     const QString red = QFileInfo(item(QStringLiteral("red"))->itemURL()).path();
-    ASSERT_TRUE(ZQExtendedAttributes::set(red, QStringLiteral("user.mine"), "kept"));
+    ASSERT_TRUE(ZQExtendedAttributes::set(red, QStringLiteral("mine"), "kept"));
     const timespec times[] = {{1000, 0}, {2000, 0}};
     ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(red).constData(), times, 0), 0);
     const QString first = backUp();
     ASSERT_EQ(status, 0) << context.errors.toStdString();
     const QString copy = QFileInfo(in(first, QStringLiteral("red"))).path();
-    EXPECT_EQ(ZQExtendedAttributes::get(copy, QStringLiteral("user.mine")), QByteArray("kept"));
+    EXPECT_EQ(ZQExtendedAttributes::get(copy, QStringLiteral("mine")), QByteArray("kept"));
     EXPECT_EQ(QFileInfo(copy).lastModified().toSecsSinceEpoch(), 2000);
 
     const QByteArray undecodable = QFile::encodeName(red) + "/\xff.txt";
@@ -276,7 +277,15 @@ TEST_F(BackupTest, WhatWasCutOffGoesAndNothingElse)
     const QString nobodys = makeFolder(QStringLiteral("2020-01-03T000000Z.ztlibrary") + ending, {}, false);
     const QString named = makeFolder(QStringLiteral("Work.ztlibrary") + ending, store(), false);
     const QString empty = folder() + QStringLiteral("/2020-01-04T000000Z.ztlibrary") + ending;
-    ASSERT_TRUE(QDir().mkpath(empty));
+    const QString begun = folder() + QStringLiteral("/2020-01-06T000000Z.ztlibrary") + ending;
+    const QString others = folder() + QStringLiteral("/2020-01-07T000000Z.ztlibrary") + ending;
+    for (const QString &path : {empty, begun, others}) {
+        ASSERT_TRUE(QDir().mkpath(path));
+    }
+    for (const QString &path : {begun + QStringLiteral("/.zelto-1x"), others + QStringLiteral("/mine")}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
     const QString elsewhere = world.filePath(QStringLiteral("elsewhere"));
     ASSERT_TRUE(QDir().rename(makeFolder(QStringLiteral("x"), store(), false), elsewhere));
     const QString link = folder() + QStringLiteral("/2020-01-05T000000Z.ztlibrary") + ending;
@@ -284,7 +293,8 @@ TEST_F(BackupTest, WhatWasCutOffGoesAndNothingElse)
     backUp();
     ASSERT_EQ(status, 0) << context.errors.toStdString();
     EXPECT_FALSE(QFile::exists(ours));
-    EXPECT_FALSE(QFile::exists(empty));
+    EXPECT_FALSE(QFile::exists(empty) || QFile::exists(begun));
+    EXPECT_TRUE(QFile::exists(others + QStringLiteral("/mine")));
     for (const QString &path : {anothers, nobodys, named, elsewhere, link}) {
         EXPECT_TRUE(QFile::exists(path + QStringLiteral("/Library/x"))) << path.toStdString();
     }
@@ -327,6 +337,40 @@ TEST_F(BackupTest, RefusesPlacesThatCannotHoldIt)
     const auto held = BackupFolder::open(backups(), QStringLiteral("Test"), store(), &error);
     ASSERT_TRUE(held);
     EXPECT_EQ(run({"backup", backups()}), 2) << "while another one works there";
+}
+
+TEST_F(BackupTest, OfTwoCopiesOfALibraryEachKeepsItsOwnInTheOrderTheyWereMade)
+{
+    const QString ahead = backUp();
+    auto record = BackupRecord::of(ahead);
+    ASSERT_TRUE(record);
+    record->began = record->ended = QDateTime::currentDateTimeUtc().addYears(3);
+    ASSERT_TRUE(record->write(ahead, nullptr));
+    const QString of = makeFolder(QStringLiteral("2020-01-01T000000Z.ztlibrary"), store(), true);
+    record = BackupRecord::of(of);
+    auto elsewhere = ZQFolderIdentity::read(delegate->libraryBundleDirectory());
+    ASSERT_TRUE(elsewhere);
+    ++elsewhere->type;
+    record->place = elsewhere->toString();
+    ASSERT_TRUE(record->write(of, nullptr));
+    const QString second = backUp();
+    EXPECT_EQ(linksOf(in(second, QStringLiteral("red"))), 2u) << "dates tell nothing, contents do";
+    const QString third = backUp({"--keep", "2"});
+    EXPECT_EQ(object().value(QStringLiteral("removed")).toArray(), QJsonArray{ahead});
+    EXPECT_TRUE(QFile::exists(of) && QFile::exists(second) && QFile::exists(third));
+}
+
+TEST_F(BackupTest, BeginsByItselfOnlyWhereItsFolderIs)
+{
+    const QString name = QStringLiteral("Test");
+    auto &defaults = ZQUserDefaults::standardUserDefaults();
+    EXPECT_TRUE(BackupSchedule::refusalByItself(backups(), name).isNull()) << "the first one makes it";
+    defaults.setObjectForKey(folder(), BackupSchedule::madeInKey);
+    EXPECT_FALSE(BackupSchedule::refusalByItself(backups(), name).isNull());
+    EXPECT_TRUE(BackupSchedule::refusalByItself(world.path(), name).isNull()) << "another one was chosen";
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    EXPECT_TRUE(BackupSchedule::refusalByItself(backups(), name).isNull());
+    defaults.removeObjectForKey(BackupSchedule::madeInKey);
 }
 
 TEST_F(BackupTest, LeavesRoomForOthersOnItsDisk)

@@ -54,8 +54,9 @@ TEST_F(CrashReportsTest, EachFaultLeavesOneThatHasNothingOfTheLibrary)
         const char *how;
         const char *holds;
     };
-    for (const Case &each : {Case{"segv", "Signal: SIGSEGV"}, Case{"thread", "Signal: SIGBUS"},
-                             Case{"terminate", "Exception: St13runtime_error"}, Case{"fatal", "ms before: fatal"}}) {
+    for (const Case &each :
+         {Case{"segv", "Signal: SIGSEGV"}, Case{"thread", "Signal: SIGBUS"}, Case{"overflow", "Signal: SIGSEGV"},
+          Case{"terminate", "Exception: St13runtime_error"}, Case{"fatal", "ms before: fatal"}}) {
         SCOPED_TRACE(each.how);
         EXPECT_EQ(runChild(each.how), byFault) << "it ends as it would have";
         const auto all = reports.all();

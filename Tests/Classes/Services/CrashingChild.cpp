@@ -2,6 +2,7 @@
 
 #include "Classes/Services/CrashHandler.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQSignalStack.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -11,6 +12,18 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+
+namespace {
+
+// Each call needs what the one below it gives, so that none of them can take another's place.
+int runOver(int depth)
+{
+    volatile char room[4096] = {};
+    room[depth % 4096] = char(depth);
+    return depth < 0 ? 0 : runOver(depth + 1) + room[0];
+}
+
+} // namespace
 
 int CrashingChild::crash(const char *folder, const char *how)
 {
@@ -25,6 +38,11 @@ int CrashingChild::crash(const char *folder, const char *how)
         ::raise(SIGSEGV);
     } else if (way == "thread") {
         std::thread([] { ::raise(SIGBUS); }).join();
+    } else if (way == "overflow") {
+        std::thread([] {
+            const ZQSignalStack stack;
+            runOver(0);
+        }).join();
     } else if (way == "terminate") {
         throw std::runtime_error(planted.toStdString());
     } else if (way == "fatal") {

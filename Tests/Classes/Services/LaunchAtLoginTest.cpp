@@ -96,17 +96,27 @@ TEST_F(LaunchAtLoginTest, AnotherProgramThanTheInstalledOneIsNamedByItsPath)
     EXPECT_TRUE(entry().contains("\nExec=\"" + other.toUtf8() + "\"\n")) << entry().toStdString();
 }
 
-TEST_F(LaunchAtLoginTest, ALinkIsFollowedAndWhatCannotBeWrittenIsSaid)
+TEST_F(LaunchAtLoginTest, ALinkIsFollowedInTheFolderOnlyAndWhatCannotBeWrittenIsSaid)
 {
     ASSERT_TRUE(QDir().mkpath(folder));
-    const QString real = world.filePath(QStringLiteral("real.desktop"));
-    write(real, "[Desktop Entry]\nExec=x\nHidden=true\n");
-    ASSERT_TRUE(QFile::link(real, path));
     LaunchAtLogin launch({folder, desktopFile, program});
-    EXPECT_TRUE(set(launch, true).isNull());
-    EXPECT_TRUE(QFileInfo(path).isSymLink());
-    EXPECT_TRUE(launch.isOn());
-    QFile::remove(path);
+    const QByteArray before = "[Desktop Entry]\nName=Mine\nExec=zelto %U\nHidden=true\n";
+    for (const QString &real :
+         {folder + QStringLiteral("/real.desktop"), world.filePath(QStringLiteral("menu.desktop"))}) {
+        write(real, before);
+        ASSERT_TRUE(QFile::link(real, path));
+        const bool isWithin = real.startsWith(folder);
+        for (const bool isOn : {true, false}) {
+            EXPECT_TRUE(set(launch, isOn).isNull());
+            EXPECT_EQ(launch.isOn(), isOn);
+        }
+        EXPECT_EQ(QFileInfo(path).isSymLink(), isWithin);
+        EXPECT_TRUE(entry().contains("\nName=Mine\n"));
+        QFile file(real);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll() == before, !isWithin) << "the menu's entry takes files";
+        QFile::remove(path);
+    }
     ASSERT_TRUE(QDir().mkpath(path)); // a folder in the file's place
     EXPECT_FALSE(set(launch, true).isNull());
     EXPECT_FALSE(launch.isOn());

@@ -113,6 +113,24 @@ TEST(SystemNotificationsTest, SayWhatTheyAreToldAndDoWhatIsChosen)
     EXPECT_TRUE(service.shown.value(3).value(5).toStringList().isEmpty());
 }
 
+TEST(SystemNotificationsTest, WhatAnotherServiceSaysOfANumberIsNotOfOurs)
+{
+    SystemNotifications notifications(QDBusConnection::sessionBus(), SystemNotifications::Way::Service);
+    int chosen = 0;
+    const SystemNotifications::Notice notice{
+        QStringLiteral("Import"), {}, {{QStringLiteral("Show"), [&chosen] { ++chosen; }}}, {}, {}};
+    for (int i = 0; i < 2; ++i) {
+        Service service;
+        if (!service.isThere) {
+            return skipWithout("a session bus of its own");
+        }
+        service.tell("ActionInvoked", {1U, QStringLiteral("0")}); // of who got that number before us
+        notifications.show(notice);                               // is answered behind it
+        waitFor([&service] { return service.shown.size() == 1; });
+    }
+    EXPECT_EQ(chosen, 0);
+}
+
 TEST(SystemNotificationsTest, AreQuietWhereTheDesktopIsAndWhereThereIsNone)
 {
     int notShown = 0;
