@@ -1793,7 +1793,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Copy it to another place, and open the copy.</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopieren Sie sie an einen anderen Ort, und öffnen Sie die Kopie.</translation>
     </message>
     <message>
         <source>Copy the template's file there with `zelto import`.</source>
@@ -7490,7 +7490,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” is a backup that can't be written.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ ist eine Sicherung, in die nicht geschrieben werden kann.</translation>
     </message>
     <message>
         <source>“%@” is a file to download and no page. Import the file instead.</source>
@@ -7866,7 +7866,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>“%@” was opened as a library, so that it is no backup any more, and stays.</source>
-        <translation type="unfinished"></translation>
+        <translation>„%@“ wurde als Bibliothek geöffnet, ist also keine Sicherung mehr und bleibt.</translation>
     </message>
     <message>
         <source>“%@” was put into the trash</source>

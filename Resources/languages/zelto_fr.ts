@@ -1793,7 +1793,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Copy it to another place, and open the copy.</source>
-        <translation type="unfinished"></translation>
+        <translation>Copiez-la à un autre endroit et ouvrez la copie.</translation>
     </message>
     <message>
         <source>Copy the template's file there with `zelto import`.</source>
@@ -7490,7 +7490,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is a backup that can't be written.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » est une sauvegarde qui ne peut pas être modifiée.</translation>
     </message>
     <message>
         <source>“%@” is a file to download and no page. Import the file instead.</source>
@@ -7866,7 +7866,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” was opened as a library, so that it is no backup any more, and stays.</source>
-        <translation type="unfinished"></translation>
+        <translation>« %@ » a été ouverte comme bibliothèque : ce n’est plus une sauvegarde, et elle reste.</translation>
     </message>
     <message>
         <source>“%@” was put into the trash</source>
