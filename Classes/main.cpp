@@ -459,8 +459,8 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }
     server.registerOnSessionBus({[&](const QStringList &paths) {
-        delegate.reopenMainWindow();
-        delegate.openFiles(paths);
+                                     delegate.reopenMainWindow();
+                                     delegate.openFiles(paths);
                                  },
                                  [&](const QString &action) { DesktopActions::perform(action, delegate); }});
     SignalWatcher signalWatcher([&delegate] { delegate.terminate(); });
@@ -545,7 +545,7 @@ int main(int argc, char *argv[])
     print(context, 0); // files that are not there are named before the window comes
     context.errors.clear();
     QApplication application(argc, argv);
-    zqInstallLanguage();
+    QApplication::setLayoutDirection(zqInstallLanguage().direction);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
     bool reopens = false;
