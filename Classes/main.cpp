@@ -556,7 +556,7 @@ int main(int argc, char *argv[])
     print(context, 0); // files that are not there are named before the window comes
     context.errors.clear();
     QApplication application(argc, argv);
-    zqInstallLanguage();
+    QApplication::setLayoutDirection(zqInstallLanguage().direction);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
     bool reopens = false;

@@ -162,19 +162,23 @@ def faults(key, comment, form):
     return out
 
 
-# Pieces that are put together to one sentence cannot be put in another order by a translator; lines may be.
+# Pieces that are put together to one sentence cannot be put in another order by a translator; lines and whole sentences
+# with a blank between them may be.
+BETWEEN = r"""(?:u'(?:\\n|\\t| )'|QStringLiteral\("(?:\\n|\\t| )+"\))"""
+
+
 def glued():
     out = []
     for name in sources():
         text = without_comments((ROOT / name).read_text())
-        for match in re.finditer(r"zqLocalized\(", text):
+        for match in re.finditer(r"\b(?:zqLocalized|zqCounted)\(", text):
             given = arguments(text, match.end())
             end = match.end() + len(",".join(given)) + 1
             before, after = text[:match.start()].rstrip(), text[end:].lstrip()
             line = text.count("\n", 0, match.start()) + 1
-            if after.startswith("+") and not re.match(r"\+=?\s*(u'(\\n|\\t| )'|QStringLiteral\(\"\\n)", after):
+            if after.startswith("+") and not re.match(r"\+=?\s*" + BETWEEN, after):
                 out.append(f"{name}:{line}: a text is glued to what follows it; make one key with places of both")
-            elif before.endswith("+") and not re.search(r"(u'(\\n|\\t| )'|\\n\"\))\s*\+$", before):
+            elif before.endswith(("+", "+=")) and not re.search(BETWEEN + r"\s*\+$", before):
                 out.append(f"{name}:{line}: a text is glued to what stands before it; make one key with places of both")
     return out
 

@@ -106,7 +106,8 @@ void ExportReport::tell(const ExportRequest &request, const ExportResult &result
                             : zqLocalized("Of some pictures, “%@” for one, only a part was exported. %@"),
                         {first.title, first.reason}));
     } else if (result.missing.isEmpty() && !result.isCancelled && result.count > 0) {
-        notify(zqCounted({"%d file exported", "%d files exported"}, result.count) + notesText(result.notes));
+        const QString exported = zqCounted({"%d file exported", "%d files exported"}, result.count);
+        notify(exported + notesText(result.notes)); // a line of its own
     }
 }
 

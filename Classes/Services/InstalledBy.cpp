@@ -47,7 +47,7 @@ QString InstalledBy::text() const
     return package.isEmpty() ? manager : zqFormat(zqLocalized("%@ (package %@)"), {manager, package});
 }
 
-std::optional<InstalledBy> InstalledBy::managerOf(const QString &executable, const QProcessEnvironment &environment,
+std::optional<InstalledBy> InstalledBy::sandboxOf(const QString &executable, const QProcessEnvironment &environment,
                                                   const QString &root)
 {
     if (environment.contains(QStringLiteral("FLATPAK_ID")) ||
@@ -58,6 +58,15 @@ std::optional<InstalledBy> InstalledBy::managerOf(const QString &executable, con
     const QString snap = environment.value(QStringLiteral("SNAP"));
     if (!snap.isEmpty() && executable.startsWith(snap + u'/')) {
         return InstalledBy{QStringLiteral("Snap"), environment.value(QStringLiteral("SNAP_NAME"))};
+    }
+    return std::nullopt;
+}
+
+std::optional<InstalledBy> InstalledBy::managerOf(const QString &executable, const QProcessEnvironment &environment,
+                                                  const QString &root)
+{
+    if (const auto sandbox = sandboxOf(executable, environment, root)) {
+        return sandbox;
     }
     // Nothing of a package lies elsewhere, and the whole database is to be read to know that.
     const bool isOfSystem =

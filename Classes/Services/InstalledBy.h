@@ -12,6 +12,9 @@ struct InstalledBy
     QString package;      // empty: not known
     QString text() const; // "dpkg (package zelto)"
 
+    // One that is closed off from the rest of the machine and that the program is in; nothing: it is in none.
+    static std::optional<InstalledBy> sandboxOf(const QString &executable, const QProcessEnvironment &environment,
+                                                const QString &root = QStringLiteral("/"));
     // Nothing: it was put there by hand. `root` is where the system's own files are looked for.
     static std::optional<InstalledBy> managerOf(const QString &executable, const QProcessEnvironment &environment,
                                                 const QString &root = QStringLiteral("/"));

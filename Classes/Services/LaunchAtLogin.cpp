@@ -1,5 +1,6 @@
 #include "Classes/Services/LaunchAtLogin.h"
 
+#include "Classes/Services/InstalledBy.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -84,10 +85,12 @@ QByteArray contentOf(const QString &path)
 } // namespace
 
 LaunchAtLogin::LaunchAtLogin()
-    : LaunchAtLogin({ZQPaths::configHome() + QStringLiteral("/autostart"),
+    : LaunchAtLogin(
+          {ZQPaths::configHome() + QStringLiteral("/autostart"),
                      QStandardPaths::locate(QStandardPaths::ApplicationsLocation, fileName),
                      QCoreApplication::applicationFilePath(),
-                     qEnvironmentVariableIsSet("FLATPAK_ID") || qEnvironmentVariableIsSet("SNAP_NAME")})
+           InstalledBy::sandboxOf(QCoreApplication::applicationFilePath(), QProcessEnvironment::systemEnvironment())
+               .has_value()})
 {
 }
 

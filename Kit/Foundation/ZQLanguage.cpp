@@ -14,7 +14,7 @@ bool install(const QString &name, const QString &folder)
 }
 } // namespace
 
-QString zqInstallLanguage(const QLocale &locale, const QString &folder)
+ZQLanguage zqInstallLanguage(const QLocale &locale, const QString &folder)
 {
     const QStringList languages = locale.uiLanguages();
     for (const QString &language : languages) {
@@ -27,7 +27,8 @@ QString zqInstallLanguage(const QLocale &locale, const QString &folder)
         }
         // What the toolkit says itself; it goes with the program's language even where the desktop has another first.
         install(QStringLiteral("qtbase_") + code, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-        return code;
+        // The toolkit knows the direction from a catalogue of its own, which need not be there.
+        return {code, QLocale(code).textDirection()};
     }
-    return QStringLiteral("en");
+    return {QStringLiteral("en")};
 }

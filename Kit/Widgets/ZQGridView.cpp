@@ -158,9 +158,9 @@ void ZQGridView::setZoom(double zoom, const QPoint &anchor)
         return;
     }
     const qint64 y = scrollOffset() + anchor.y();
-    qint64 index = m_layout.indexAt(anchor.x(), y);
+    qint64 index = m_layout.indexAt(layoutX(anchor.x()), y);
     if (index < 0 && m_layout.count() > 0) {
-        index = std::clamp<qint64>(m_layout.insertionIndexAt(anchor.x(), y), 0, m_layout.count() - 1);
+        index = std::clamp<qint64>(m_layout.insertionIndexAt(layoutX(anchor.x()), y), 0, m_layout.count() - 1);
     }
     const ZQGridLayout::Cell before = index < 0 ? ZQGridLayout::Cell() : m_layout.cell(index);
     const double share = before.height > 0 ? double(y - before.top) / before.height : 0;
@@ -182,7 +182,19 @@ QRect ZQGridView::visualRect(qint64 index) const
 {
     const ZQGridLayout::Cell cell = m_layout.cell(index);
     const qint64 top = std::clamp<qint64>(cell.top - scrollOffset(), -(1 << 24), 1 << 24);
-    return {cell.left, int(top), cell.width, cell.height};
+    const int left = isMirrored() ? viewport()->width() - cell.left - cell.width : cell.left;
+    return {left, int(top), cell.width, cell.height};
+}
+
+// The rows of a list have columns of their own, in the order of their head.
+bool ZQGridView::isMirrored() const
+{
+    return isRightToLeft() && !m_showsList;
+}
+
+int ZQGridView::layoutX(int x) const
+{
+    return isMirrored() ? viewport()->width() - 1 - x : x;
 }
 
 qint64 ZQGridView::indexAt(const QPoint &point) const
@@ -190,7 +202,7 @@ qint64 ZQGridView::indexAt(const QPoint &point) const
     if (headAt(point) >= 0) {
         return -1;
     }
-    return m_layout.indexAt(point.x(), scrollOffset() + point.y());
+    return m_layout.indexAt(layoutX(point.x()), scrollOffset() + point.y());
 }
 
 ZQIndexSet ZQGridView::visibleIndexes() const

@@ -257,7 +257,8 @@ void ZQGridView::paintOverlays(QPainter &painter)
             return;
         }
         const QRect cell = visualRect(isAfter ? m_layout.count() - 1 : m_dropIndex);
-        const int x = isAfter ? cell.right() + ZQGridLayout::columnGap / 2 : cell.left() - ZQGridLayout::columnGap / 2;
+        const int x = isAfter != isMirrored() ? cell.right() + ZQGridLayout::columnGap / 2
+                                              : cell.left() - ZQGridLayout::columnGap / 2;
         painter.fillRect(QRect(x - 1, cell.top(), 2, m_layout.pictureHeight()), accent);
     }
 }

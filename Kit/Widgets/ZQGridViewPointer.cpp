@@ -123,8 +123,8 @@ void ZQGridView::updateRubberBand(const QPoint &point)
 {
     const qint64 startY = m_pressOffset + m_pressPoint.y();
     const qint64 endY = scrollOffset() + point.y();
-    const ZQIndexSet inside = m_layout.indexesIn(std::min(m_pressPoint.x(), point.x()), std::min(startY, endY),
-                                                 std::max(m_pressPoint.x(), point.x()), std::max(startY, endY));
+    const auto [left, right] = std::minmax({layoutX(m_pressPoint.x()), layoutX(point.x())});
+    const ZQIndexSet inside = m_layout.indexesIn(left, std::min(startY, endY), right, std::max(startY, endY));
     ZQIndexSet selection = m_bandBase;
     if (m_bandToggles) {
         selection.toggle(inside);
@@ -176,7 +176,7 @@ void ZQGridView::dragEnterEvent(QDragEnterEvent *event)
 void ZQGridView::showDropPlace(QDragMoveEvent *event)
 {
     const QPoint point = event->position().toPoint();
-    const qint64 index = m_layout.insertionIndexAt(point.x(), scrollOffset() + point.y());
+    const qint64 index = m_layout.insertionIndexAt(layoutX(point.x()), scrollOffset() + point.y());
     const Qt::DropAction action = m_source ? m_source->dropAction(event->mimeData(), index) : Qt::IgnoreAction;
     m_isDropTarget = action != Qt::IgnoreAction;
     m_dropIndex = m_isDropTarget && m_source->dropsAtIndex(event->mimeData()) ? index : -1;
@@ -211,7 +211,7 @@ void ZQGridView::dragLeaveEvent(QDragLeaveEvent * /*event*/)
 void ZQGridView::dropEvent(QDropEvent *event)
 {
     const QPoint point = event->position().toPoint();
-    const qint64 index = m_layout.insertionIndexAt(point.x(), scrollOffset() + point.y());
+    const qint64 index = m_layout.insertionIndexAt(layoutX(point.x()), scrollOffset() + point.y());
     m_isDropTarget = false;
     m_dropIndex = -1;
     const Qt::DropAction action = m_source ? m_source->dropAction(event->mimeData(), index) : Qt::IgnoreAction;

@@ -25,7 +25,8 @@ protected:
         painter.drawRoundedRect(rect(), 2, 2);
         painter.setBrush(zqColor(ZQColorRole::Accent));
         const double share = fraction < 0 ? 0.3 : std::min(1.0, fraction);
-        painter.drawRoundedRect(QRectF(0, 0, width() * share, height()), 2, 2);
+        const double done = width() * share;
+        painter.drawRoundedRect(QRectF(isRightToLeft() ? width() - done : 0, 0, done, height()), 2, 2);
     }
 };
 

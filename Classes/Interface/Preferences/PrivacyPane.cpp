@@ -11,6 +11,25 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+// Features are counted by names that are the same in every language; of newer ones, whose file this is, too.
+QString titleOfFeature(const QString &name)
+{
+    static constexpr const char *titles[] = {zqKey("Add Export Preset"),      zqKey("Delete Export Preset"),
+                                             zqKey("Move Export Preset"),     zqKey("Export Items"),
+                                             zqKey("Add New Folder"),         zqKey("Add New Project"),
+                                             zqKey("Cloud Upload (Dropbox)"), zqKey("Cloud Upload (CloudApp)")};
+    const auto *const title = std::find_if(std::begin(titles), std::end(titles),
+                                           [&name](const char *each) { return name == QUtf8StringView(each); });
+    return title == std::end(titles) ? name : zqLocalized(*title);
+}
+
+} // namespace
+
 PrivacyPane::PrivacyPane(UserInteraction &user, QWidget *parent)
     : PreferencesPane(zqLocalized("Privacy"), parent), m_user(user)
 {
@@ -66,8 +85,9 @@ void PrivacyPane::showCounts()
     for (auto day = days.cend(); day != days.cbegin();) { // the last one first
         --day;
         for (auto count = day->cbegin(); count != day->cend(); ++count) {
-            lines.append(zqFormat(zqLocalized("%@: %@, %@ times"), {QLocale().toString(day.key(), QLocale::ShortFormat),
-                                                                    count.key(), QLocale().toString(count.value())}));
+            const QString times = zqCounted({"%@ time", "%@ times"}, count.value());
+            lines.append(zqFormat(QStringLiteral("%@: %@, %@"), {QLocale().toString(day.key(), QLocale::ShortFormat),
+                                                                 titleOfFeature(count.key()), times}));
         }
     }
     m_counts->setPlainText(!error.isNull()   ? error.localizedDescription()

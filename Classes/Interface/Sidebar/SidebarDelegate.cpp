@@ -4,6 +4,7 @@
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQSwatch.h"
 
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPainter>
 #include <QTreeView>
@@ -23,11 +24,39 @@ int depthOf(const QModelIndex &index)
     return depth;
 }
 
+// Absolute, since a painter of a widget takes "left" for the leading side and one of a picture does not.
+int leading()
+{
+    return int(QGuiApplication::isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | int(Qt::AlignAbsolute);
+}
+
+int trailing()
+{
+    return int(QGuiApplication::isRightToLeft() ? Qt::AlignLeft : Qt::AlignRight) | int(Qt::AlignAbsolute);
+}
+
+void paintTwisty(QPainter *painter, const QRect &box, bool isExpanded)
+{
+    painter->save();
+    if (!isExpanded && QGuiApplication::isRightToLeft()) {
+        painter->translate(2 * QRectF(box).center().x(), 0);
+        painter->scale(-1, 1);
+    }
+    ZQIcon::paint(*painter, box, isExpanded ? QStringLiteral("chevron-down") : QStringLiteral("chevron-right"),
+                  zqColor(ZQColorRole::TextFaint));
+    painter->restore();
+}
+
 } // namespace
 
 bool SidebarDelegate::isLabel(const QModelIndex &index)
 {
     return index.data(SidebarTreeModel::LabelRole).toBool();
+}
+
+QRect SidebarDelegate::mirrored(const QRect &row, const QRect &rect)
+{
+    return QStyle::visualRect(QGuiApplication::layoutDirection(), row, rect);
 }
 
 int SidebarDelegate::titleLeft(const QRect &row, const QModelIndex &index)
@@ -39,19 +68,20 @@ int SidebarDelegate::titleLeft(const QRect &row, const QModelIndex &index)
 QRect SidebarDelegate::twistyRect(const QRect &row, const QModelIndex &index)
 {
     const int x = row.left() + rowMargin + 2 + levelIndent * std::max(0, depthOf(index) - 1);
-    return {x, row.top() + (row.height() - 10) / 2, 10, 10};
+    return mirrored(row, {x, row.top() + (row.height() - 10) / 2, 10, 10});
 }
 
 QRect SidebarDelegate::iconRect(const QRect &row, const QModelIndex &index)
 {
-    return {titleLeft(row, index) - ZQMeasure::iconSize - 8, row.top() + (row.height() - ZQMeasure::iconSize) / 2,
-            ZQMeasure::iconSize, ZQMeasure::iconSize};
+    return mirrored(row,
+                    {titleLeft(row, index) - ZQMeasure::iconSize - 8,
+                     row.top() + (row.height() - ZQMeasure::iconSize) / 2, ZQMeasure::iconSize, ZQMeasure::iconSize});
 }
 
 QRect SidebarDelegate::labelButtonRect(const QRect &row)
 {
     constexpr int size = 14;
-    return {row.right() - rowMargin - 8 - size, row.top() + labelHeight / 2 + 3 - size / 2, size, size};
+    return mirrored(row, {row.right() - rowMargin - 8 - size, row.top() + labelHeight / 2 + 3 - size / 2, size, size});
 }
 
 QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem & /*option*/, const QModelIndex &index) const
@@ -82,10 +112,7 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     paintIcon(painter, option, index);
     if (index.model()->hasChildren(index)) {
         const auto *tree = qobject_cast<const QTreeView *>(option.widget);
-        ZQIcon::paint(*painter, twistyRect(row, index),
-                      tree && tree->isExpanded(index) ? QStringLiteral("chevron-down")
-                                                      : QStringLiteral("chevron-right"),
-                      zqColor(ZQColorRole::TextFaint));
+        paintTwisty(painter, twistyRect(row, index), tree && tree->isExpanded(index));
     }
     const int badgeWidth = paintBadge(painter, option, index);
     const bool isAway = index.data(SidebarTreeModel::StateRole).toBool();
@@ -93,14 +120,16 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setPen(zqColor(isAway ? ZQColorRole::TextFaint : ZQColorRole::Text));
     const int left = titleLeft(row, index);
     const QRect text(left, row.top(), row.right() - rowMargin - 8 - badgeWidth - left, row.height());
-    painter->drawText(text, Qt::AlignVCenter, painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
+    painter->drawText(mirrored(row, text), int(Qt::AlignVCenter) | leading(),
+                      painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
     painter->restore();
 }
 
 QRect SidebarDelegate::signRect(const QRect &row, const QModelIndex &index)
 {
-    return isLabel(index) ? labelButtonRect(row).translated(-labelButtonRect(row).width() - 8, 0)
-                          : iconRect(row, index);
+    return isLabel(index)
+               ? mirrored(row, mirrored(row, labelButtonRect(row)).translated(-labelButtonRect(row).width() - 8, 0))
+               : iconRect(row, index);
 }
 
 void SidebarDelegate::paintTurning(QPainter *painter, const QRectF &box) const
@@ -126,7 +155,7 @@ void SidebarDelegate::paintLabel(QPainter *painter, const QStyleOptionViewItem &
                                  ZQMeasure::rowRadius);
     }
     painter->setPen(zqColor(ZQColorRole::TextFaint));
-    painter->drawText(row.adjusted(16, 8, -16, 0), Qt::AlignVCenter, index.data().toString());
+    painter->drawText(row.adjusted(16, 8, -16, 0), int(Qt::AlignVCenter) | leading(), index.data().toString());
     if (const QString button = index.data(SidebarTreeModel::ButtonRole).toString(); !button.isEmpty()) {
         ZQIcon::paint(*painter, labelButtonRect(row), button, zqColor(ZQColorRole::TextFaint));
     }
@@ -139,7 +168,7 @@ void SidebarDelegate::paintLabel(QPainter *painter, const QStyleOptionViewItem &
         const QRect below = option.rect.adjusted(16, labelHeight, -16, 0);
         painter->setFont(ZQTheme::current().font(ZQMeasure::smallTextSize));
         painter->setPen(zqColor(ZQColorRole::TextMuted));
-        painter->drawText(below, Qt::AlignVCenter,
+        painter->drawText(below, int(Qt::AlignVCenter) | leading(),
                           painter->fontMetrics().elidedText(hint, Qt::ElideRight, below.width()));
     }
 }
@@ -175,12 +204,13 @@ int SidebarDelegate::paintBadge(QPainter *painter, const QStyleOptionViewItem &o
     const QString badge = index.data(SidebarTreeModel::CountRole).toString();
     int width = badge.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(badge) + 8;
     painter->setPen(color);
-    painter->drawText(option.rect.adjusted(0, 0, -rowMargin - 8, 0), int(Qt::AlignVCenter | Qt::AlignRight), badge);
+    painter->drawText(mirrored(option.rect, option.rect.adjusted(0, 0, -rowMargin - 8, 0)),
+                      int(Qt::AlignVCenter) | trailing(), badge);
     if (const QString mark = index.data(SidebarTreeModel::MarkRole).toString(); !mark.isEmpty()) {
         const int right = option.rect.right() - rowMargin - 8 - width;
         const QRect box(right - markSize, option.rect.top() + (option.rect.height() - markSize) / 2, markSize,
                         markSize);
-        ZQIcon::paint(*painter, box, mark, color);
+        ZQIcon::paint(*painter, mirrored(option.rect, box), mark, color);
         width += markSize + 6;
     }
     return width;
@@ -211,6 +241,7 @@ void SidebarDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionVi
                                            const QModelIndex &index) const
 {
     const QRect row = option.rect;
-    editor->setGeometry(titleLeft(row, index) - 5, row.top() + 2,
-                        row.right() - rowMargin - 2 - titleLeft(row, index) + 5, row.height() - 4);
+    const QRect title(titleLeft(row, index) - 5, row.top() + 2, row.right() - rowMargin - 2 - titleLeft(row, index) + 5,
+                      row.height() - 4);
+    editor->setGeometry(mirrored(row, title));
 }

@@ -25,7 +25,9 @@ public:
     static constexpr int rowMargin = 8;
     static constexpr int twistyRoom = 14;
     static bool isLabel(const QModelIndex &index);
-    static int titleLeft(const QRect &row, const QModelIndex &index);
+    // Where a language is written from right to left, `rect` of a row is on its other side; the rectangles below are.
+    static QRect mirrored(const QRect &row, const QRect &rect);
+    static int titleLeft(const QRect &row, const QModelIndex &index); // not mirrored
     static QRect twistyRect(const QRect &row, const QModelIndex &index);
     static QRect iconRect(const QRect &row, const QModelIndex &index);
     static QRect labelButtonRect(const QRect &row);                    // of a section head with a button

@@ -230,7 +230,8 @@ void SidebarTreeView::mousePressEvent(QMouseEvent *event)
         const bool isOnlySelected =
             selectionModel()->isSelected(index) && selectionModel()->selectedIndexes().size() == 1;
         if (isOnlySelected && hasFocus() && event->modifiers() == Qt::NoModifier &&
-            event->pos().x() >= SidebarDelegate::titleLeft(visualRect(index), index)) {
+            SidebarDelegate::mirrored(visualRect(index), {event->pos(), QSize(1, 1)}).x() >=
+                SidebarDelegate::titleLeft(visualRect(index), index)) {
             m_pressedSelected = index;
         }
     }
@@ -413,7 +414,8 @@ void SidebarTreeView::showPlace(const SidebarDropPlace *place)
             const int y = rows == 0 || place->index >= rows ? row.bottom() : row.top() - 1;
             const int left = (rows == 0 ? rowMargin + twistyRoom
                                         : SidebarDelegate::titleLeft(row, beside) - ZQMeasure::iconSize - 8);
-            m_dropLine = QRect(left, y, viewport()->width() - left - rowMargin, 2);
+            m_dropLine =
+                SidebarDelegate::mirrored(viewport()->rect(), {left, y, viewport()->width() - left - rowMargin, 2});
         }
     } else if (place) {
         m_dropRow = viewport()->rect();

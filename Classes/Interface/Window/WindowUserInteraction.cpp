@@ -256,7 +256,9 @@ void WindowUserInteraction::importDidEndLate(const QString &title, const QString
             onShowImport();
         }
     };
-    m_system.show({title, text, {{zqLocalized("Show"), showImport}}, showImport});
+    m_system.show({title, text, {{zqLocalized("Show"), showImport}}, showImport, [this, title] {
+                       showNotificationWithText(title, NotificationPlace::Window, std::chrono::seconds(3));
+                   }});
 }
 
 void WindowUserInteraction::tellWhenAway(const AwayNotice &notice)

@@ -76,8 +76,8 @@ TEST(ZQLocalizedTest, TheFirstLanguageThatThereIsACatalogueForIsShown)
     int argc = 0;
     QCoreApplication application(argc, nullptr);
     QTemporaryDir none;
-    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::German, QLocale::Austria), none.path()), QStringLiteral("en"));
-    EXPECT_EQ(zqInstallLanguage(QLocale::c(), none.path()), QStringLiteral("en"));
+    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::German, QLocale::Austria), none.path()).code, QStringLiteral("en"));
+    EXPECT_EQ(zqInstallLanguage(QLocale::c(), none.path()).code, QStringLiteral("en"));
 
     QFile source(none.filePath(QStringLiteral("zelto_de.ts")));
     ASSERT_TRUE(source.open(QIODevice::WriteOnly));
@@ -87,7 +87,12 @@ TEST(ZQLocalizedTest, TheFirstLanguageThatThereIsACatalogueForIsShown)
                  "<message><source>Open</source><translation>Öffnen</translation></message></context></TS>");
     source.close();
     ASSERT_EQ(QProcess::execute(QStringLiteral(ZELTO_LRELEASE), {QStringLiteral("-silent"), source.fileName()}), 0);
-    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::German, QLocale::Austria), none.path()), QStringLiteral("de"));
+    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::German, QLocale::Austria), none.path()).code, QStringLiteral("de"));
+    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::Hebrew), none.path()).direction, Qt::LeftToRight)
+        << "the language shown is English";
+    ASSERT_TRUE(
+        QFile::copy(none.filePath(QStringLiteral("zelto_de.qm")), none.filePath(QStringLiteral("zelto_he.qm"))));
+    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::Hebrew), none.path()).direction, Qt::RightToLeft);
     EXPECT_EQ(zqLocalized("Open"), QStringLiteral("Öffnen"));
     EXPECT_EQ(zqLocalized("Close"), QStringLiteral("Close")) << "what is not in it stays English";
     EXPECT_EQ(zqCounted({"1 item", "%@ items"}, 1), QStringLiteral("ein Objekt"));
