@@ -282,6 +282,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <source>%@ takes no connection.</source>
         <translation>%@ nimmt keine Verbindung an.</translation>
     </message>
+    <message numerus="yes">
+        <source>%@ times</source>
+        <comment>counted</comment>
+        <extracomment>for one: %@ time</extracomment>
+        <translation>
+            <numerusform>%@ Mal</numerusform>
+            <numerusform>%@ Mal</numerusform>
+        </translation>
+    </message>
     <message>
         <source>%@ to %@</source>
         <translation>%@ bis %@</translation>
@@ -353,10 +362,6 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     <message>
         <source>%@: %@, %@ in %@</source>
         <translation>%@: %@, %@ in %@</translation>
-    </message>
-    <message>
-        <source>%@: %@, %@ times</source>
-        <translation>%@: %@, %@-mal</translation>
     </message>
     <message>
         <source>%@: is a link, which can't be made where the backup is</source>
@@ -1154,12 +1159,24 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Hinzufügen</translation>
     </message>
     <message>
+        <source>Add Export Preset</source>
+        <translation>Voreinstellung hinzugefügt</translation>
+    </message>
+    <message>
         <source>Add Folder</source>
         <translation>Ordner hinzufügen</translation>
     </message>
     <message>
         <source>Add Live Folder…</source>
         <translation>Live-Ordner hinzufügen…</translation>
+    </message>
+    <message>
+        <source>Add New Folder</source>
+        <translation>Ordner angelegt</translation>
+    </message>
+    <message>
+        <source>Add New Project</source>
+        <translation>Projekt angelegt</translation>
     </message>
     <message>
         <source>Add Templates</source>
@@ -1711,6 +1728,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Cloud</translation>
     </message>
     <message>
+        <source>Cloud Upload (CloudApp)</source>
+        <translation>Hochgeladen (CloudApp)</translation>
+    </message>
+    <message>
+        <source>Cloud Upload (Dropbox)</source>
+        <translation>Hochgeladen (Dropbox)</translation>
+    </message>
+    <message>
         <source>Cloud preferences…</source>
         <translation>Cloud-Einstellungen…</translation>
     </message>
@@ -1862,6 +1887,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Delete %@ and Content</source>
         <translation>%@ samt Inhalt löschen</translation>
+    </message>
+    <message>
+        <source>Delete Export Preset</source>
+        <translation>Voreinstellung gelöscht</translation>
     </message>
     <message>
         <source>Delete Preset</source>
@@ -2126,6 +2155,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Export</source>
         <translation>Exportieren</translation>
+    </message>
+    <message>
+        <source>Export Items</source>
+        <translation>Objekte exportiert</translation>
     </message>
     <message>
         <source>Export as Layered PSD</source>
@@ -3327,6 +3360,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Move</source>
         <translation>Verschieben</translation>
+    </message>
+    <message>
+        <source>Move Export Preset</source>
+        <translation>Voreinstellung verschoben</translation>
     </message>
     <message>
         <source>Move Library…</source>

@@ -282,6 +282,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <source>%@ takes no connection.</source>
         <translation>%@ n’accepte aucune connexion.</translation>
     </message>
+    <message numerus="yes">
+        <source>%@ times</source>
+        <comment>counted</comment>
+        <extracomment>for one: %@ time</extracomment>
+        <translation>
+            <numerusform>%@ fois</numerusform>
+            <numerusform>%@ fois</numerusform>
+        </translation>
+    </message>
     <message>
         <source>%@ to %@</source>
         <translation>%@ à %@</translation>
@@ -353,10 +362,6 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     <message>
         <source>%@: %@, %@ in %@</source>
         <translation>%@ : %@, %@ dans %@</translation>
-    </message>
-    <message>
-        <source>%@: %@, %@ times</source>
-        <translation>%@ : %@, %@ fois</translation>
     </message>
     <message>
         <source>%@: is a link, which can't be made where the backup is</source>
@@ -1154,12 +1159,24 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Ajouter</translation>
     </message>
     <message>
+        <source>Add Export Preset</source>
+        <translation>Préréglage ajouté</translation>
+    </message>
+    <message>
         <source>Add Folder</source>
         <translation>Ajouter un dossier</translation>
     </message>
     <message>
         <source>Add Live Folder…</source>
         <translation>Ajouter un dossier actif…</translation>
+    </message>
+    <message>
+        <source>Add New Folder</source>
+        <translation>Dossier créé</translation>
+    </message>
+    <message>
+        <source>Add New Project</source>
+        <translation>Projet créé</translation>
     </message>
     <message>
         <source>Add Templates</source>
@@ -1711,6 +1728,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Cloud</translation>
     </message>
     <message>
+        <source>Cloud Upload (CloudApp)</source>
+        <translation>Envoi (CloudApp)</translation>
+    </message>
+    <message>
+        <source>Cloud Upload (Dropbox)</source>
+        <translation>Envoi (Dropbox)</translation>
+    </message>
+    <message>
         <source>Cloud preferences…</source>
         <translation>Préférences du cloud…</translation>
     </message>
@@ -1862,6 +1887,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Delete %@ and Content</source>
         <translation>Supprimer %@ et le contenu</translation>
+    </message>
+    <message>
+        <source>Delete Export Preset</source>
+        <translation>Préréglage supprimé</translation>
     </message>
     <message>
         <source>Delete Preset</source>
@@ -2126,6 +2155,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Export</source>
         <translation>Exporter</translation>
+    </message>
+    <message>
+        <source>Export Items</source>
+        <translation>Éléments exportés</translation>
     </message>
     <message>
         <source>Export as Layered PSD</source>
@@ -3327,6 +3360,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Move</source>
         <translation>Déplacer</translation>
+    </message>
+    <message>
+        <source>Move Export Preset</source>
+        <translation>Préréglage déplacé</translation>
     </message>
     <message>
         <source>Move Library…</source>
