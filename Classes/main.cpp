@@ -41,6 +41,7 @@
 #include <QProcess>
 #include <QScopeGuard>
 #include <QScreen>
+#include <QSessionManager>
 #include <QTimer>
 
 #include <algorithm>

@@ -429,6 +429,10 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
         return;
     }
     batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
+    if (batch->result.links.isEmpty()) {
+        m_lastLinks.clear();
+    }
+    m_lastLinks.append(url);
     batch->result.links.append({{adapter.fileToUploadURL(), adapter.fileToUploadName()}, url});
     const bool isLast = batch->left.isEmpty();
     if (isLast) {
@@ -475,11 +479,13 @@ void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &err
         result.hasFailed = true;
         result.error = error;
     });
-    qCWarning(zqLogApplication).noquote() << zqFormat(QStringLiteral("File upload failed: %@"),
-                                                      {error.isNull() ? QString() : error.localizedDescription()});
-    if (batch->ended) {
+    const QString line =
+        zqFormat(QStringLiteral("File upload failed: %@"), {error.isNull() ? QString() : error.localizedDescription()});
+    if (batch->ended) { // who asked says it, perhaps where this line would stand, too
+        qCDebug(zqLogApplication).noquote() << line;
         return;
     }
+    qCWarning(zqLogApplication).noquote() << line;
     if (zqIsNetworkError(error, ZQNetworkErrorCode::Offline)) {
         present(zqLocalized("The internet connection seem to be unavailable."));
     }

@@ -74,6 +74,8 @@ public:
     void cancelUpload(quint64 upload); // these files and no others; nothing once they have ended
 
     bool isUploading() const override { return !m_batches.isEmpty(); }
+    // Of the files that were uploaded together last, in their order, since the application began.
+    QStringList linksOfLastUpload() const { return m_lastLinks; }
     void cancelUploads() override;
     bool hasUploadsLeft() const override { return isUploading() || m_queue.operationCount() > 0; }
 
@@ -113,6 +115,7 @@ private:
 
     QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
     quint64 m_lastNumber = 0;
+    QStringList m_lastLinks;
     QList<std::shared_ptr<WaitingExport>> m_waitingExports;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;

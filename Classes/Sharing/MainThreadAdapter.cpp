@@ -1,20 +1,14 @@
 #include "Classes/Sharing/MainThreadAdapter.h"
 
+#include "Kit/Files/ZQFreeName.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
-
-constexpr qsizetype longestName = 180; // UTF-16 units, so that it has room in the 255 bytes or so of most servers
-constexpr qsizetype longestInUTF8 = 240;
-
-bool isForbidden(QChar each)
-{
-    return each == u'/' || each == u'\\' || each.category() == QChar::Other_Control ||
-           each.category() == QChar::Separator_Line || each.category() == QChar::Separator_Paragraph;
-}
-
+constexpr qsizetype longestName = 240; // bytes; servers have 255 or so, and some put something behind it
 } // namespace
 
 void MainThreadAdapter::onMainThread(std::function<void()> block)
@@ -49,22 +43,16 @@ void MainThreadAdapter::cancel()
     });
 }
 
+// Not `zqSafeName`, which is for files of this machine: at a service a name may begin with a dot, hides nothing, and is
+// otherwise the title as it stands.
 QString MainThreadAdapter::nameForUpload() const
 {
+    QString stem = fileToUploadName();
+    std::replace_if(
+        stem.begin(), stem.end(), [](QChar each) { return each == u'\\' || !zqIsSafeInName(each); }, u'_');
+    if (stem.count(u'.') == stem.size()) { // "..", which leads elsewhere
+        stem.prepend(u'_');
+    }
     const QString suffix = QFileInfo(fileToUploadURL()).suffix();
-    QString stem = fileToUploadName().left(longestName);
-    for (QChar &each : stem) {
-        if (isForbidden(each)) {
-            each = u'_';
-        }
-    }
-    const QString ending = suffix.isEmpty() ? QString() : u'.' + suffix;
-    while (!stem.isEmpty() && (stem + ending).toUtf8().size() > longestInUTF8) {
-        stem.chop(stem.size() > 1 && stem.back().isLowSurrogate() ? 2 : 1);
-    }
-    if (!stem.isEmpty() && stem.back().isHighSurrogate()) {
-        stem.chop(1);
-    }
-    const bool isOnlyDots = stem.count(u'.') == stem.size();
-    return (isOnlyDots ? u'_' + stem : stem) + ending;
+    return zqNumberedName(suffix.isEmpty() ? stem : stem + u'.' + suffix, 0, longestName);
 }

@@ -98,10 +98,11 @@ void ServiceRequests::came(const std::shared_ptr<UnderWay> &underWay, const ZQHT
         return;
     }
     const Answered answered = underWay->answered;
+    const QString host = underWay->request.url.host();
     m_underWay.reset();
     if (zqIsNetworkError(response.error, ZQNetworkErrorCode::TooLarge)) {
         ZQHTTPResponse told = response;
-        told.error = tooLarge(response.url.host());
+        told.error = tooLarge(host);
         answered(told);
     } else {
         answered(response);

@@ -116,3 +116,18 @@ QString UploadDescription::linkIn(const ZQHTTPResponse &response) const
     return ServiceAddress::link(
         response.url.resolved(QUrl(found.trimmed())).toString(QUrl::FullyEncoded | QUrl::RemoveUserInfo));
 }
+
+QByteArray UploadDescription::example()
+{
+    return R"({
+  "format": 1,
+  "name": "Our server",
+  "method": "POST",
+  "url": "https://files.example.org/upload",
+  "headers": {"Authorization": "Bearer {secret:token}"},
+  "fields": {"album": "Zelto"},
+  "file": "upload",
+  "link": {"pointer": "/data/url"}
+}
+)";
+}

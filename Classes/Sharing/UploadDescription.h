@@ -37,6 +37,8 @@ struct UploadDescription
     // Nothing, with an error that names the line, for what cannot be taken.
     static std::optional<UploadDescription> from(const QByteArray &JSON, ZQError *error = nullptr);
 
+    static QByteArray example(); // to begin one with
+
     QStringList secrets() const;                       // names, each once, in the order in which they appear
     static QStringList secretsIn(const QString &text); // each time it names one
     // Where files go: "files.example.org", with a port where it names one, and with "http://" where it is not

@@ -14,7 +14,8 @@ namespace {
 // Why a server gave no answer at all. Where the person named no scheme it may be one without encryption.
 ZQError withoutScheme(const WebDAVSettings &settings, const ZQHTTPResponse &response)
 {
-    const bool isHTTPAllowed = zqIsPrivateHostName(response.url.host()) && !settings.address.contains(u"://");
+    const auto address = ServiceAddress::from(settings.address);
+    const bool isHTTPAllowed = address && zqIsPrivateHostName(address->host()) && !settings.address.contains(u"://");
     if (!isHTTPAllowed || !zqIsNetworkError(response.error, ZQNetworkErrorCode::Untrusted)) {
         return response.error;
     }

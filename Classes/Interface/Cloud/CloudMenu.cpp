@@ -2,10 +2,10 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Cloud/CloudButton.h"
-#include "Classes/Interface/WindowCommand.h"
 #include "Classes/Sharing/CloudMenuViewController.h"
 #include "Classes/Sharing/CloudService.h"
 #include "Classes/Sharing/CloudServices.h"
+#include "Classes/Sharing/CloudUploader.h"
 #include "Classes/Sharing/HumanizedTime.h"
 #include "Classes/Sharing/LatestUploads.h"
 #include "Classes/Sharing/WebBrowser.h"
@@ -30,6 +30,7 @@ namespace {
 
 constexpr int menuWidth = 320;
 constexpr int nameWidth = 150;
+constexpr int linkWidth = 130;
 constexpr int rightMargin = 12;
 constexpr int arrowWidth = 24;
 constexpr std::chrono::milliseconds copiedTime{1500};
@@ -137,8 +138,7 @@ void CloudMenu::fill()
     addUploads();
     addSeparator();
     addServices();
-    addAction(zqTitleWithKeys(zqLocalized("Cloud preferences…"), m_preferencesKeys), this,
-              &CloudMenu::preferencesRequested);
+    addAction(zqLocalized("Cloud preferences…"), this, &CloudMenu::preferencesRequested);
     if (isVisible()) {
         adjustSize();
     }
@@ -185,7 +185,8 @@ void CloudMenu::addUploads()
     for (const LatestUpload &upload : uploads) {
         const QString name = upload.filename.isEmpty() ? upload.url : upload.filename;
         const QString shown = fontMetrics().elidedText(name, Qt::ElideMiddle, nameWidth);
-        const QString time = stringWithHumanizedTimeDifference(upload.date);
+        const QString time = zqFormat(QStringLiteral("%@ · %@"),
+                                      {stringWithHumanizedTimeDifference(upload.date), shortLink(upload.url)});
         QAction *action =
             addAction(ZQIcon::icon(QStringLiteral("project")),
                       line(shown, upload.url == copied ? zqFormat(zqLocalized("%@ · Copied"), {time}) : time), this,
@@ -197,6 +198,26 @@ void CloudMenu::addUploads()
     if (uploads.isEmpty()) {
         addAction(zqLocalized("No uploads yet"))->setEnabled(false);
     }
+    if (const QStringList links = CloudUploader::sharedCloudUploader().linksOfLastUpload(); links.size() > 1) {
+        QAction *all = addAction(
+            zqCounted({"Copy the Link of the Last Upload", "Copy All %@ Links of the Last Upload"}, links.size()), this,
+            [this, links] { takeAll(links); });
+        all->setToolTip(zqLocalized("One on each line. After several files the clipboard holds the link of the last."));
+    }
+}
+
+QString CloudMenu::shortLink(const QString &url) const
+{
+    const QString plain = url.section(QStringLiteral("://"), 1);
+    return fontMetrics().elidedText(plain.startsWith(u"www.") ? plain.mid(4) : plain, Qt::ElideMiddle, linkWidth);
+}
+
+void CloudMenu::takeAll(const QStringList &links)
+{
+    QGuiApplication::clipboard()->setText(links.join(u'\n'));
+    m_user.showNotificationWithText(
+        zqCounted({"1 link copied to clipboard!", "%@ links copied to clipboard!"}, links.size()),
+        NotificationPlace::Window, copiedTime);
 }
 
 void CloudMenu::take(const QString &url, const QString &name)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QKeySequence>
 #include <QMenu>
 #include <QPointer>
 
@@ -19,7 +18,6 @@ public:
     CloudMenu(CloudButton &button, UserInteraction &user, QWidget *parent);
 
     void fill();
-    void setPreferencesKeys(const QKeySequence &keys) { m_preferencesKeys = keys; }
 
 Q_SIGNALS:
     void preferencesRequested();
@@ -36,6 +34,8 @@ private:
     void addCaption(const QString &text);
     void showProgress();
     void take(const QString &url, const QString &name);
+    void takeAll(const QStringList &links);
+    QString shortLink(const QString &url) const;
     void choose(const QString &service); // empty: whichever is there
 
     class Bar;
@@ -44,6 +44,5 @@ private:
     QAction *m_progress = nullptr; // the two are there while files go up
     Bar *m_bar = nullptr;
     QPointer<QMenu> m_services;
-    QKeySequence m_preferencesKeys;
     std::shared_ptr<void> m_token;
 };

@@ -164,18 +164,23 @@ QLabel *CloudAccountPage::addNote(const QString &text)
 
 void CloudAccountPage::addLink(const QString &text, const QUrl &url)
 {
-    auto *link = new QToolButton(this);
-    link->setObjectName(QStringLiteral("Link"));
-    link->setText(text);
-    link->setToolTip(url.toString());
-    link->setCursor(Qt::PointingHandCursor);
-    link->setFocusPolicy(Qt::TabFocus);
-    connect(link, &QToolButton::clicked, this, [this, url] {
+    addLink(text, url.toString(), [this, url] {
         const bool isOpen = WebBrowser::shared().open(url);
         showProblem(isOpen
                         ? QString()
                         : zqFormat(zqLocalized("No web browser could be opened. The address is %@"), {url.toString()}));
     });
+}
+
+void CloudAccountPage::addLink(const QString &text, const QString &toolTip, std::function<void()> run)
+{
+    auto *link = new QToolButton(this);
+    link->setObjectName(QStringLiteral("Link"));
+    link->setText(text);
+    link->setToolTip(toolTip);
+    link->setCursor(Qt::PointingHandCursor);
+    link->setFocusPolicy(Qt::TabFocus);
+    connect(link, &QToolButton::clicked, this, std::move(run));
     m_column->addWidget(link, 0, Qt::AlignLeft);
 }
 

@@ -47,7 +47,8 @@ protected:
     void storeFields(); // of preferences, as they are now
     QLabel *addNote(const QString &text);
     void addLink(const QString &text, const QUrl &url); // opens the web browser
-    QBoxLayout *addRow();                               // for buttons
+    void addLink(const QString &text, const QString &toolTip, std::function<void()> run);
+    QBoxLayout *addRow(); // for buttons
     QPushButton *addButton(QBoxLayout *row, const QString &text, std::function<void()> run);
     // What is under way, or done; behind the buttons. Once.
     void addState(QBoxLayout *row);

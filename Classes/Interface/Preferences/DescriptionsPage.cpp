@@ -1,12 +1,16 @@
 #include "Classes/Interface/Preferences/DescriptionsPage.h"
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Interface/Preferences/DescriptionGuide.h"
 #include "Classes/Interface/Preferences/DescriptionReview.h"
 #include "Classes/Sharing/CustomService.h"
 #include "Classes/Sharing/CustomServices.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 
 #include <QBoxLayout>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QPointer>
@@ -22,6 +26,7 @@ DescriptionsPage::DescriptionsPage(UserInteraction &user, QWidget *parent)
     : CloudAccountPage(QStringLiteral("custom"), zqLocalized("Others"), parent), m_user(user),
       m_list(new QListWidget(this))
 {
+    m_list->setObjectName(QStringLiteral("Descriptions"));
     m_list->setAccessibleName(zqLocalized("Other services"));
     m_list->setFixedHeight(listHeight);
     column()->addWidget(m_list);
@@ -32,9 +37,12 @@ DescriptionsPage::DescriptionsPage(UserInteraction &user, QWidget *parent)
     QBoxLayout *row = addRow();
     m_import = addButton(row, zqLocalized("&Import…"), [this] { importFile(); });
     m_remove = addButton(row, zqLocalized("&Remove"), [this] { removeSelected(); });
+    m_example = addButton(row, zqLocalized("Save an &Example…"), [this] { saveExample(); });
     addState(row);
     addNote(zqLocalized("Any other service that takes files over the web, as a description file says: its address, "
                         "headers and form fields, and where the link is found in its answer."));
+    addLink(zqLocalized("What a description says"), zqLocalized("Shows every name and what it means."),
+            [this] { (new DescriptionGuide(window()))->open([](std::optional<int>) {}); });
     DescriptionsPage::refresh();
 }
 
@@ -99,6 +107,32 @@ void DescriptionsPage::importFile()
     if (description) {
         review(*description);
     }
+}
+
+void DescriptionsPage::saveExample()
+{
+    FileChoice choice;
+    choice.title = zqLocalized("Save an Example");
+    choice.prompt = zqLocalized("Save");
+    choice.suggestedName = QStringLiteral("description.json");
+    choice.extensions = {QStringLiteral("json")};
+    const QPointer self(this); // the dialog runs the main loop
+    const std::optional<QString> path = m_user.chooseFileToSave(choice);
+    if (!self || !path) {
+        return;
+    }
+    const QByteArray text = UploadDescription::example();
+    QFile file(*path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        showProblem(QFileInfo::exists(*path)
+                        ? zqFormat(zqLocalized("“%@” is there already. Choose another name."), {*path})
+                        : zqFormat(zqLocalized("“%@” cannot be written: %@"), {*path, zqSentence(file.errorString())}));
+        return;
+    }
+    const bool isWritten = file.write(text) == text.size() && file.flush();
+    showProblem(isWritten
+                    ? QString()
+                    : zqFormat(zqLocalized("“%@” cannot be written: %@"), {*path, zqSentence(file.errorString())}));
 }
 
 void DescriptionsPage::review(const UploadDescription &description)

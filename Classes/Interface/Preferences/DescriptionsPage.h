@@ -10,7 +10,7 @@ class QListWidget;
 class UserInteraction;
 
 // Other upload addresses, each of which a description file brought. What a file says is shown, and the secrets it needs
-// are asked for, before it is added. Main thread.
+// are asked for, before it is added. What one looks like is there to be read and to begin with. Main thread.
 class DescriptionsPage : public CloudAccountPage
 {
     Q_OBJECT
@@ -21,6 +21,7 @@ public:
     QString serviceToUse() const override;
 
     void importFile();
+    void saveExample();
 
 private:
     void review(const UploadDescription &description);
@@ -34,6 +35,7 @@ private:
     QListWidget *m_list;
     QPushButton *m_import = nullptr;
     QPushButton *m_remove = nullptr;
+    QPushButton *m_example = nullptr;
     DescriptionReview *m_review = nullptr; // while one is shown
     bool m_isBusy = false;
 };

@@ -14,6 +14,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QBoxLayout>
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QPushButton>
@@ -33,6 +34,7 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSched
 {
     setObjectName(QStringLiteral("Preferences"));
     setAttribute(Qt::WA_DeleteOnClose);
+    setProperty(Sheet::hasOwnProperty, true);
     setWindowTitle(zqLocalized("Preferences"));
     setMinimumSize(640, 540);
     m_names->setObjectName(QStringLiteral("PaneNames"));
@@ -70,6 +72,10 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSched
     close->setShortcut(Qt::CTRL | Qt::Key_W);
     connect(close, &QAction::triggered, this, &QWidget::close);
     addAction(close);
+    auto *quit = new QAction(this);
+    quit->setShortcut(Qt::CTRL | Qt::Key_Q);
+    connect(quit, &QAction::triggered, this, [&delegate] { delegate.terminate(); });
+    addAction(quit);
     mainWindow->installEventFilter(this);
     m_token = ZQUserDefaults::standardUserDefaults().observe([self = QPointer(this)](const QString &key) {
         zqOnMainThread([self, key] {
@@ -121,6 +127,16 @@ void PreferencesWindow::keyPressEvent(QKeyEvent *event)
         QDialog::keyPressEvent(event);
     } else if (auto *button = qobject_cast<QPushButton *>(QApplication::focusWidget())) {
         button->click();
+    }
+}
+
+// Whoever asked waits for the answer in a loop above.
+void PreferencesWindow::closeEvent(QCloseEvent *event)
+{
+    if (property(Sheet::isShownProperty).toInt() > 0) {
+        event->ignore();
+    } else {
+        QDialog::closeEvent(event);
     }
 }
 

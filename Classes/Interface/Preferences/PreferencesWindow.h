@@ -26,6 +26,7 @@ public:
     void verifyLibrary(); // shows the pane of the library, and begins there
 
 protected:
+    void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     bool eventFilter(QObject *object, QEvent *event) override;

@@ -21,6 +21,9 @@ public:
     // On the window, how many sheets hang from it: its commands rest while there is one.
     static constexpr const char *isShownProperty = "zqSheetIsShown";
 
+    // On a window beside the main one: what is asked while it is active hangs from it, and it stays open meanwhile.
+    static constexpr const char *hasOwnProperty = "zqHasSheets";
+
     Sheet(QWidget *window, const QString &title);
     ~Sheet() override;
     int run(); // waits; the code given to `done`

@@ -220,7 +220,6 @@ void MainWindowController::makeCommands()
           helpCommands()}) {
         m_commands->add(contributed);
     }
-    m_cloud->menu().setPreferencesKeys(command(CommandID::Preferences)->shortcut());
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
     m_toolbar->menuButton().setMenu(
         m_commands->makeMenus(&m_toolbar->menuButton(), [this](QMenu &menu) { m_export->addTo(menu); }));

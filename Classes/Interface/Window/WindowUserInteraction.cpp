@@ -113,6 +113,14 @@ private:
     QPointer<ZQProgressLine> m_line;
 };
 
+QWidget *windowToAskIn(QWidget *mainWindow)
+{
+    QWidget *const active = QApplication::activeWindow();
+    const bool isBeside =
+        active && active->parentWidget() == mainWindow && active->property(Sheet::hasOwnProperty).toBool();
+    return isBeside ? active : mainWindow;
+}
+
 QString filterFor(const FileChoice &choice)
 {
     if (choice.extensions.isEmpty()) {
@@ -171,7 +179,7 @@ void WindowUserInteraction::presentError(const ZQError &error)
 int WindowUserInteraction::ask(const UserQuestion &question)
 {
     if (hasWindow()) {
-        return QuestionSheet(m_places.window, question).ask();
+        return QuestionSheet(windowToAskIn(m_places.window), question).ask();
     }
     QMessageBox box;
     constexpr qsizetype longest = 1500;

@@ -143,6 +143,11 @@ TEST_F(CloudButtonTest, AClickSharesWhatIsSelectedAndTheRingFills)
     EXPECT_TRUE(says(QStringLiteral("Uploaded 2 files to the cloud!")));
     EXPECT_TRUE(showsNoUpload());
     EXPECT_EQ(QGuiApplication::clipboard()->text(), second);
+    openMenu();
+    QAction *all = entry(QStringLiteral("Copy All 2 Links"));
+    ASSERT_TRUE(all);
+    all->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), first + u'\n' + second);
 }
 
 TEST_F(CloudButtonTest, TheSameKeysShareAndCancel)
@@ -209,6 +214,7 @@ TEST_F(CloudButtonTest, TheMenuListsUploadsAndCopiesOrOpensTheirLinks)
     QAction *hero = entry(QStringLiteral("hero\t"));
     ASSERT_TRUE(hero);
     EXPECT_FALSE(hero->text().contains(QStringLiteral("Copied")));
+    EXPECT_TRUE(hero->text().endsWith(QStringLiteral("example.org/2"))) << "which tells those of one name apart";
     EXPECT_TRUE(entry(QStringLiteral("one or && two\t2 "))) << "no tab of its own, and no key";
 
     cloudMenu().setActiveAction(hero);

@@ -22,6 +22,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTextBrowser>
+#include <QToolButton>
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
@@ -414,4 +416,37 @@ TEST_F(CloudPaneTest, ADescriptionSaysWhereFilesGoBeforeItIsAdded)
     ASSERT_TRUE(waitFor([&] { return list->count() == 0; }));
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(CustomServices::all().isEmpty());
+}
+
+TEST_F(CloudPaneTest, ADescriptionBeginsWithTheExampleAndTheGuide)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("mine.json"));
+    pane->showPage(QStringLiteral("custom"));
+    button("Save an Example…")->click();
+    EXPECT_FALSE(QFile::exists(path)) << "no name was chosen";
+    user.fileToSave = path;
+    button("Save an Example…")->click();
+    EXPECT_TRUE(CustomServices::read(path)) << "it can be imported as it is";
+
+    const auto contents = [&path] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("mine") == 4);
+    file.close();
+    button("Save an Example…")->click();
+    EXPECT_EQ(contents(), QByteArray("mine"));
+    EXPECT_TRUE(isSaid(QStringLiteral("is there already")));
+    user.fileToSave = folder.filePath(QStringLiteral("none/x.json"));
+    button("Save an Example…")->click();
+    EXPECT_TRUE(isSaid(QStringLiteral("cannot be written")));
+
+    auto *link = shown<QToolButton>(QStringLiteral("What a description says"));
+    ASSERT_TRUE(link);
+    link->click();
+    const auto *text = shown<QTextBrowser>(QStringLiteral("What a description says"));
+    ASSERT_TRUE(text);
+    EXPECT_TRUE(text->toPlainText().contains(QStringLiteral("If-None-Match")));
 }

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 #include "Classes/Application/LibraryCheck.h"
+#include "Classes/Interface/Preferences/CloudPane.h"
 #include "Classes/Interface/Preferences/LibraryPane.h"
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -16,6 +17,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -24,6 +26,7 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -403,4 +406,38 @@ TEST_F(PreferencesWindowTest, AQuestionOfTheWindowIsNotHiddenByIt)
     run(CommandID::Keyboard);
     ASSERT_TRUE(preferences());
     EXPECT_TRUE(preferences()->isVisible());
+}
+
+TEST_F(PreferencesWindowTest, AQuestionOfThePreferencesHangsFromThem)
+{
+    open();
+    whenAsked([this](Sheet &sheet) {
+        EXPECT_TRUE(preferences()->isAncestorOf(&sheet));
+        preferences()->close();
+        EXPECT_TRUE(preferences()->isVisible()) << "somebody waits for the answer";
+        press(Qt::Key_Escape);
+    });
+    const QStringList buttons{QStringLiteral("Remove"), QStringLiteral("Cancel")};
+    EXPECT_EQ(person.ask({QStringLiteral("Remove?"), {}, buttons, {}, true}), 1);
+    close();
+}
+
+TEST_F(PreferencesWindowTest, ReturnInAPasswordConnectsAndPressesNoOtherButton)
+{
+    open();
+    choose("Cloud");
+    static_cast<CloudPane &>(pane()).showPage(QStringLiteral("webdav"));
+    control<QLineEdit>("Address")->setText(QStringLiteral("http://127.0.0.1:1"));
+    control<QLineEdit>("User")->setText(QStringLiteral("me"));
+    auto *password = control<QLineEdit>("Password");
+    password->setFocus();
+    QTest::keyClicks(password, QStringLiteral("secret"));
+    QTest::keyClick(password, Qt::Key_Return);
+    const auto isSaid = [this] {
+        const QList<QLabel *> problems = pane().findChildren<QLabel *>(QStringLiteral("Problem"));
+        return std::any_of(problems.begin(), problems.end(), [](const QLabel *each) {
+            return each->isVisible() && each->text().contains(QStringLiteral("127.0.0.1"));
+        });
+    };
+    EXPECT_TRUE(waitFor(isSaid)) << "what came of it";
 }
