@@ -8,7 +8,6 @@
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Network/ZQPrivateAddress.h"
 #include "Kit/Network/ZQServer.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 namespace {
 
@@ -47,24 +46,15 @@ CustomServiceAdapter::CustomServiceAdapter(const QString &fileToUploadURL, const
 {
 }
 
-CustomServiceAdapter::~CustomServiceAdapter()
-{
-    if (!zqIsMainThread()) {
-        zqOnMainThread([requests = std::shared_ptr<ServiceRequests>(std::move(m_requests))] {});
-    }
-}
-
 void CustomServiceAdapter::begin()
 {
-    m_requests = std::make_unique<ServiceRequests>();
-    CustomServices::secretsOf(
-        m_description, [weak = weak_from_this(), this](const QHash<QString, ZQSecret> &secrets, const ZQError &error) {
-            const auto self = weak.lock();
-            if (!self || !m_requests) {
-                return;
-            }
-            error.isNull() ? send(secrets) : uploadFailed(error);
-        });
+    CustomServices::secretsOf(m_description, [this, self = shared_from_this()](const QHash<QString, ZQSecret> &secrets,
+                                                                               const ZQError &error) {
+        if (isCancelled()) {
+            return;
+        }
+        error.isNull() ? send(secrets) : uploadFailed(error);
+    });
 }
 
 ZQHTTPRequest CustomServiceAdapter::request() const
@@ -124,8 +114,8 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
     if (!hasType) {
         filled.headers.emplaceBack("Content-Type", "application/octet-stream");
     }
-    m_requests->perform(
-        filled, [this](const ZQHTTPResponse &response) { answered(response); },
+    m_requests.perform(
+        filled, [this, self = shared_from_this()](const ZQHTTPResponse &response) { answered(response); },
         [this](qint64 sent, qint64 total) { uploadProgess(double(sent) / double(total)); });
 }
 
@@ -173,5 +163,5 @@ void CustomServiceAdapter::answered(const ZQHTTPResponse &response)
 
 void CustomServiceAdapter::abandon()
 {
-    m_requests.reset();
+    m_requests.cancel();
 }

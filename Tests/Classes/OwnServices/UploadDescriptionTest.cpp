@@ -141,6 +141,7 @@ TEST(UploadDescriptionTest, TheOneInTheManualIsTakenWithEachOfItsLinks)
     const QByteArray text = manual.readAll();
     const qsizetype start = text.indexOf("```json\n") + 8;
     const QByteArray block = text.mid(start, text.indexOf("```", start) - start);
+    EXPECT_EQ(block, UploadDescription::example()) << "a person may save it";
     const QByteArray link = R"({"pointer": "/data/url"})";
     ASSERT_TRUE(block.contains(link)) << block.toStdString();
     QByteArrayList links;
