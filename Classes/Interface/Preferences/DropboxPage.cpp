@@ -67,9 +67,7 @@ void DropboxPage::link()
             return;
         }
         const bool isCancelled = error.domain == DBSession::errorDomain && error.code == DBSession::Cancelled;
-        self->showProblem(error.isNull() || isCancelled ? QString() : error.localizedDescription());
-        self->refresh();
-        Q_EMIT self->changed();
+        self->showEnd(isCancelled ? ZQError() : error);
     });
     refresh();
 }
@@ -85,9 +83,7 @@ void DropboxPage::unlink()
     DBSession::sharedSession().unlink([self = QPointer(this)](const ZQError &error) {
         if (self) {
             self->m_isUnlinking = false;
-            self->showProblem(error.isNull() ? QString() : error.localizedDescription());
-            self->refresh();
-            Q_EMIT self->changed();
+            self->showEnd(error);
         }
     });
 }
