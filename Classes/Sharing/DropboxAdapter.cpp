@@ -1,7 +1,6 @@
 #include "Classes/Sharing/DropboxAdapter.h"
 
 #include "Classes/Sharing/AbandonedFolder.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 DropboxAdapter::DropboxAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
                                const QString &fileToUploadID, CloudAdapterDelegate *delegate, DBSession &session)
@@ -13,10 +12,7 @@ DropboxAdapter::DropboxAdapter(const QString &fileToUploadURL, const QString &fi
 
 DropboxAdapter::~DropboxAdapter()
 {
-    // The queue may let go of it on a thread of its own; what is in the client belongs to the main one.
-    if (!zqIsMainThread()) {
-        zqOnMainThread([client = std::shared_ptr<DBRestClient>(std::move(m_dropboxClient))] {});
-    }
+    release(std::move(m_dropboxClient));
 }
 
 void DropboxAdapter::begin()

@@ -55,7 +55,21 @@ ZQError unreachable()
                                      "desktop again, and try once more."));
 }
 
-// What the library that speaks to the keyring keeps of it is worth nothing after the keyring was started anew.
+// Whether the keyring was started anew since this was asked last.
+bool isKeeperAnother()
+{
+    static QString last;
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    const QString owner = bus.isConnected() && bus.interface()
+                              ? bus.interface()->serviceOwner(QStringLiteral("org.freedesktop.secrets")).value()
+                              : QString();
+    const bool isAnother = !last.isEmpty() && !owner.isEmpty() && owner != last;
+    last = owner.isEmpty() ? last : owner;
+    return isAnother;
+}
+
+// The library that speaks to the keyring keeps a session with it, which a keyring that was started anew knows nothing
+// of.
 void forgetSession()
 {
     QLibrary library(QStringLiteral("secret-1"), 0);
@@ -74,7 +88,7 @@ void run(const QString &service, const QString &account, const std::function<voi
     job->setKey(account);
     prepare(*job);
     QObject::connect(job, &QKeychain::Job::finished, [=, wait = SecretStore::wait()](QKeychain::Job * /*job*/) mutable {
-        if (mayTryAgain && job->error() == QKeychain::OtherError && hasKeeper()) {
+        if (isKeeperAnother() && mayTryAgain && job->error() == QKeychain::OtherError) {
             forgetSession();
             run<Job>(service, account, prepare, done, false);
         } else {

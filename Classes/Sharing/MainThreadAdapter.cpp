@@ -1,7 +1,6 @@
 #include "Classes/Sharing/MainThreadAdapter.h"
 
 #include "Kit/Files/ZQFreeName.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 #include <QFileInfo>
 

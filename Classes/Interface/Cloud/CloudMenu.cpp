@@ -208,7 +208,8 @@ void CloudMenu::addUploads()
 
 QString CloudMenu::shortLink(const QString &url) const
 {
-    const QString plain = url.section(QStringLiteral("://"), 1);
+    // Without a query, and without "&", which would mark a key.
+    const QString plain = url.section(QStringLiteral("://"), 1).section(u'?', 0, 0).remove(u'&');
     return fontMetrics().elidedText(plain.startsWith(u"www.") ? plain.mid(4) : plain, Qt::ElideMiddle, linkWidth);
 }
 

@@ -54,6 +54,11 @@ CloudAccountPage::CloudAccountPage(const QString &service, const QString &title,
                                                                 [this](const ZQNotification &) { refresh(); });
 }
 
+void CloudAccountPage::pressOnReturn(const QLineEdit *field, QPushButton *button)
+{
+    connect(field, &QLineEdit::returnPressed, button, &QAbstractButton::click, Qt::QueuedConnection);
+}
+
 QString CloudAccountPage::orKeyring(const QString &otherwise)
 {
     return SecretStore::isWaiting() ? zqLocalized("Waiting for the keyring…") : otherwise;

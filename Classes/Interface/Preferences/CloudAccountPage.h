@@ -34,6 +34,10 @@ public:
     virtual QString serviceToUse() const { return service(); }
     void showUse(const QString &serviceInUse); // offers to share to this one while another one is in use
 
+    // Return in the field presses the button, but once the key has gone all its way: the window would have it press the
+    // button that the focus moves to, as well.
+    static void pressOnReturn(const QLineEdit *field, QPushButton *button);
+
 Q_SIGNALS:
     void refused(const ZQError &error); // what was entered could not be written
     void changed();                     // an account came or went

@@ -21,12 +21,12 @@ CloudAppPage::CloudAppPage(UserInteraction &user, QWidget *parent)
     m_password = addField(zqLocalized("&Password"), {}, FieldKind::Secret);
     for (QLineEdit *field : {m_email, m_password}) {
         connect(field, &QLineEdit::textChanged, this, &CloudAppPage::updateButtons);
-        // Later: the same key would press the button that the focus moves to.
-        connect(
-            field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); }, Qt::QueuedConnection);
     }
     QBoxLayout *row = addRow();
     m_connect = addButton(row, zqLocalized("&Connect"), [this] { connectAccount(); });
+    for (const QLineEdit *field : {m_email, m_password}) {
+        pressOnReturn(field, m_connect);
+    }
     m_cancel = addButton(row, zqLocalized("C&ancel"), [this] { m_account->cancel(); });
     m_disconnect = addButton(row, zqLocalized("&Disconnect"), [this] { disconnectAccount(); });
     addState(row);

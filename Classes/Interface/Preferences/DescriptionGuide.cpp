@@ -10,8 +10,8 @@
 namespace {
 
 constexpr int closeCode = 1;
-constexpr int width = 580;
-constexpr int height = 320;
+constexpr int guideWidth = 580;
+constexpr int guideHeight = 320;
 
 QString guide()
 {
@@ -23,11 +23,11 @@ QString guide()
 
 DescriptionGuide::DescriptionGuide(QWidget *window) : Sheet(window, zqLocalized("What a description says"))
 {
-    setWidth(width);
+    setWidth(guideWidth);
     auto *text = new QTextBrowser(this);
     text->setAccessibleName(zqLocalized("What a description says"));
     text->setTabChangesFocus(true);
-    text->setMinimumHeight(height);
+    text->setMinimumHeight(guideHeight);
     text->setMarkdown(guide());
     content()->addWidget(text);
     addButton(zqLocalized("Close"), closeCode, true);

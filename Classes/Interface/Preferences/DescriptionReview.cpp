@@ -1,5 +1,6 @@
 #include "Classes/Interface/Preferences/DescriptionReview.h"
 
+#include "Classes/Interface/Preferences/CloudAccountPage.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QBoxLayout>
@@ -70,8 +71,7 @@ void DescriptionReview::addSecrets(const UploadDescription &description, QGridLa
         form->addWidget(label, row, 0);
         form->addWidget(field, row, 1);
         connect(field, &QLineEdit::textChanged, this, [this] { m_add->setEnabled(isComplete()); });
-        // Later: the same key would press the button that the focus moves to.
-        connect(field, &QLineEdit::returnPressed, m_add, &QAbstractButton::click, Qt::QueuedConnection);
+        CloudAccountPage::pressOnReturn(field, m_add);
         m_fields.insert(name, field);
         m_first = m_first ? m_first : field;
     }

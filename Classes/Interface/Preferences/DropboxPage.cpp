@@ -68,8 +68,12 @@ void DropboxPage::link()
         }
         const bool isCancelled = error.domain == DBSession::errorDomain && error.code == DBSession::Cancelled;
         self->showEnd(isCancelled ? ZQError() : error);
+        self->moveFocusTo(error.isNull() ? self->m_unlink : self->m_link);
     });
     refresh();
+    if (DBSession::sharedSession().isLinking()) {
+        moveFocusTo(m_cancel);
+    }
 }
 
 void DropboxPage::unlink()
@@ -84,6 +88,7 @@ void DropboxPage::unlink()
         if (self) {
             self->m_isUnlinking = false;
             self->showEnd(error);
+            self->moveFocusTo(self->m_unlink->isVisible() ? self->m_unlink : self->m_link);
         }
     });
 }

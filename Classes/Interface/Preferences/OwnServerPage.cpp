@@ -15,6 +15,9 @@ OwnServerPage::OwnServerPage(UserInteraction &user, QWidget *parent)
     addForm();
     QBoxLayout *row = addRow();
     m_connect = addButton(row, zqLocalized("Test and &Connect"), [this] { connectServer(); });
+    for (const QLineEdit *field : {m_address, m_name, m_password, m_folder, m_publicAddress}) {
+        pressOnReturn(field, m_connect);
+    }
     m_cancel = addButton(row, zqLocalized("C&ancel"), [this] { cancel(); });
     m_change = addButton(row, zqLocalized("C&hange…"), [this] { change(); });
     m_disconnect = addButton(row, zqLocalized("&Disconnect"), [this] { disconnectServer(); });
@@ -34,9 +37,6 @@ void OwnServerPage::addForm()
     m_publicAddress = addField(zqLocalized("Pu&blic address"), zqLocalized("Optional: https://files.example.org"));
     for (QLineEdit *field : {m_address, m_name, m_password, m_folder, m_publicAddress}) {
         connect(field, &QLineEdit::textChanged, this, &OwnServerPage::updateButtons);
-        // Later: the same key would press the button that the focus moves to.
-        connect(
-            field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); }, Qt::QueuedConnection);
     }
 }
 

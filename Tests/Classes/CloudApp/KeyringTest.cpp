@@ -68,7 +68,7 @@ void expectNoTrace()
     EXPECT_FALSE(isWrittenBelow(qEnvironmentVariable("XDG_CONFIG_HOME"), password));
 }
 
-// The three below run in the sessions that the tests after them make.
+// The four below run in the sessions that the tests after them make.
 
 TEST(InSession, DISABLED_WithAKeyring)
 {
@@ -114,6 +114,17 @@ TEST(InSession, DISABLED_WithALockedOne)
     expectNoTrace();
 }
 
+TEST(InSession, DISABLED_WithOneThatIsStartedAnew)
+{
+    ASSERT_TRUE(store(mine, password).isNull());
+    QProcess restart;
+    restart.start(QStringLiteral("sh"), {QStringLiteral("-c"), qEnvironmentVariable("RESTART")});
+    ASSERT_TRUE(restart.waitForFinished(30'000));
+    const auto [found, error] = read(mine);
+    EXPECT_EQ(found, password) << error.localizedDescription().toStdString();
+    EXPECT_TRUE(remove(mine).isNull());
+}
+
 class KeyringTest : public testing::Test
 {
 protected:
@@ -140,6 +151,27 @@ protected:
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(process.exitCode(), 0);
     }
+    void runWithKeyring(const char *test)
+    {
+        // Asking for the keyring before it is there would have the bus start another one, which is locked.
+        const auto until = [](const char *isThere) {
+            return QStringLiteral("timeout 20 sh -c 'until dbus-send --session --print-reply "
+                                  "--dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner "
+                                  "string:org.freedesktop.secrets | grep -q %1; do sleep 0.1; done'; ")
+                .arg(QLatin1StringView(isThere));
+        };
+        const QString begin = QStringLiteral("printf words | gnome-keyring-daemon --foreground --unlock "
+                                             "--components=secrets >/dev/null 2>&1 & echo $! >\"$HOME/keeper\"; ") +
+                              until("true");
+        const QString end = QStringLiteral("kill $(cat \"$HOME/keeper\"); ") + until("false");
+        QProcessEnvironment variables = environment();
+        variables.insert(QStringLiteral("RESTART"), end + begin);
+        const QString script = begin + QStringLiteral("\"$@\"; ended=$?; ") + end + QStringLiteral("exit $ended");
+        run(variables, QStringLiteral("dbus-run-session"),
+            QStringList{QStringLiteral("--"), QStringLiteral("sh"), QStringLiteral("-c"), script, QStringLiteral("sh"),
+                        QCoreApplication::applicationFilePath()} +
+                only(test));
+    }
     static QStringList only(const char *name)
     {
         return {QStringLiteral("--gtest_also_run_disabled_tests"),
@@ -151,16 +183,12 @@ protected:
 
 TEST_F(KeyringTest, PasswordsGoIntoTheKeyringOfTheSessionAndNowhereElse)
 {
-    // Asking for the keyring before it is there would have the bus start another one, which is locked.
-    const QString script = QStringLiteral(
-        "printf words | gnome-keyring-daemon --foreground --unlock --components=secrets >/dev/null & keeper=$!; "
-        "timeout 20 sh -c 'until dbus-send --session --print-reply --dest=org.freedesktop.DBus / "
-        "org.freedesktop.DBus.NameHasOwner string:org.freedesktop.secrets | grep -q true; do sleep 0.1; done'; "
-        "\"$@\"; ended=$?; kill $keeper; wait $keeper; exit $ended");
-    run(environment(), QStringLiteral("dbus-run-session"),
-        QStringList{QStringLiteral("--"), QStringLiteral("sh"), QStringLiteral("-c"), script, QStringLiteral("sh"),
-                    QCoreApplication::applicationFilePath()} +
-            only("WithAKeyring"));
+    runWithKeyring("WithAKeyring");
+}
+
+TEST_F(KeyringTest, AKeyringThatWasStartedAnewIsAskedInANewSession)
+{
+    runWithKeyring("WithOneThatIsStartedAnew");
 }
 
 TEST_F(KeyringTest, ALockedKeyringThatNobodyCanUnlockIsSaid)
