@@ -5,17 +5,13 @@
 #include "Kit/Foundation/ZQLocalized.h"
 
 // A host that is no address is told of when something is uploaded: who has an account means no other service.
-bool CloudAppService::isReady() const
-{
-    return !CloudAppAccount::current().isEmpty();
-}
-
 QString CloudAppService::whatIsMissing() const
 {
-    return isReady() ? QString()
-                     : zqFormat(zqLocalized("Connect your CloudApp account in the preferences, under Cloud. Who has "
-                                            "none makes one at %@."),
-                                {CloudAppAccount::webHost().host()});
+    return !CloudAppAccount::current().isEmpty()
+               ? QString()
+               : zqFormat(zqLocalized("Connect your CloudApp account in the preferences, under Cloud. Who has "
+                                      "none makes one at %@."),
+                          {CloudAppAccount::webHost().host()});
 }
 
 std::shared_ptr<CloudAdapter> CloudAppService::makeAdapter(const QString &fileURL, const QString &fileName,

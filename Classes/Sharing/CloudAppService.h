@@ -8,7 +8,6 @@ class CloudAppService : public CloudService
 public:
     QString identifier() const override { return QStringLiteral("cloudapp"); }
     QString title() const override { return QStringLiteral("CloudApp"); }
-    bool isReady() const override;
     QString whatIsMissing() const override;
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;

@@ -14,10 +14,10 @@ class CloudService
 {
 public:
     virtual ~CloudService() = default;
-    virtual QString identifier() const = 0;    // "cloudapp", "dropbox", "imgur", "webdav", "custom:NAME"
-    virtual QString title() const = 0;         // for the person
-    virtual bool isReady() const = 0;          // has the account, address or key it needs
-    virtual QString whatIsMissing() const = 0; // localized, and says what to do; empty when it is ready
+    virtual QString identifier() const = 0; // "cloudapp", "dropbox", "imgur", "webdav", "custom:NAME"
+    virtual QString title() const = 0;      // for the person
+    bool isReady() const { return whatIsMissing().isEmpty(); } // has the account, address or key it needs
+    virtual QString whatIsMissing() const = 0;                 // localized, and says what to do; empty when it is ready
     // As the use of it is logged: all that is not Dropbox counts as one.
     virtual QString featureName() const { return QStringLiteral("Cloud Upload (CloudApp)"); }
     virtual std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName,

@@ -4,14 +4,9 @@
 #include "Classes/Sharing/CustomServices.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
-bool CustomService::isReady() const
-{
-    return CustomServices::hasSecrets(m_description);
-}
-
 QString CustomService::whatIsMissing() const
 {
-    return isReady()
+    return CustomServices::hasSecrets(m_description)
                ? QString()
                : zqFormat(zqLocalized("The passwords for “%@” are not known any more. Import its description again in "
                                       "the preferences, under Cloud."),

@@ -13,7 +13,6 @@ public:
     static QString identifierOf(const QString &name) { return QStringLiteral("custom:") + name; }
     QString identifier() const override { return identifierOf(m_description.name); }
     QString title() const override { return m_description.name; }
-    bool isReady() const override;
     QString whatIsMissing() const override;
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;

@@ -46,18 +46,11 @@ CustomServiceAdapter::CustomServiceAdapter(const QString &fileToUploadURL, const
 {
 }
 
-CustomServiceAdapter::~CustomServiceAdapter()
-{
-    release(std::move(m_requests));
-}
-
 void CustomServiceAdapter::begin()
 {
-    m_requests = std::make_unique<ServiceRequests>();
-    CustomServices::secretsOf(
-        m_description, [weak = weak_from_this(), this](const QHash<QString, ZQSecret> &secrets, const ZQError &error) {
-            const auto self = weak.lock();
-            if (!self || !m_requests) {
+    CustomServices::secretsOf(m_description, [this, self = shared_from_this()](const QHash<QString, ZQSecret> &secrets,
+                                                                               const ZQError &error) {
+        if (isCancelled()) {
                 return;
             }
             error.isNull() ? send(secrets) : uploadFailed(error);
@@ -121,8 +114,8 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
     if (!hasType) {
         filled.headers.emplaceBack("Content-Type", "application/octet-stream");
     }
-    m_requests->perform(
-        filled, [this](const ZQHTTPResponse &response) { answered(response); },
+    m_requests.perform(
+        filled, [this, self = shared_from_this()](const ZQHTTPResponse &response) { answered(response); },
         [this](qint64 sent, qint64 total) { uploadProgess(double(sent) / double(total)); });
 }
 
@@ -170,5 +163,5 @@ void CustomServiceAdapter::answered(const ZQHTTPResponse &response)
 
 void CustomServiceAdapter::abandon()
 {
-    m_requests.reset();
+    m_requests.cancel();
 }

@@ -4,15 +4,12 @@
 #include "Classes/Sharing/ServiceRequests.h"
 #include "Classes/Sharing/UploadDescription.h"
 
-#include <memory>
-
 // Uploads a file as a description says, in one request.
 class CustomServiceAdapter : public MainThreadAdapter
 {
 public:
     CustomServiceAdapter(const QString &fileToUploadURL, const QString &fileToUploadName, const QString &fileToUploadID,
                          CloudAdapterDelegate *delegate, const UploadDescription &description);
-    ~CustomServiceAdapter() override;
 
 protected:
     void begin() override;
@@ -26,5 +23,5 @@ private:
     void answered(const ZQHTTPResponse &response);
 
     const UploadDescription m_description;
-    std::unique_ptr<ServiceRequests> m_requests; // null: not begun, or over
+    ServiceRequests m_requests;
 };

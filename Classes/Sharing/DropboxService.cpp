@@ -9,17 +9,13 @@ QString DropboxService::title() const
     return zqLocalized("Dropbox");
 }
 
-bool DropboxService::isReady() const
-{
-    return DBSession::hasAppKey() && DBSession::sharedSession().isLinked();
-}
-
 QString DropboxService::whatIsMissing() const
 {
     if (!DBSession::hasAppKey()) {
         return zqLocalized("Enter a Dropbox app key in the preferences, under Cloud, and link your Dropbox.");
     }
-    return isReady() ? QString() : zqLocalized("Link your Dropbox in the preferences, under Cloud.");
+    return DBSession::sharedSession().isLinked() ? QString()
+                                                 : zqLocalized("Link your Dropbox in the preferences, under Cloud.");
 }
 
 std::shared_ptr<CloudAdapter> DropboxService::makeAdapter(const QString &fileURL, const QString &fileName,

@@ -7,7 +7,6 @@ class DropboxService : public CloudService
 public:
     QString identifier() const override { return QStringLiteral("dropbox"); }
     QString title() const override;
-    bool isReady() const override;
     QString whatIsMissing() const override;
     QString featureName() const override { return QStringLiteral("Cloud Upload (Dropbox)"); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,

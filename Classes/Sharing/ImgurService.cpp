@@ -18,11 +18,6 @@ QString ImgurService::clientID()
     return isOne ? id : QString();
 }
 
-bool ImgurService::isReady() const
-{
-    return whatIsMissing().isEmpty();
-}
-
 QString ImgurService::whatIsMissing() const
 {
     if (clientID().isEmpty()) {

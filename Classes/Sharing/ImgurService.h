@@ -18,7 +18,6 @@ public:
 
     QString identifier() const override { return QStringLiteral("imgur"); }
     QString title() const override { return QStringLiteral("Imgur"); }
-    bool isReady() const override;
     QString whatIsMissing() const override;
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;

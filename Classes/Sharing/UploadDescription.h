@@ -14,27 +14,9 @@
 #include <optional>
 #include <utility>
 
-// How files are uploaded to a service that we know nothing of, as a file in JSON describes it:
-//
-//     {
-//       "format": 1,
-//       "name": "Our server",                          as it is listed; at most 60 characters on one line
-//       "method": "POST",                              or "PUT", "PATCH"; "POST" where it is left out
-//       "url": "https://files.example.org/upload",     http only within this machine and its network
-//       "headers": {"Authorization": "Bearer {secret:token}"},
-//       "fields": {"album": "Zelto"},                  of the form, sent in this order before the file
-//       "file": "upload",                              the form field of the file; or instead of both:
-//       "raw": true,                                   the file alone is what is sent
-//       "link": {"pointer": "/data/url"}               where the link is found; or
-//               {"before": "href=\"", "after": "\""}    what stands between the first of the one text and the next of
-//                                                      the other: no expressions, whose search may never end
-//               {"header": "Location"}                 in a header of the answer
-//               {"final": true}                        the address at which redirects ended
-//     }
-//
-// Secrets are written as {secret:NAME} in values of headers and fields; they are asked for when the description is
-// imported. There are no other placeholders. What it does not know it refuses: a description comes from a stranger and
-// must not mean more than a person can see. A value; any thread.
+// How files are uploaded to a service that we know nothing of, as a file in JSON describes it: docs/UPLOADS.md says
+// what may stand in one. What it does not know it refuses: a description comes from a stranger and must not mean more
+// than a person can see. A value; any thread.
 struct UploadDescription
 {
     enum class LinkPlace { Pointer, Between, Header, FinalAddress };
@@ -57,7 +39,7 @@ struct UploadDescription
 
     static QByteArray example(); // to begin one with
 
-    QStringList secrets() const; // names, each once, in the order in which they appear
+    QStringList secrets() const;                       // names, each once, in the order in which they appear
     static QStringList secretsIn(const QString &text); // each time it names one
     // Where files go: "files.example.org", with a port where it names one, and with "http://" where it is not
     // encrypted.

@@ -176,7 +176,9 @@ private:
         for (const auto &[key, value] : object->members) {
             const bool isText = value.type == Type::String && value.text.size() <= longestText;
             if (!isText || key.isEmpty() || key.size() > longestName) {
-                fail(value, zqFormat(zqLocalized("“%@” must be a text."), {key}));
+                fail(value, zqFormat(zqLocalized("“%@” must be a text of at most %d characters, and its name one of 1 "
+                                                 "to %d."),
+                                     {key, int(longestText), int(longestName)}));
             } else if (!hasOnlyKnownPlaceholders(value.text)) {
                 fail(value, zqLocalized("“{” and “}” stand only around a secret: {secret:NAME}, with letters, digits, "
                                         "“-” and “_” in its name."));

@@ -25,11 +25,6 @@ WebDAVAdapter::WebDAVAdapter(const QString &fileToUploadURL, const QString &file
 {
 }
 
-WebDAVAdapter::~WebDAVAdapter()
-{
-    release(std::move(m_requests));
-}
-
 void WebDAVAdapter::begin()
 {
     ZQError error;
@@ -39,7 +34,6 @@ void WebDAVAdapter::begin()
         return;
     }
     m_addresses = *addresses;
-    m_requests = std::make_unique<ServiceRequests>();
     for (qsizetype end = m_addresses.folder.indexOf(u'/', 1); end > 0;
          end = m_addresses.folder.indexOf(u'/', end + 1)) {
         m_foldersToMake.append(m_addresses.folder.first(end));
@@ -50,8 +44,8 @@ void WebDAVAdapter::begin()
     m_foldersToMake.append(ownFolder());
     SecretStore::shared().password(
         WebDAVSettings::serviceOfSecrets, m_settings.account(),
-        [weak = weak_from_this(), this](const std::optional<QByteArray> &password, const ZQError &problem) {
-            if (const auto self = weak.lock(); self && m_requests) {
+        [this, self = shared_from_this()](const std::optional<QByteArray> &password, const ZQError &problem) {
+            if (!isCancelled()) {
                 logIn(password, problem);
             }
         });
@@ -84,18 +78,18 @@ void WebDAVAdapter::makeNextFolder()
 {
     const QString path = m_foldersToMake.takeFirst();
     const bool isOwn = m_foldersToMake.isEmpty();
-    m_requests->perform(request("MKCOL", ServiceAddress::below(m_addresses.root, path + u'/')),
-                        [this, isOwn](const ZQHTTPResponse &response) {
-                            const bool wasThere = response.statusCode == methodNotAllowed && !isOwn;
-                            if (!response.isWhole() && !wasThere) {
-                                uploadFailed(problemOf(response));
-                            } else if (isOwn) {
-                                m_didMakeOwnFolder = true;
-                                sendFile();
-                            } else {
-                                makeNextFolder();
-                            }
-                        });
+    m_requests.perform(request("MKCOL", ServiceAddress::below(m_addresses.root, path + u'/')),
+                       [this, isOwn, self = shared_from_this()](const ZQHTTPResponse &response) {
+                           const bool wasThere = response.statusCode == methodNotAllowed && !isOwn;
+                           if (!response.isWhole() && !wasThere) {
+                               uploadFailed(problemOf(response));
+                           } else if (isOwn) {
+                               m_didMakeOwnFolder = true;
+                               sendFile();
+                           } else {
+                               makeNextFolder();
+                           }
+                       });
 }
 
 void WebDAVAdapter::sendFile()
@@ -110,9 +104,9 @@ void WebDAVAdapter::sendFile()
     ZQHTTPRequest put = request("PUT", ServiceAddress::below(m_addresses.root, ownFolder() + u'/' + nameForUpload()));
     put.headers = {{"If-None-Match", "*"}, {"Content-Type", "application/octet-stream"}};
     put.makeBody = body.maker();
-    m_requests->perform(
+    m_requests.perform(
         put,
-        [this](const ZQHTTPResponse &response) {
+        [this, self = shared_from_this()](const ZQHTTPResponse &response) {
             if (!response.isWhole()) {
                 if (response.statusCode != preconditionFailed) { // else something is in it that is not ours
                     removeOwnFolder();
@@ -139,7 +133,7 @@ void WebDAVAdapter::askForLink()
                     {"Content-Type", "application/x-www-form-urlencoded"}};
     post.body = "path=" + QUrl::toPercentEncoding(m_addresses.rootThere + ownFolder() + u'/' + nameForUpload()) +
                 "&shareType=3&permissions=1";
-    m_requests->perform(post, [this](const ZQHTTPResponse &response) { linkCame(response); });
+    m_requests.perform(post, [this, self = shared_from_this()](const ZQHTTPResponse &response) { linkCame(response); });
 }
 
 void WebDAVAdapter::linkCame(const ZQHTTPResponse &response)
@@ -190,7 +184,7 @@ ZQError WebDAVAdapter::problemOf(const ZQHTTPResponse &response) const
 
 void WebDAVAdapter::abandon()
 {
-    m_requests.reset();
+    m_requests.cancel();
     removeOwnFolder();
 }
 

@@ -7,8 +7,6 @@
 
 #include <QStringList>
 
-#include <memory>
-
 // Puts a file into a new folder of its own on the person's server, so that it takes the place of none, and gets a link
 // that everybody can read.
 class WebDAVAdapter : public MainThreadAdapter
@@ -16,7 +14,6 @@ class WebDAVAdapter : public MainThreadAdapter
 public:
     WebDAVAdapter(const QString &fileToUploadURL, const QString &fileToUploadName, const QString &fileToUploadID,
                   CloudAdapterDelegate *delegate, const WebDAVSettings &settings);
-    ~WebDAVAdapter() override;
 
 protected:
     void begin() override;
@@ -38,5 +35,5 @@ private:
     ZQSecret m_password;
     QStringList m_foldersToMake;     // paths, the outermost first
     bool m_didMakeOwnFolder = false; // the server said so
-    std::unique_ptr<ServiceRequests> m_requests;
+    ServiceRequests m_requests;
 };

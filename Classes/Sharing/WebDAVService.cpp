@@ -33,11 +33,6 @@ QString WebDAVService::title() const
     return address ? address->host() : zqLocalized("Own server (WebDAV)");
 }
 
-bool WebDAVService::isReady() const
-{
-    return whatIsMissing().isEmpty();
-}
-
 QString WebDAVService::whatIsMissing() const
 {
     const WebDAVSettings settings = WebDAVSettings::stored();

@@ -14,7 +14,6 @@ class WebDAVService : public CloudService
 public:
     QString identifier() const override { return QStringLiteral("webdav"); }
     QString title() const override;
-    bool isReady() const override;
     QString whatIsMissing() const override;
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;

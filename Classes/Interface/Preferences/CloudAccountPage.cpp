@@ -81,6 +81,13 @@ void CloudAccountPage::moveFocusTo(QWidget *widget)
     }
 }
 
+void CloudAccountPage::showEnd(const ZQError &error)
+{
+    showProblem(error.isNull() ? QString() : error.localizedDescription());
+    refresh();
+    Q_EMIT changed();
+}
+
 void CloudAccountPage::showUse(const QString &serviceInUse)
 {
     const QString own = serviceToUse();

@@ -58,6 +58,7 @@ protected:
     void addState(QBoxLayout *row);
     void showState(const QString &text, bool isUnderWay = false);
     void showProblem(const QString &text); // empty: there is none
+    void showEnd(const ZQError &error);    // of what changed an account, or failed to
     QVBoxLayout *column() const { return m_column; }
     // "Waiting for the keyring…" while that is asked, else `otherwise`.
     static QString orKeyring(const QString &otherwise);

@@ -63,15 +63,13 @@ void CloudAppPage::updateButtons()
     m_disconnect->setEnabled(isIdle);
 }
 
-void CloudAppPage::end(const QString &problem)
+void CloudAppPage::end(const ZQError &error)
 {
     const bool wasConnecting = std::exchange(m_busy, Busy::No) == Busy::Connecting;
-    showProblem(problem);
-    refresh();
+    showEnd(error);
     moveFocusTo(!CloudAppAccount::current().isEmpty() ? static_cast<QWidget *>(m_disconnect)
                 : wasConnecting                       ? m_password
                                                       : m_email);
-    Q_EMIT changed();
 }
 
 void CloudAppPage::connectAccount()
@@ -105,7 +103,7 @@ void CloudAppPage::disconnectAccount()
     refresh();
     m_account->disconnect([self = QPointer(this), account = m_account](const ZQError &error) {
         if (self) {
-            self->end(error.isNull() ? QString() : error.localizedDescription());
+            self->end(error);
         }
     });
 }

@@ -20,7 +20,7 @@ public:
 private:
     void connectAccount();
     void disconnectAccount();
-    void end(const QString &problem); // of what was under way
+    void end(const ZQError &error); // of what was under way
     void updateButtons();
 
     enum class Busy { No, Connecting, Disconnecting };

@@ -173,9 +173,7 @@ void DescriptionsPage::add(const UploadDescription &description, const QHash<QSt
         } else if (self->m_review) {
             self->m_review->setEnabled(true);
         }
-        self->showProblem(error.isNull() ? QString() : error.localizedDescription());
-        self->refresh();
-        Q_EMIT self->changed();
+        self->showEnd(error);
     });
 }
 
@@ -196,9 +194,7 @@ void DescriptionsPage::removeSelected()
     CustomServices::remove(name, [self = QPointer(this)](const ZQError &error) {
         if (self) {
             self->setBusy(false);
-            self->showProblem(error.isNull() ? QString() : error.localizedDescription());
-            self->refresh();
-            Q_EMIT self->changed();
+            self->showEnd(error);
         }
     });
 }

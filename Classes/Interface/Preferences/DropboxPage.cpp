@@ -67,10 +67,8 @@ void DropboxPage::link()
             return;
         }
         const bool isCancelled = error.domain == DBSession::errorDomain && error.code == DBSession::Cancelled;
-        self->showProblem(error.isNull() || isCancelled ? QString() : error.localizedDescription());
-        self->refresh();
+        self->showEnd(isCancelled ? ZQError() : error);
         self->moveFocusTo(error.isNull() ? self->m_unlink : self->m_link);
-        Q_EMIT self->changed();
     });
     refresh();
     if (DBSession::sharedSession().isLinking()) {
@@ -89,10 +87,8 @@ void DropboxPage::unlink()
     DBSession::sharedSession().unlink([self = QPointer(this)](const ZQError &error) {
         if (self) {
             self->m_isUnlinking = false;
-            self->showProblem(error.isNull() ? QString() : error.localizedDescription());
-            self->refresh();
+            self->showEnd(error);
             self->moveFocusTo(self->m_unlink->isVisible() ? self->m_unlink : self->m_link);
-            Q_EMIT self->changed();
         }
     });
 }

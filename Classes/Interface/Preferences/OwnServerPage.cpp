@@ -119,10 +119,8 @@ void OwnServerPage::cancel()
 void OwnServerPage::end(const ZQError &error)
 {
     m_busy = Busy::No;
-    showProblem(error.isNull() ? QString() : error.localizedDescription());
-    refresh();
+    showEnd(error);
     moveFocusTo(m_change->isVisible() ? static_cast<QWidget *>(m_change) : m_password);
-    Q_EMIT changed();
 }
 
 void OwnServerPage::connectServer()

@@ -43,7 +43,6 @@ public:
 
     QString identifier() const override { return m_name.toLower(); }
     QString title() const override { return m_name; }
-    bool isReady() const override { return isSetUp; }
     QString whatIsMissing() const override { return isSetUp ? QString() : QStringLiteral("Set it up."); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override

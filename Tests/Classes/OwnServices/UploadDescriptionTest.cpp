@@ -1,5 +1,8 @@
 #include "Classes/Sharing/UploadDescription.h"
 
+#include <QByteArrayList>
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -18,6 +21,15 @@ QByteArray with(const QByteArray &part, const QByteArray &instead)
 {
     EXPECT_TRUE(good.contains(part)) << part.toStdString();
     return QByteArray(good).replace(part, instead);
+}
+
+QByteArray pairs(int count)
+{
+    QByteArrayList all;
+    for (int each = 0; each < count; ++each) {
+        all.append("\"p" + QByteArray::number(each) + "\": \"\"");
+    }
+    return all.join(", ");
 }
 
 ZQHTTPResponse answer(const QByteArray &body, const ZQHTTPHeaders &headers = {})
@@ -77,6 +89,12 @@ TEST(UploadDescriptionTest, HostileAndMistakenOnesAreRefusedWithTheLine)
         {"format as a text", with("\"format\": 1", "\"format\": \"1\""), "Line 2"},
         {"no name", with("\"name\": \"Our server\",", ""), "Line 1"},
         {"a name of two lines", with("Our server", "Our\\nserver"), "Line 3"},
+        {"a name too long", with("Our server", QByteArray(61, 'a')), "Line 3"},
+        {"a header too long", with("Bearer {secret:token}", QByteArray(4097, 'a')), "Line 5"},
+        {"a field's name too long", with("\"b\"", '"' + QByteArray(61, 'b') + '"'), "Line 6"},
+        {"too many fields", with(R"("b": "1")", pairs(50)), "Line 6"},
+        {"a pointer too long", with("/data/0/a~1b", '/' + QByteArray(500, 'a')), "Line 8"},
+        {"a secret's name too long", with("{secret:token}\"", "{secret:" + QByteArray(41, 'a') + "}\""), "Line 5"},
         {"a name with a way in it", with("Our server", "../x"), "Line 3"},
         {"a name that turns around", with("Our server", "a\\u202eb"), "Line 3"},
         {"another method", with("\"name\"", "\"method\": \"DELETE\", \"name\""), "Line 3"},
@@ -113,6 +131,46 @@ TEST(UploadDescriptionTest, HostileAndMistakenOnesAreRefusedWithTheLine)
         EXPECT_FALSE(UploadDescription::from(each.text, &error)) << each.what;
         EXPECT_TRUE(error.localizedDescription().startsWith(QString::fromLatin1(each.line) + u':'))
             << each.what << ": " << error.localizedDescription().toStdString();
+    }
+}
+
+TEST(UploadDescriptionTest, TheOneInTheManualIsTakenWithEachOfItsLinks)
+{
+    QFile manual(QStringLiteral(ZELTO_DOCS "/UPLOADS.md"));
+    ASSERT_TRUE(manual.open(QIODevice::ReadOnly));
+    const QByteArray text = manual.readAll();
+    const qsizetype start = text.indexOf("```json\n") + 8;
+    const QByteArray block = text.mid(start, text.indexOf("```", start) - start);
+    EXPECT_EQ(block, UploadDescription::example()) << "a person may save it";
+    const QByteArray link = R"({"pointer": "/data/url"})";
+    ASSERT_TRUE(block.contains(link)) << block.toStdString();
+    QByteArrayList links;
+    for (const QByteArray &line : text.split('\n')) {
+        if (line.startsWith("| `{")) {
+            links.append(line.mid(3, line.indexOf('`', 3) - 3));
+        }
+    }
+    EXPECT_EQ(links.size(), 4);
+    for (const QByteArray &each : std::as_const(links)) {
+        ZQError error;
+        const auto read = UploadDescription::from(QByteArray(block).replace(link, each), &error);
+        ASSERT_TRUE(read) << each.toStdString() << error.localizedDescription().toStdString();
+        EXPECT_EQ(read->destination(), QStringLiteral("files.example.org"));
+        EXPECT_EQ(read->secrets(), QStringList(QStringLiteral("token")));
+    }
+}
+
+TEST(UploadDescriptionTest, WhatIsAsLargeAsItMayBeIsTaken)
+{
+    const QByteArray cases[] = {
+        with("Our server", QByteArray(60, 'a')),
+        with("Bearer {secret:token}", QByteArray(4096, 'a')),
+        with(R"("b": "1")", pairs(49)),
+        with("/data/0/a~1b", '/' + QByteArray(499, 'a')),
+    };
+    for (const QByteArray &each : cases) {
+        ZQError error;
+        EXPECT_TRUE(UploadDescription::from(each, &error)) << error.localizedDescription().toStdString();
     }
 }
 

@@ -54,7 +54,6 @@ public:
     explicit FakeCloudService(const QString &identifier = QStringLiteral("imgur")) : m_identifier(identifier) {}
     QString identifier() const override { return m_identifier; }
     QString title() const override { return m_identifier; }
-    bool isReady() const override { return ready; }
     QString whatIsMissing() const override { return ready ? QString() : QStringLiteral("Enter a key."); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override
