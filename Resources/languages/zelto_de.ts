@@ -7790,8 +7790,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>„%@“ muss ein Text aus 1 bis %d Zeichen sein.</translation>
     </message>
     <message>
-        <source>“%@” must be a text.</source>
-        <translation>„%@“ muss ein Text sein.</translation>
+        <source>“%@” must be a text of at most %d characters, and its name one of 1 to %d.</source>
+        <translation>„%@“ muss ein Text von höchstens %d Zeichen sein, und sein Name einer von 1 bis %d.</translation>
     </message>
     <message>
         <source>“%@” must be names with texts in “{” and “}”, at most %d.</source>

@@ -7790,8 +7790,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>« %@ » doit être un texte de 1 à %d caractères.</translation>
     </message>
     <message>
-        <source>“%@” must be a text.</source>
-        <translation>« %@ » doit être un texte.</translation>
+        <source>“%@” must be a text of at most %d characters, and its name one of 1 to %d.</source>
+        <translation>« %@ » doit être un texte d’au plus %d caractères, et son nom doit en compter de 1 à %d.</translation>
     </message>
     <message>
         <source>“%@” must be names with texts in “{” and “}”, at most %d.</source>
