@@ -24,7 +24,7 @@ QString titleOfFeature(const QString &name)
                                              zqKey("Add New Folder"),         zqKey("Add New Project"),
                                              zqKey("Cloud Upload (Dropbox)"), zqKey("Cloud Upload (CloudApp)")};
     const auto *const title = std::find_if(std::begin(titles), std::end(titles),
-                                           [&name](const char *each) { return name == QUtf8StringView(each); });
+                                           [&name](const char *each) { return name == QLatin1StringView(each); });
     return title == std::end(titles) ? name : zqLocalized(*title);
 }
 
