@@ -1,5 +1,6 @@
 """Whether docs/JSON.md says what the program prints, and whether docs/examples reads a library: forms_test.py ZELTO ROOT"""
 import http.server
+import itertools
 import json
 import re
 import subprocess
@@ -58,6 +59,17 @@ class OnePicture(http.server.BaseHTTPRequestHandler):
         pass
 
 
+class Feed(OnePicture):
+    """What announces a version, signed."""
+    body = b""
+
+    def do_GET(self):
+        self.send_response(200 if self.path == "/updates/release/feed.json" else 404)
+        self.send_header("Content-Length", str(len(self.body)))
+        self.end_headers()
+        self.wfile.write(self.body)
+
+
 class Forms(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -109,11 +121,35 @@ class Forms(unittest.TestCase):
         server.shutdown()
         server.server_close()
 
+    def services(self):
+        """What is printed of what the program does beside a library."""
+        state = self.world.home / ".local/state/Zelto"
+        (state / "crash-reports").mkdir(parents=True, mode=0o700)
+        (state / "crash-reports/crash-1700000000-7.new").write_text("Zelto ended unexpectedly\n")
+        (state / "usage.json").write_text('{"2026-11-20": {"Export Items": 2}}')
+        yield "reports list", self.run_json("reports", "list")
+        usage = self.run_json("usage", "show")
+        self.assertEqual(usage, {"2026-11-20": {"Export Items": 2}})
+        yield "usage show", usage
+        sign, key = ROOT / "Tools/sign_feed.py", self.world.home / "key.pem"
+        made = [subprocess.run([sys.executable, sign, *words], check=True, capture_output=True, timeout=60).stdout
+                for words in (("key", key), ("sign", key, "1000.1", "https://example.org/get"))]
+        Feed.body = made[1]
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Feed)
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.world.run("zelto", "defaults", "write", "UpdateFeedAddress", f"http://127.0.0.1:{server.server_port}/")
+        self.world.run("zelto", "defaults", "write", "UpdateKey", made[0].decode().strip())
+        check = self.run_json("updates", "check", "--channel", "release", statuses=(1,))
+        self.assertEqual((check["newest"], check["isNewer"]), ("1000.1", True))
+        yield "updates check", check
+        server.shutdown()
+        server.server_close()
+
     def test_json_is_as_described(self):
         described, seen = documented(), {}
         maps = {"reasonsBelow", "years"}
-        for command, value in self.printed():
-            seen[command] = keys_of(value, maps) if command != "defaults read" else set()
+        for command, value in itertools.chain(self.printed(), self.services()):
+            seen[command] = keys_of(value, maps) if command not in {"defaults read", "usage show"} else set()
             with self.subTest(command):
                 self.assertLessEqual(seen[command], set(described.get(command, {})), "printed, and not described")
                 always = {key for key, is_rare in described.get(command, {}).items() if not is_rare}

@@ -1,7 +1,6 @@
 // In another language: each text that a person sees or hears comes out of the catalogue, whole.
 
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
-#include "Kit/Widgets/ZQListView.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QAbstractButton>
@@ -111,6 +110,30 @@ TEST_F(LanguagesTest, EveryTextOfTheWindowComesFromTheCatalogue)
     names = {QStringLiteral("Zelto"), QStringLiteral("Folder"), QStringLiteral("Inner"), QStringLiteral("mine"),
              QStringLiteral("pages"), QStringLiteral("moving"), QStringLiteral("clear"), QStringLiteral("red")};
     show(item);
+    lookThrough(window());
+    EXPECT_EQ(QStringList(found.values()).join(u'\n'), QString());
+}
+
+TEST_F(LanguagesTest, EveryTextOfThePreferencesComesFromTheCatalogue)
+{
+    names = {QStringLiteral("Zelto"), QStringLiteral("Test"), world.path()};
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    auto *const preferences = window().findChild<PreferencesWindow *>();
+    ASSERT_TRUE(preferences);
+    lookThrough(*preferences); // each pane, shown or not
+    EXPECT_EQ(QStringList(found.values()).join(u'\n'), QString());
+    preferences->close();
+}
+
+TEST_F(LanguagesTest, EveryTextOfTheExportPanelComesFromTheCatalogue)
+{
+    names = {QStringLiteral("Zelto"), QStringLiteral("Folder"), QStringLiteral("Inner"), QStringLiteral("mine"),
+             QStringLiteral("pages"), QStringLiteral("moving"), QStringLiteral("clear"), QStringLiteral("red"),
+             QStringLiteral("JPEG"),  QStringLiteral("PNG"),    QStringLiteral("TIFF"),  QStringLiteral("PSD"),
+             QStringLiteral("ZIP"),   QStringLiteral("WEBP"),   QStringLiteral("WebP"),  QStringLiteral("AVIF")};
+    select({QStringLiteral("red")});
+    run(CommandID::ExportPanel);
+    settle();
     lookThrough(window());
     EXPECT_EQ(QStringList(found.values()).join(u'\n'), QString());
 }
