@@ -14,7 +14,7 @@ from world import World, png
 
 ZELTO, ROOT = Path(sys.argv[1]).resolve(), Path(sys.argv[2]).resolve()
 # What needs a server of its own, or a damaged library: held against the option's help alone.
-NOT_RUN = {"share", "recover (damaged)"}
+NOT_RUN = {"share", "snap", "recover (damaged)"}
 
 
 def documented():

@@ -115,10 +115,13 @@ printf '%s\\n' "${COMPREPLY[@]}"
 
             def offers(line):
                 written, done = self.folder / "offered", self.folder / "done"
-                written.write_text("")
-                done.unlink(missing_ok=True)
-                zsh.send(line + "\t\x15: >../done\n")
-                zsh.wait_for(done)
+                for _ in range(5):  # a completion ends early where keys wait to be read
+                    written.write_text("")
+                    done.unlink(missing_ok=True)
+                    zsh.send(line + "\t\x15: >../done\n")
+                    zsh.wait_for(done)
+                    if written.read_text().strip():
+                        break
                 return set(written.read_text().split("\n"))
 
             self.check(offers)
