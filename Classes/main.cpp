@@ -470,8 +470,8 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }
     server.registerOnSessionBus({[&](const QStringList &paths) {
-        delegate.reopenMainWindow();
-        delegate.openFiles(paths);
+                                     delegate.reopenMainWindow();
+                                     delegate.openFiles(paths);
                                  },
                                  [&](const QString &action) { DesktopActions::perform(action, delegate); }});
     SignalWatcher signalWatcher([&delegate] { delegate.terminate(); });

@@ -14,6 +14,7 @@
 #include <QStandardPaths>
 
 #include <cerrno>
+#include <cstdio>
 
 namespace {
 
@@ -87,8 +88,8 @@ QByteArray contentOf(const QString &path)
 LaunchAtLogin::LaunchAtLogin()
     : LaunchAtLogin(
           {ZQPaths::configHome() + QStringLiteral("/autostart"),
-                     QStandardPaths::locate(QStandardPaths::ApplicationsLocation, fileName),
-                     QCoreApplication::applicationFilePath(),
+           QStandardPaths::locate(QStandardPaths::ApplicationsLocation, fileName),
+           QCoreApplication::applicationFilePath(),
            InstalledBy::sandboxOf(QCoreApplication::applicationFilePath(), QProcessEnvironment::systemEnvironment())
                .has_value()})
 {
@@ -187,7 +188,21 @@ bool LaunchAtLogin::write(bool isOn, ZQError *error) const
                    ZQError::posix(errno, zqFormat(zqLocalized("The folder “%@” could not be made"), {there.path()})));
         return false;
     }
-    return zqWriteFileAtomically(file, turned(contentOf(file), isOn), error);
+    const QByteArray bytes = turned(contentOf(file), isOn);
+    if (!there.isSymLink()) {
+        return zqWriteFileAtomically(file, bytes, error);
+    }
+    // It leads out of the folder, as to the menu's entry, which is not to be changed: a file of its own takes its
+    // place.
+    const QString own = file + QStringLiteral(".new");
+    if (!zqWriteFileAtomically(own, bytes, error)) {
+        return false;
+    }
+    if (std::rename(QFile::encodeName(own).constData(), QFile::encodeName(file).constData()) != 0) {
+        zqSetError(error, ZQError::posix(errno, zqFormat(zqLocalized("“%@” could not be written"), {file})));
+        return false;
+    }
+    return true;
 }
 
 void LaunchAtLogin::set(bool isOn, std::function<void(const ZQError &)> done)

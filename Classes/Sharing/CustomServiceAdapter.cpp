@@ -51,10 +51,10 @@ void CustomServiceAdapter::begin()
     CustomServices::secretsOf(m_description, [this, self = shared_from_this()](const QHash<QString, ZQSecret> &secrets,
                                                                                const ZQError &error) {
         if (isCancelled()) {
-                return;
-            }
-            error.isNull() ? send(secrets) : uploadFailed(error);
-        });
+            return;
+        }
+        error.isNull() ? send(secrets) : uploadFailed(error);
+    });
 }
 
 ZQHTTPRequest CustomServiceAdapter::request() const

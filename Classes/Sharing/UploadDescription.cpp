@@ -59,11 +59,11 @@ QStringList UploadDescription::secrets() const
     for (const Pairs &pairs : {headers, fields}) {
         for (const auto &pair : pairs) {
             names += secretsIn(pair.second);
-                }
-            }
+        }
+    }
     names.removeDuplicates();
     return names;
-        }
+}
 
 QStringList UploadDescription::secretsIn(const QString &text)
 {

@@ -2,6 +2,8 @@
 
 #include <QCoreApplication>
 
+#include <openssl/crypto.h>
+
 struct ZQNetworkThread::Shared
 {
     ZQMutex mutex;
@@ -18,6 +20,8 @@ ZQNetworkThread::ZQNetworkThread() : m_context(std::make_unique<QObject>())
 {
     m_thread.setObjectName(QStringLiteral("Network"));
     m_context->moveToThread(&m_thread);
+    // What the TLS library keeps for a thread goes with it, also where the process ends at once.
+    QObject::connect(&m_thread, &QThread::finished, &m_thread, &OPENSSL_thread_stop, Qt::DirectConnection);
     m_thread.start();
 }
 

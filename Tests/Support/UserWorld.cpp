@@ -12,7 +12,8 @@ QString templateFor(const char *name)
 
 UserWorld::UserWorld(const char *name) : m_folder(templateFor(name))
 {
-    for (const char *variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
+    for (const char *variable :
+         {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
         m_variablesBefore.insert(variable, qEnvironmentVariableIsSet(variable) ? qgetenv(variable) : QByteArray());
         const QString folder = filePath(QString::fromLatin1(variable).toLower());
         QDir().mkpath(folder);

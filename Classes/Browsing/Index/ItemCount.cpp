@@ -2,7 +2,6 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 
-
 QString zqItemCount(qint64 count)
 {
     return zqCounted({"1 item", "%@ items"}, count);

@@ -74,7 +74,8 @@ protected:
     }
     ZQRef<ZQLibraryBaseItem> item(const QString &title)
     {
-        for (const auto &id : *delegate->managedObjectContext()->fetchObjectIDs({ZQLibraryBaseItem::entityName()})) {
+        const auto ids = delegate->managedObjectContext()->fetchObjectIDs({ZQLibraryBaseItem::entityName()});
+        for (const auto &id : *ids) {
             const auto found = ZQLibraryBaseItem::itemsWithIDs({id}, *delegate->managedObjectContext());
             if (found.size() == 1 && found.first()->title() == title) {
                 return found.first();

@@ -20,7 +20,8 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                   "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\nTake Screenshot\nQuick Export Ctrl+E ✓\nExport\n"
                   "Export as Layered PSD…\nShare Ctrl+Shift+C\nLatest Uploads…\n-\n"
                   "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
-                  "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
+                  "Open Library…\nMove Library…\nShow Library in Files\n"
+                  "Back Up Library…\nVerify Library…\nLibrary Statistics…\n-\nQuit Ctrl+Q"));
     EXPECT_EQ(
         commandsOf(menuOf("Edit")),
         QStringLiteral("Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"

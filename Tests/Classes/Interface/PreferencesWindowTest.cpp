@@ -144,9 +144,10 @@ TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
         titles.append(pane().accessibleName());
         press(Qt::Key_Down);
     }
-    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Screenshots|Cloud|Services|Privacy|Advanced"));
+    EXPECT_EQ(titles.join(u'|'),
+              QStringLiteral("General|Import|Tags|Live folders|Screenshots|Cloud|Services|Privacy|Advanced"));
     for (int i = 0; i < 4; ++i) {
-    press(Qt::Key_Up);
+        press(Qt::Key_Up);
     }
     EXPECT_EQ(pane().accessibleName(), QStringLiteral("Screenshots"));
     run(CommandID::Preferences);
