@@ -31,7 +31,7 @@ struct ZQHTTPEnd
 };
 
 // One request to one server and what it answers, without following where that leads. Of the network's thread.
-class ZQHTTPExchange : private ZQTransferLoop::Mover
+class ZQHTTPExchange final : private ZQTransferLoop::Mover
 {
 public:
     struct Order
