@@ -135,9 +135,9 @@ QString TemporaryArea::newFolder(ZQError *error)
 bool TemporaryArea::isFolderOfOurs(const QString &path)
 {
     const QFileInfo folder(path);
-    const QString area = QFileInfo(TemporaryArea::folder()).canonicalFilePath();
-    return !area.isEmpty() && folder.fileName().startsWith(prefix) && folder.isDir() && !folder.isSymLink() &&
-           QFileInfo(folder.absolutePath()).canonicalFilePath() == area;
+    const QString parent = QFileInfo(TemporaryArea::folder()).canonicalFilePath();
+    return !parent.isEmpty() && folder.fileName().startsWith(prefix) && folder.isDir() && !folder.isSymLink() &&
+           QFileInfo(folder.absolutePath()).canonicalFilePath() == parent;
 }
 
 QStringList TemporaryArea::takeForRemoval()

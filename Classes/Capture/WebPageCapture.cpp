@@ -197,7 +197,8 @@ bool WebPageCapture::writeLayers(WebPage &page, const QString &path, ZQError *er
             writer.addLayerWithCGImage(layer.imageRep, layer.name, 1, layer.offset);
             ++m_result.layers;
         }
-        tell(loadedPart + (packingPart - loadedPart) * double(++done) / double(layers.count()),
+        ++done;
+        tell(loadedPart + (packingPart - loadedPart) * double(done) / double(layers.count()),
              zqFormat(zqLocalized("Layer %d of %d…"), {done, layers.count()}));
         return !isCancelled();
     };
