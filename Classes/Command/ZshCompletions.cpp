@@ -10,7 +10,7 @@ _zelto_preferences() {
 }
 )sh";
 
-// The colons and brackets that a specification is made of are meant as they stand.
+// The colons and brackets that an argument of _arguments is made of are meant as they stand.
 QString plain(const QString &text, const QString &special)
 {
     QString out;
