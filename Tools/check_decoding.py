@@ -11,7 +11,9 @@ import subprocess
 import sys
 
 # What reads a picture from a file, from bytes or from what another program offers. `QSvgRenderer(QByteArray…)` is
-# allowed: the window draws its own icons with it, after it has coloured them (Kit/Widgets/ZQIcon.cpp).
+# allowed: the window draws its own icons with it, after it has coloured them (Kit/Widgets/ZQIcon.cpp). So is
+# `QTextCursor::insertMarkdown`: the window shows its own guide with it, in a view that loads no pictures
+# (Classes/Interface/Preferences/DescriptionGuide.cpp).
 DECODES = [
     r"QImageReader::",
     r"QMovie::",

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QPushButton>
 #include <QTextBrowser>
+#include <QTextCursor>
 
 namespace {
 
@@ -19,16 +20,25 @@ QString guide()
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
+/// Shows texts and nothing that they name: no picture is fetched or decoded here.
+class GuideView final : public QTextBrowser
+{
+public:
+    using QTextBrowser::QTextBrowser;
+    QVariant loadResource(int, const QUrl &) override { return {}; }
+};
+
 } // namespace
 
 DescriptionGuide::DescriptionGuide(QWidget *window) : Sheet(window, zqLocalized("What a description says"))
 {
     setWidth(guideWidth);
-    auto *text = new QTextBrowser(this);
+    auto *text = new GuideView(this);
     text->setAccessibleName(zqLocalized("What a description says"));
     text->setTabChangesFocus(true);
     text->setMinimumHeight(guideHeight);
-    text->setMarkdown(guide());
+    QTextCursor(text->document()).insertMarkdown(guide());
+    text->moveCursor(QTextCursor::Start);
     content()->addWidget(text);
     addButton(zqLocalized("Close"), closeCode, true);
 }
