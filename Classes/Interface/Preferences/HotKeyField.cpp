@@ -1,6 +1,7 @@
 #include "Classes/Interface/Preferences/HotKeyField.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QAccessible>
@@ -32,6 +33,7 @@ bool isModifier(int key)
 
 HotKeyField::HotKeyField(const QString &name, QWidget *parent) : QWidget(parent)
 {
+    zqSetAccessibleRole(this, QAccessible::HotkeyField);
     setAccessibleName(name);
     setFocusPolicy(Qt::StrongFocus);
     setFixedHeight(fieldHeight + 2 * ring);
