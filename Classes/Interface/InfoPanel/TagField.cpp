@@ -202,7 +202,7 @@ void TagField::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(zqColor(m_edit->hasFocus() ? ZQColorRole::Accent : ZQColorRole::Border), 1));
+    painter.setPen(QPen(zqColor(m_edit->hasFocus() ? ZQColorRole::Accent : ZQColorRole::ControlBorder), 1));
     painter.setBrush(zqColor(ZQColorRole::Ground));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
 }

@@ -209,7 +209,7 @@ void HotKeyField::paintEvent(QPaintEvent * /*event*/)
         painter.setPen(QPen(zqColor(ZQColorRole::Select), ring));
         painter.drawRoundedRect(field.adjusted(-1.5, -1.5, 1.5, 1.5), 8, 8);
     }
-    painter.setPen(QPen(zqColor(m_isRecording || hasFocus() ? ZQColorRole::Accent : ZQColorRole::Border), 1));
+    painter.setPen(QPen(zqColor(m_isRecording || hasFocus() ? ZQColorRole::Accent : ZQColorRole::ControlBorder), 1));
     painter.setBrush(zqColor(ZQColorRole::Raised));
     painter.drawRoundedRect(field, 7, 7);
     const QFont font = ZQTheme::current().font(ZQMeasure::smallTextSize);

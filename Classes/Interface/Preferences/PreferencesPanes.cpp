@@ -12,6 +12,9 @@ void fillGeneral(PreferencesPane &pane)
 {
     pane.addChoices(QStringLiteral("UseDarkUI"), zqLocalized("THEME"),
                     {{true, zqLocalized("&Dark")}, {false, zqLocalized("&Light")}});
+    pane.addSwitch(QStringLiteral("HighContrast"), zqLocalized("High &contrast"));
+    pane.addSwitch(QStringLiteral("ReduceMotion"), zqLocalized("&Reduce motion"),
+                   zqLocalized("Both are also on while the desktop asks for them."));
     pane.addHeading(zqLocalized("ITEMS"));
     const QCheckBox *titles =
         pane.addSwitch(QStringLiteral("ShowLibraryItemsTitles"), zqLocalized("Show &titles below thumbnails"));
