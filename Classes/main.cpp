@@ -18,6 +18,7 @@
 #include "Classes/Interface/Capture/CaptureViews.h"
 #include "Classes/Interface/Sheets/CrashReportSheet.h"
 #include "Classes/Interface/Window/MainWindowController.h"
+#include "Classes/Interface/Window/TextScale.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"
@@ -459,8 +460,8 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }
     server.registerOnSessionBus({[&](const QStringList &paths) {
-        delegate.reopenMainWindow();
-        delegate.openFiles(paths);
+                                     delegate.reopenMainWindow();
+                                     delegate.openFiles(paths);
                                  },
                                  [&](const QString &action) { DesktopActions::perform(action, delegate); }});
     SignalWatcher signalWatcher([&delegate] { delegate.terminate(); });
@@ -544,7 +545,12 @@ int main(int argc, char *argv[])
     }
     print(context, 0); // files that are not there are named before the window comes
     context.errors.clear();
+    std::optional<TextScale> scale;
+    if (!commandLine.isSnapshot()) {
+        scale.emplace();
+    }
     QApplication application(argc, argv);
+    scale.reset();
     zqInstallLanguage();
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);

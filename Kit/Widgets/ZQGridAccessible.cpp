@@ -74,7 +74,10 @@ public:
         }
     }
 
-    QStringList actionNames() const override { return {pressAction(), toggleAction(), showMenuAction()}; }
+    QStringList actionNames() const override
+    {
+        return {pressAction(), toggleAction(), showMenuAction(), setFocusAction()};
+    }
     QString localizedActionDescription(const QString &name) const override
     {
         return name == pressAction()    ? zqLocalized("Opens it in the full view")
@@ -184,10 +187,7 @@ public:
         const auto *item = dynamic_cast<const GridItem *>(child);
         return item ? int(item->index()) : -1;
     }
-    QAccessibleInterface *focusChild() const override
-    {
-        return m_view->hasFocus() ? child(int(m_view->currentIndex())) : nullptr;
-    }
+    QAccessibleInterface *focusChild() const override { return child(int(m_view->currentIndex())); }
 
     int rowCount() const override { return childCount(); }
     int columnCount() const override { return 1; }
