@@ -805,6 +805,10 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>Auch alle Dateien vollständig &amp;lesen</translation>
     </message>
     <message>
+        <source>&amp;Reduce motion</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
@@ -1155,6 +1159,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Adresse der Seite</translation>
     </message>
     <message>
+        <source>Adds it to what is selected, or takes it away</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Add…</source>
         <translation>Hinzufügen…</translation>
     </message>
@@ -1430,6 +1438,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Blue</source>
         <translation>Blau</translation>
+    </message>
+    <message>
+        <source>Both are also on while the desktop asks for them.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Bringing items back…</source>
@@ -2245,8 +2257,16 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Geben Sie Platz frei, und speichern Sie dann noch einmal; von Ihren Änderungen geht nichts verloren.</translation>
     </message>
     <message>
+        <source>From the next start on.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Full Screen</source>
         <translation>Vollbild</translation>
+    </message>
+    <message>
+        <source>Full view</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>GIF image</source>
@@ -2335,6 +2355,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Hiding items…</source>
         <translation>Objekte werden ausgeblendet…</translation>
+    </message>
+    <message>
+        <source>High &amp;contrast</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
@@ -3617,6 +3641,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Um eine neue Bibliothek zu öffnen, muss Zelto neu gestartet werden</translation>
     </message>
     <message>
+        <source>Opens it in the full view</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Optional: Shared/Zelto</source>
         <translation>Optional: Shared/Zelto</translation>
     </message>
@@ -4329,6 +4357,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Größenklasse ist „%@“</translation>
     </message>
     <message>
+        <source>Size of text and &amp;pictures of the window</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Size of the originals: %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4495,6 +4527,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Tab %d</source>
         <translation>Tab %d</translation>
+    </message>
+    <message>
+        <source>Tab %d of %d</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
@@ -5931,6 +5967,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>What is mounted there is out of reach. Connect its drive again.</source>
         <translation>Was dort eingehängt ist, ist nicht erreichbar. Verbinden Sie das Laufwerk wieder.</translation>
+    </message>
+    <message>
+        <source>What is searched for</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>

@@ -805,6 +805,10 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>&amp;Lire aussi chaque fichier en entier</translation>
     </message>
     <message>
+        <source>&amp;Reduce motion</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Remove</source>
         <translation>&amp;Retirer</translation>
     </message>
@@ -1155,6 +1159,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Adresse de la page</translation>
     </message>
     <message>
+        <source>Adds it to what is selected, or takes it away</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Add…</source>
         <translation>Ajouter…</translation>
     </message>
@@ -1430,6 +1438,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Blue</source>
         <translation>Bleu</translation>
+    </message>
+    <message>
+        <source>Both are also on while the desktop asks for them.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Bringing items back…</source>
@@ -2245,8 +2257,16 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Libérez de l’espace, puis enregistrez de nouveau ; aucune de vos modifications n’est perdue.</translation>
     </message>
     <message>
+        <source>From the next start on.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Full Screen</source>
         <translation>Plein écran</translation>
+    </message>
+    <message>
+        <source>Full view</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>GIF image</source>
@@ -2335,6 +2355,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Hiding items…</source>
         <translation>Masquage des éléments…</translation>
+    </message>
+    <message>
+        <source>High &amp;contrast</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
@@ -3617,6 +3641,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>L’ouverture d’une nouvelle bibliothèque nécessite de relancer Zelto</translation>
     </message>
     <message>
+        <source>Opens it in the full view</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Optional: Shared/Zelto</source>
         <translation>Facultatif : Shared/Zelto</translation>
     </message>
@@ -4329,6 +4357,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>La classe de taille est « %@ »</translation>
     </message>
     <message>
+        <source>Size of text and &amp;pictures of the window</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Size of the originals: %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4495,6 +4527,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Tab %d</source>
         <translation>Onglet %d</translation>
+    </message>
+    <message>
+        <source>Tab %d of %d</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
@@ -5931,6 +5967,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>What is mounted there is out of reach. Connect its drive again.</source>
         <translation>Ce qui est monté à cet endroit est hors d’atteinte. Reconnectez son disque.</translation>
+    </message>
+    <message>
+        <source>What is searched for</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>

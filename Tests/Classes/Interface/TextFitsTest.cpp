@@ -90,6 +90,6 @@ private:
 
 TEST_F(TextFitsTest, NoTextOfTheWindowIsCut)
 {
-    show(item);
+    show(a);
     EXPECT_EQ(cut(window()).join(u'\n'), QString());
 }
