@@ -806,7 +806,7 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     </message>
     <message>
         <source>&amp;Reduce motion</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Réduire les animations</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
@@ -1160,7 +1160,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Adds it to what is selected, or takes it away</source>
-        <translation type="unfinished"></translation>
+        <translation>L’ajoute à la sélection ou l’en retire</translation>
     </message>
     <message>
         <source>Add…</source>
@@ -1441,7 +1441,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Both are also on while the desktop asks for them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Les deux s’appliquent aussi tant que le bureau le demande.</translation>
     </message>
     <message>
         <source>Bringing items back…</source>
@@ -2258,7 +2258,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>From the next start on.</source>
-        <translation type="unfinished"></translation>
+        <translation>À partir du prochain démarrage.</translation>
     </message>
     <message>
         <source>Full Screen</source>
@@ -2266,7 +2266,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Full view</source>
-        <translation type="unfinished"></translation>
+        <translation>Vue en grand</translation>
     </message>
     <message>
         <source>GIF image</source>
@@ -2358,7 +2358,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>High &amp;contrast</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Contraste élevé</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
@@ -3642,7 +3642,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Opens it in the full view</source>
-        <translation type="unfinished"></translation>
+        <translation>L’ouvre en grand</translation>
     </message>
     <message>
         <source>Optional: Shared/Zelto</source>
@@ -4358,7 +4358,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Size of text and &amp;pictures of the window</source>
-        <translation type="unfinished"></translation>
+        <translation>Taille du texte et des &amp;images de la fenêtre</translation>
     </message>
     <message>
         <source>Size of the originals: %@</source>
@@ -4530,7 +4530,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>Tab %d of %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Onglet %d sur %d</translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
@@ -5970,7 +5970,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>What is searched for</source>
-        <translation type="unfinished"></translation>
+        <translation>Ce qui est recherché</translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>
