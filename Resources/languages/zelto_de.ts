@@ -806,7 +806,7 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     </message>
     <message>
         <source>&amp;Reduce motion</source>
-        <translation type="unfinished"></translation>
+        <translation>Bewegung &amp;verringern</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
@@ -1160,7 +1160,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Adds it to what is selected, or takes it away</source>
-        <translation type="unfinished"></translation>
+        <translation>Nimmt es in die Auswahl auf oder aus ihr heraus</translation>
     </message>
     <message>
         <source>Add…</source>
@@ -1441,7 +1441,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Both are also on while the desktop asks for them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Beides gilt auch, solange der Desktop es verlangt.</translation>
     </message>
     <message>
         <source>Bringing items back…</source>
@@ -2258,7 +2258,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>From the next start on.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ab dem nächsten Start.</translation>
     </message>
     <message>
         <source>Full Screen</source>
@@ -2266,7 +2266,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Full view</source>
-        <translation type="unfinished"></translation>
+        <translation>Vollansicht</translation>
     </message>
     <message>
         <source>GIF image</source>
@@ -2358,7 +2358,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>High &amp;contrast</source>
-        <translation type="unfinished"></translation>
+        <translation>Hoher &amp;Kontrast</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
@@ -3642,7 +3642,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Opens it in the full view</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnet es in der Vollansicht</translation>
     </message>
     <message>
         <source>Optional: Shared/Zelto</source>
@@ -4358,7 +4358,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Size of text and &amp;pictures of the window</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Größe von Text und Bildern des Fensters</translation>
     </message>
     <message>
         <source>Size of the originals: %@</source>
@@ -4530,7 +4530,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Tab %d of %d</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab %d von %d</translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
@@ -5970,7 +5970,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>What is searched for</source>
-        <translation type="unfinished"></translation>
+        <translation>Wonach gesucht wird</translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>
