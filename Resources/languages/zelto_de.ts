@@ -4358,7 +4358,7 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     </message>
     <message>
         <source>Size of text and &amp;pictures of the window</source>
-        <translation>&amp;Größe von Text und Bildern des Fensters</translation>
+        <translation>Größe von Text &amp;und Bildern des Fensters</translation>
     </message>
     <message>
         <source>Size of the originals: %@</source>

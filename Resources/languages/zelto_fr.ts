@@ -2358,7 +2358,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>High &amp;contrast</source>
-        <translation>&amp;Contraste élevé</translation>
+        <translation>C&amp;ontraste élevé</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
