@@ -18,6 +18,7 @@
 #include "Classes/Interface/Capture/CaptureViews.h"
 #include "Classes/Interface/Sheets/CrashReportSheet.h"
 #include "Classes/Interface/Window/MainWindowController.h"
+#include "Classes/Interface/Window/TextScale.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"
@@ -555,7 +556,12 @@ int main(int argc, char *argv[])
     }
     print(context, 0); // files that are not there are named before the window comes
     context.errors.clear();
+    std::optional<TextScale> scale;
+    if (!commandLine.isSnapshot()) {
+        scale.emplace();
+    }
     QApplication application(argc, argv);
+    scale.reset();
     QApplication::setLayoutDirection(zqInstallLanguage().direction);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);

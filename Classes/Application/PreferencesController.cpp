@@ -17,6 +17,9 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("ShowLibraryItemsTitles"), true},
         {QStringLiteral("ShowLibraryItemsExtensions"), true},
         {QStringLiteral("BrowserFillsCells"), false},
+        {QStringLiteral("TextScale"), 100}, // percent
+        {QStringLiteral("ReduceMotion"), false},
+        {QStringLiteral("HighContrast"), false},
         {QStringLiteral("UseDarkUI"), true},
         {QStringLiteral("SidebarDisplayBadges"), true},
         {QStringLiteral("ImportOpenMetaTags"), true},

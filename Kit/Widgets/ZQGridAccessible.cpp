@@ -1,19 +1,32 @@
 #include "Kit/Widgets/ZQGridAccessible.h"
 
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQGridView.h"
 #include "Kit/Widgets/ZQListHead.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QHash>
+#include <QKeySequence>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace {
 
-class GridItem : public QAccessibleInterface, public QAccessibleActionInterface
+// Screen readers count in int.
+int countOf(const ZQGridView &view)
+{
+    return int(std::min<qint64>(view.gridLayout().count(), std::numeric_limits<int>::max()));
+}
+
+class GridItem : public QAccessibleInterface, public QAccessibleActionInterface, public QAccessibleTableCellInterface
 {
 public:
     GridItem(ZQGridView *view, qint64 index) : m_view(view), m_index(index) {}
     bool isValid() const override { return m_view->dataSource() && m_index < m_view->gridLayout().count(); }
+    QWindow *window() const override { return m_view->window()->windowHandle(); }
     QObject *object() const override { return nullptr; }
     QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(m_view); }
     QAccessibleInterface *child(int) const override { return nullptr; }
@@ -28,7 +41,7 @@ public:
         }
         m_view->dataSource()->willShow(m_index, m_index);
         if (kind == QAccessible::Description) {
-            return m_view->showsList() ? rowText() : QString();
+            return m_view->showsList() ? rowText() : m_view->groupTitleOf(m_index);
         }
         const ZQGridItem item = m_view->dataSource()->item(m_index);
         return item.extension.isEmpty() ? item.title : item.title + u'.' + item.extension;
@@ -42,25 +55,70 @@ public:
     QAccessible::State state() const override
     {
         QAccessible::State state;
-        state.selectable = state.focusable = true;
-        state.selected = m_view->selection().contains(m_index);
+        state.invalid = !isValid();
+        state.selectable = state.multiSelectable = state.extSelectable = state.focusable = true;
+        state.selected = isSelected();
         state.focused = m_view->hasFocus() && m_view->currentIndex() == m_index;
         state.offscreen = !m_view->visualRect(m_index).intersects(m_view->viewport()->rect());
         return state;
     }
     void *interface_cast(QAccessible::InterfaceType type) override
     {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this) : nullptr;
+        switch (type) {
+        case QAccessible::ActionInterface:
+            return static_cast<QAccessibleActionInterface *>(this);
+        case QAccessible::TableCellInterface:
+            return static_cast<QAccessibleTableCellInterface *>(this);
+        default:
+            return nullptr;
+        }
     }
-    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+
+    QStringList actionNames() const override
+    {
+        return {pressAction(), toggleAction(), showMenuAction(), setFocusAction()};
+    }
+    QString localizedActionDescription(const QString &name) const override
+    {
+        return name == pressAction()    ? zqLocalized("Opens it in the full view")
+               : name == toggleAction() ? zqLocalized("Adds it to what is selected, or takes it away")
+                                        : QAccessibleActionInterface::localizedActionDescription(name);
+    }
     void doAction(const QString &name) override
     {
+        if (!isValid()) {
+            return;
+        }
+        if (name == toggleAction()) {
+            m_view->setSelected(m_index, !isSelected());
+            return;
+        }
         m_view->setCurrentIndex(m_index);
         if (name == pressAction()) {
             Q_EMIT m_view->activated(m_index);
+        } else if (name == showMenuAction()) {
+            // What asked for it is not to wait until the menu is gone.
+            QMetaObject::invokeMethod(
+                m_view, [view = m_view, place = rect().center()] { Q_EMIT view->contextMenuRequested(place); },
+                Qt::QueuedConnection);
         }
     }
-    QStringList keyBindingsForAction(const QString &) const override { return {}; }
+    QStringList keyBindingsForAction(const QString &name) const override
+    {
+        return name == pressAction() ? QStringList{QKeySequence(Qt::Key_Return).toString(QKeySequence::NativeText)}
+               : name == toggleAction()
+                   ? QStringList{QKeySequence(Qt::CTRL | Qt::Key_Space).toString(QKeySequence::NativeText)}
+                   : QStringList();
+    }
+
+    bool isSelected() const override { return m_view->selection().contains(m_index); }
+    QList<QAccessibleInterface *> columnHeaderCells() const override { return {}; }
+    QList<QAccessibleInterface *> rowHeaderCells() const override { return {}; }
+    int columnIndex() const override { return 0; }
+    int rowIndex() const override { return int(m_index); }
+    int columnExtent() const override { return 1; }
+    int rowExtent() const override { return 1; }
+    QAccessibleInterface *table() const override { return parent(); }
 
     qint64 index() const { return m_index; }
 
@@ -87,13 +145,27 @@ private:
     qint64 m_index;
 };
 
-class Grid : public QAccessibleWidget
+// A table of one column, as other lists are: that is how a selection is told and changed, and it says that the entries
+// are too many to be asked for beforehand.
+class Grid : public QAccessibleWidget, public QAccessibleTableInterface
 {
 public:
     explicit Grid(ZQGridView *view) : QAccessibleWidget(view, QAccessible::List), m_view(view) {}
     ~Grid() override { forget(); }
 
-    int childCount() const override { return int(m_view->gridLayout().count()); }
+    void *interface_cast(QAccessible::InterfaceType type) override
+    {
+        return type == QAccessible::TableInterface ? static_cast<QAccessibleTableInterface *>(this)
+                                                   : QAccessibleWidget::interface_cast(type);
+    }
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.multiSelectable = state.extSelectable = true;
+        return state;
+    }
+
+    int childCount() const override { return countOf(*m_view); }
     QAccessibleInterface *child(int index) const override
     {
         if (index < 0 || index >= childCount()) {
@@ -117,6 +189,52 @@ public:
     }
     QAccessibleInterface *focusChild() const override { return child(int(m_view->currentIndex())); }
 
+    int rowCount() const override { return childCount(); }
+    int columnCount() const override { return 1; }
+    QAccessibleInterface *cellAt(int row, int column) const override { return column == 0 ? child(row) : nullptr; }
+    QAccessibleInterface *caption() const override { return nullptr; }
+    QAccessibleInterface *summary() const override { return nullptr; }
+    QString columnDescription(int) const override { return {}; }
+    QString rowDescription(int row) const override
+    {
+        const QAccessibleInterface *cell = child(row);
+        return cell ? cell->text(QAccessible::Name) : QString();
+    }
+    int selectedCellCount() const override
+    {
+        return int(std::min<qint64>(m_view->selection().count(), std::numeric_limits<int>::max()));
+    }
+    int selectedRowCount() const override { return selectedCellCount(); }
+    int selectedColumnCount() const override { return 0; }
+    // Of a selection of everything, no more than anybody listens to.
+    QList<int> selectedRows() const override
+    {
+        constexpr qsizetype most = 10000;
+        QList<int> rows;
+        for (const ZQIndexSet::Range &range : m_view->selection().ranges()) {
+            for (qint64 index = range.first; index <= range.last && rows.size() < most; ++index) {
+                rows.append(int(index));
+            }
+        }
+        return rows;
+    }
+    QList<int> selectedColumns() const override { return {}; }
+    QList<QAccessibleInterface *> selectedCells() const override
+    {
+        QList<QAccessibleInterface *> cells;
+        for (const int row : selectedRows()) {
+            cells.append(child(row));
+        }
+        return cells;
+    }
+    bool isColumnSelected(int) const override { return false; }
+    bool isRowSelected(int row) const override { return m_view->selection().contains(row); }
+    bool selectRow(int row) override { return select(row, true); }
+    bool unselectRow(int row) override { return select(row, false); }
+    bool selectColumn(int) override { return false; }
+    bool unselectColumn(int) override { return false; }
+    void modelChange(QAccessibleTableModelChangeEvent *) override {}
+
     void forget()
     {
         const auto children = std::exchange(m_children, {});
@@ -126,6 +244,15 @@ public:
     }
 
 private:
+    bool select(int row, bool isSelected)
+    {
+        if (row < 0 || row >= childCount()) {
+            return false;
+        }
+        m_view->setSelected(row, isSelected);
+        return true;
+    }
+
     ZQGridView *m_view;
     mutable QHash<qint64, QAccessible::Id> m_children;
 };
@@ -155,4 +282,22 @@ void zqGridContentChanged(ZQGridView *view)
     if (auto *grid = dynamic_cast<Grid *>(QAccessible::queryAccessibleInterface(view))) {
         grid->forget();
     }
+    QAccessibleTableModelChangeEvent event(view, QAccessibleTableModelChangeEvent::ModelReset);
+    QAccessible::updateAccessibility(&event);
+}
+
+void zqGridSelectionChanged(ZQGridView *view, qint64 changed)
+{
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    // One entry is told by itself; of many, only that it is another selection.
+    const bool isOne = changed >= 0 && changed < countOf(*view);
+    QAccessibleEvent within(
+        view, isOne ? (view->selection().contains(changed) ? QAccessible::SelectionAdd : QAccessible::SelectionRemove)
+                    : QAccessible::SelectionWithin);
+    if (isOne) {
+        within.setChild(int(changed));
+    }
+    QAccessible::updateAccessibility(&within);
 }

@@ -228,8 +228,11 @@ void ZQGridView::setSelectionQuietly(const ZQIndexSet &selection)
     if (selection == m_selection) {
         return;
     }
+    const bool isOne = selection.count() + 1 == m_selection.count() || m_selection.count() + 1 == selection.count() ||
+                       (selection.count() == 1 && m_selection.count() <= 1);
     m_selection = selection;
     viewport()->update();
+    zqGridSelectionChanged(this, isOne ? m_current : -1);
     Q_EMIT selectionChanged();
 }
 
@@ -239,6 +242,17 @@ void ZQGridView::setSelection(const ZQIndexSet &selection)
     inside.remove(m_layout.count(), std::max(inside.last(), m_layout.count()));
     m_current = m_anchor = inside.first();
     setSelectionQuietly(inside);
+}
+
+void ZQGridView::setSelected(qint64 index, bool isSelected)
+{
+    if (index < 0 || index >= m_layout.count() || m_selection.contains(index) == isSelected) {
+        return;
+    }
+    ZQIndexSet selection = m_selection;
+    selection.toggle(index);
+    m_current = m_anchor = index;
+    setSelectionQuietly(selection);
 }
 
 void ZQGridView::selectAll()
@@ -255,6 +269,11 @@ void ZQGridView::setCurrentIndex(qint64 index)
         setGroupCollapsed(group, false); // it is to be seen
     }
     moveCurrent(index, Qt::NoModifier);
+}
+
+QString ZQGridView::groupTitleOf(qint64 index) const
+{
+    return m_layout.hasHeads() ? m_groups.value(m_layout.groupOfIndex(index)).title : QString();
 }
 
 void ZQGridView::scrollToIndex(qint64 index)
@@ -348,10 +367,7 @@ void ZQGridView::keyPressEvent(QKeyEvent *event)
         return;
     case Qt::Key_Space:
         if (current >= 0 && (modifiers & Qt::ControlModifier)) {
-            ZQIndexSet selection = m_selection;
-            selection.toggle(current);
-            m_anchor = current;
-            setSelectionQuietly(selection);
+            setSelected(current, !m_selection.contains(current));
             return;
         }
         if (!m_typed.isEmpty() && m_typedAt.elapsed() < 1000) {
@@ -453,6 +469,9 @@ void ZQGridView::focusInEvent(QFocusEvent *event)
     QAbstractScrollArea::focusInEvent(event);
     m_isReachedByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
     viewport()->update();
+    if (m_current >= 0) {
+        announce(m_current); // after the grid itself
+    }
 }
 
 void ZQGridView::focusOutEvent(QFocusEvent *event)

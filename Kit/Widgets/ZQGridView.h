@@ -77,6 +77,7 @@ public:
     const ZQIndexSet &selection() const { return m_selection; }
     void setSelection(const ZQIndexSet &selection);
     void selectAll();
+    void setSelected(qint64 index, bool isSelected); // besides the others
     qint64 currentIndex() const { return m_current; }
     void setCurrentIndex(qint64 index); // the only selected one, scrolled to
     void scrollToIndex(qint64 index);
@@ -99,7 +100,8 @@ public:
     void setAllGroupsCollapsed(bool collapsed);
     const QSet<QString> &collapsedGroups() const { return m_collapsedTitles; }
     void setCollapsedGroups(const QSet<QString> &titles);
-    int currentGroup() const; // of the current item, else the one on top; -1 for none
+    int currentGroup() const;                 // of the current item, else the one on top; -1 for none
+    QString groupTitleOf(qint64 index) const; // empty where there are no groups
     const ZQGridLayout &gridLayout() const { return m_layout; }
     // Where the item is in the viewport; may lie outside it.
     QRect visualRect(qint64 index) const;

@@ -1,9 +1,9 @@
 #include "Kit/Widgets/ZQNotificationBubble.h"
 
 #include "Kit/Foundation/ZQShortened.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQTheme.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
@@ -26,6 +26,7 @@ constexpr std::chrono::milliseconds heldTime(500); // until it is looked again w
 
 ZQNotificationBubble::ZQNotificationBubble(QWidget *window) : QWidget(window)
 {
+    zqSetAccessibleRole(this, QAccessible::Notification);
     auto *effect = new QGraphicsOpacityEffect(this);
     effect->setOpacity(0);
     setGraphicsEffect(effect);
@@ -68,7 +69,7 @@ void ZQNotificationBubble::showText(const QString &given, QWidget *place, bool i
 void ZQNotificationBubble::begin(const Message &message)
 {
     m_shown = message;
-    setAccessibleName(m_shown.text);
+    setAccessibleName(m_shown.text); // before it is seen
     makeButtons();
     reposition();
     raise();
@@ -76,8 +77,7 @@ void ZQNotificationBubble::begin(const Message &message)
     update();
     fade(1);
     m_timer.start(m_shown.time);
-    QAccessibleEvent event(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&event);
+    zqAnnounce(this, m_shown.text);
 }
 
 void ZQNotificationBubble::makeButtons()

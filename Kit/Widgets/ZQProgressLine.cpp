@@ -1,6 +1,7 @@
 #include "Kit/Widgets/ZQProgressLine.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QBoxLayout>
@@ -9,11 +10,17 @@
 #include <QPainter>
 #include <QToolButton>
 
-class ZQProgressLine::Bar : public QWidget
+class ZQProgressLine::Bar : public QWidget, public ZQAccessibleNumber
 {
 public:
     explicit Bar(QWidget *parent) : QWidget(parent) { setFixedHeight(4); }
     double fraction = 0;
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
+    double accessibleNumber() const override { return std::max(0, int(fraction * 100)); }
+    double accessibleLimit() const override { return 100; }
+    QString accessibleNumberText() const override { return accessibleDescription(); }
+    void tellNumber() { accessibleNumberDidChange(this, accessibleNumber()); }
 
 protected:
     void paintEvent(QPaintEvent * /*event*/) override
@@ -92,7 +99,12 @@ void ZQProgressLine::setText(const QString &text, const QString &kept)
 
 void ZQProgressLine::setFraction(double fraction)
 {
+    const int before = int(m_bar->fraction * 100);
     m_bar->fraction = fraction;
-    m_bar->setAccessibleDescription(QStringLiteral("%1 %").arg(int(fraction * 100)));
+    const QString share = zqFormat(zqLocalized("%@ %%"), {QString::number(int(fraction * 100))});
+    m_bar->setAccessibleDescription(fraction < 0 ? QString() : share);
+    if (before != int(fraction * 100)) {
+        m_bar->tellNumber();
+    }
     m_bar->update();
 }

@@ -2,7 +2,6 @@
 
 #include "Kit/Widgets/ZQTheme.h"
 
-#include <QAccessible>
 #include <QDragMoveEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -39,10 +38,15 @@ void ZQSwitch::setCurrentIndex(int index)
     }
     m_current = index;
     setAccessibleName(m_segments[index]);
-    QAccessibleEvent event(this, QAccessible::NameChanged);
-    QAccessible::updateAccessibility(&event);
+    accessiblePartIsCurrent(this, index);
     update();
     Q_EMIT currentIndexChanged(index);
+}
+
+ZQAccessiblePart ZQSwitch::accessiblePart(int index) const
+{
+    const bool isOn = index == m_current;
+    return {.name = m_segments[index], .place = segmentRect(index), .isChosen = isOn, .isCurrent = isOn};
 }
 
 QRect ZQSwitch::segmentRect(int index) const

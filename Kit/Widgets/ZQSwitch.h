@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Kit/Widgets/ZQAccessible.h"
+
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
 
 // A row of segments of which one is on, chosen with the pointer, the arrow keys or a screen reader; a drag that rests
 // on a segment turns to it, so that it can go on to what is there.
-class ZQSwitch : public QWidget
+class ZQSwitch : public QWidget, public ZQAccessibleParts
 {
     Q_OBJECT
 public:
@@ -14,6 +16,12 @@ public:
     int currentIndex() const { return m_current; }
     void setCurrentIndex(int index);
     QSize sizeHint() const override;
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::PageTabList; }
+    QAccessible::Role accessiblePartRole() const override { return QAccessible::PageTab; }
+    int accessiblePartCount() const override { return int(m_segments.size()); }
+    ZQAccessiblePart accessiblePart(int index) const override;
+    void pressAccessiblePart(int index) override { setCurrentIndex(index); }
 
 Q_SIGNALS:
     void currentIndexChanged(int index);

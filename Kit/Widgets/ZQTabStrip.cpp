@@ -50,12 +50,30 @@ ZQTabStrip::ZQTabStrip(QWidget *parent) : QWidget(parent), m_new(new QToolButton
 
 void ZQTabStrip::setTabs(const QStringList &titles, int current)
 {
+    const bool areOthers = titles != m_titles;
+    const bool isOther = current != m_current;
     m_titles = titles;
     m_current = current;
     setAccessibleDescription(titles.value(current));
+    if (areOthers) {
+        accessiblePartsDidChange(this);
+    }
+    if (areOthers || isOther) {
+        accessiblePartIsCurrent(this, current);
+    }
     showCurrent();
     updateGeometry();
     update();
+}
+
+ZQAccessiblePart ZQTabStrip::accessiblePart(int index) const
+{
+    const bool isCurrent = index == m_current;
+    return {.name = m_titles[index],
+            .description = zqFormat(zqLocalized("Tab %d of %d"), {index + 1, count()}),
+            .place = tabRect(index),
+            .isChosen = isCurrent,
+            .isCurrent = isCurrent};
 }
 
 QList<QWidget *> ZQTabStrip::focusStops()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Widgets/ZQAccessible.h"
+
 #include <QStringList>
 #include <QWidget>
 
@@ -8,7 +10,7 @@ class QToolButton;
 // Tabs with a close mark each and a button for a new one. Tabs are dragged to reorder; the middle button closes. Where
 // they would get too narrow to be told apart only some are shown, the current one among them, and a menu lists all.
 // It only draws and tells: the owner changes the titles in answer to its signals.
-class ZQTabStrip : public QWidget
+class ZQTabStrip : public QWidget, public ZQAccessibleParts
 {
     Q_OBJECT
 public:
@@ -19,6 +21,12 @@ public:
     int visibleCount() const;      // tabs that have room
     QList<QWidget *> focusStops(); // in the order of Tab
     QSize sizeHint() const override;
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::PageTabList; }
+    QAccessible::Role accessiblePartRole() const override { return QAccessible::PageTab; }
+    int accessiblePartCount() const override { return count(); }
+    ZQAccessiblePart accessiblePart(int index) const override;
+    void pressAccessiblePart(int index) override { Q_EMIT currentChanged(index); }
 
 Q_SIGNALS:
     void currentChanged(int index);

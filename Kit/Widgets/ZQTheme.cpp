@@ -16,6 +16,7 @@
 #include <QToolButton>
 
 #include <cmath>
+#include <utility>
 
 static void initResources()
 {
@@ -103,14 +104,15 @@ constexpr RoleColors roleColors[] = {
     {ZQColorRole::Hover, "hover", 0xff26282c, 0xffe9e9ec},
     {ZQColorRole::Cell, "cell", 0xff202226, 0xfff2f2f4},
     {ZQColorRole::Border, "border", 0xff33353b, 0xffdcdde1},
+    {ZQColorRole::ControlBorder, "controlBorder", 0xff70737c, 0xff85888f},
     {ZQColorRole::Text, "text", 0xffe9eaed, 0xff1d1e21},
     {ZQColorRole::TextMuted, "textMuted", 0xffa2a5ae, 0xff585b63},
-    {ZQColorRole::TextFaint, "textFaint", 0xff8f929b, 0xff656870},
-    {ZQColorRole::Accent, "accent", 0xff5b8cff, 0xff2f6bff},
+    {ZQColorRole::TextFaint, "textFaint", 0xff959aa3, 0xff62656d},
+    {ZQColorRole::Accent, "accent", 0xff5b8cff, 0xff1f5cf0},
     {ZQColorRole::AccentFill, "accentFill", 0xff3d6de0, 0xff2a66f5},
     {ZQColorRole::AccentText, "accentText", 0xffffffff, 0xffffffff},
     {ZQColorRole::Select, "select", 0xff2b3a5e, 0xffdbe6ff},
-    {ZQColorRole::Danger, "danger", 0xffff6b5e, 0xffd43a2c},
+    {ZQColorRole::Danger, "danger", 0xffff6b5e, 0xffc8332a},
     {ZQColorRole::DangerFill, "dangerFill", 0xffc8382b, 0xffc8382b},
     {ZQColorRole::ScrollHandle, "scrollHandle", 0xff3d4047, 0xffc9cad0},
     {ZQColorRole::Shadow, "shadow", 0x59000000, 0x2e000000},
@@ -128,6 +130,9 @@ constexpr RoleColors roleColors[] = {
 // White, black, gray, red, orange, yellow, green, blue, purple, pink.
 constexpr QRgb swatches[] = {0xfff7f5f0, 0xff1a1a1c, 0xff8c8e94, 0xffd2333f, 0xffe8862f,
                              0xfff0c93b, 0xff3a9a5b, 0xff3f6fd8, 0xff8a4fd0, 0xffe779a8};
+
+// What lies under text and is nearest to it, in both themes.
+constexpr ZQColorRole hardestGround = ZQColorRole::Raised2;
 
 double channel(double value)
 {
@@ -175,29 +180,73 @@ void ZQTheme::setAccent(const QColor &accent)
     Q_EMIT changed();
 }
 
-QColor ZQTheme::color(ZQColorRole role) const
+void ZQTheme::setHighContrast(bool hasHighContrast)
+{
+    if (std::exchange(m_hasHighContrast, hasHighContrast) != hasHighContrast) {
+        restyle();
+        Q_EMIT changed();
+    }
+}
+
+void ZQTheme::setReducesMotion(bool reducesMotion)
+{
+    if (std::exchange(m_reducesMotion, reducesMotion) != reducesMotion) {
+        Q_EMIT changed(); // what turns, stops
+    }
+}
+
+QColor ZQTheme::ownColor(ZQColorRole role) const
 {
     const RoleColors &entry = roleColors[int(role)];
-    const QColor own = QColor::fromRgba(m_dark ? entry.dark : entry.light);
-    if (!m_accent.isValid()) {
-        return own;
-    }
+    return QColor::fromRgba(m_dark ? entry.dark : entry.light);
+}
+
+QColor ZQTheme::accented(ZQColorRole role) const
+{
     switch (role) {
     case ZQColorRole::Accent:
-        return withContrast(m_accent, color(ZQColorRole::Ground), 4.5);
+        return withContrast(m_accent, ownColor(hardestGround), textContrast());
     case ZQColorRole::AccentFill:
-        return withContrast(m_accent, color(ZQColorRole::AccentText), 4.5);
+        return withContrast(m_accent, ownColor(ZQColorRole::AccentText), textContrast());
     case ZQColorRole::Select: {
         double share = m_dark ? 0.3 : 0.16;
-        QColor select = mixed(color(ZQColorRole::Ground), m_accent, share);
-        while (contrast(select, color(ZQColorRole::TextMuted)) < 4.5 && share > 0.02) {
+        QColor select = mixed(ownColor(ZQColorRole::Ground), m_accent, share);
+        while (contrast(select, color(ZQColorRole::TextMuted)) < textContrast() && share > 0.02) {
             share -= 0.02;
-            select = mixed(color(ZQColorRole::Ground), m_accent, share);
+            select = mixed(ownColor(ZQColorRole::Ground), m_accent, share);
         }
         return select;
     }
     default:
-        return own;
+        return ownColor(role);
+    }
+}
+
+QColor ZQTheme::color(ZQColorRole role) const
+{
+    const QColor usual = m_accent.isValid() ? accented(role) : ownColor(role);
+    if (!m_hasHighContrast) {
+        return usual;
+    }
+    switch (role) {
+    case ZQColorRole::Text:
+        return m_dark ? Qt::white : Qt::black;
+    case ZQColorRole::TextMuted:
+    case ZQColorRole::TextFaint:
+    case ZQColorRole::Danger:
+    case ZQColorRole::Accent:
+        return withContrast(usual, ownColor(hardestGround), textContrast());
+    case ZQColorRole::AccentFill:
+    case ZQColorRole::DangerFill:
+        return withContrast(usual, ownColor(ZQColorRole::AccentText), textContrast());
+    case ZQColorRole::Select: // the text on it is made for other grounds
+        return mixed(ownColor(ZQColorRole::Ground), usual, 0.4);
+    case ZQColorRole::Border:
+    case ZQColorRole::ControlBorder:
+    case ZQColorRole::ScrollHandle:
+        return withContrast(usual, ownColor(hardestGround), controlContrast());
+    default:
+        return usual;
     }
 }
 
@@ -246,7 +295,8 @@ QColor ZQTheme::withContrast(QColor color, const QColor &ground, double ratio)
 
 int ZQTheme::animationMilliseconds() const
 {
-    const bool wanted = !m_application || QApplication::style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0;
+    const bool wanted = !m_reducesMotion &&
+                        (!m_application || QApplication::style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0);
     return wanted ? 140 : 0;
 }
 

@@ -8,13 +8,14 @@ class QApplication;
 
 // What a colour is for. Widgets ask for these and hold no colour of their own.
 enum class ZQColorRole {
-    Ground,  // browser
-    Sunken,  // toolbar, sidebar, info panel
-    Raised,  // fields, sheets
-    Raised2, // pressed, badges, buttons
-    Hover,   // under the pointer
-    Cell,    // the calm ground behind a picture
-    Border,  // the one hairline
+    Ground,        // browser
+    Sunken,        // toolbar, sidebar, info panel
+    Raised,        // fields, sheets
+    Raised2,       // pressed, badges, buttons
+    Hover,         // under the pointer
+    Cell,          // the calm ground behind a picture
+    Border,        // the one hairline
+    ControlBorder, // of fields, boxes and lists: told from what is around it
     Text,
     TextMuted,
     TextFaint,  // what may be missed
@@ -78,8 +79,17 @@ public:
     // one.
     void apply(QApplication &application);
 
-    // How long an explaining movement may take; 0 when the desktop asks for less motion.
+    // How long an explaining movement may take; 0 when less motion is asked for.
     int animationMilliseconds() const;
+    void setReducesMotion(bool reducesMotion);
+
+    // Text at 7 : 1, and lines that are as strong.
+    bool hasHighContrast() const { return m_hasHighContrast; }
+    void setHighContrast(bool hasHighContrast);
+
+    // Least contrast of text, and of what tells a control from its surroundings.
+    double textContrast() const { return m_hasHighContrast ? 7 : 4.5; }
+    double controlContrast() const { return m_hasHighContrast ? 4.5 : 3; }
 
     // The colour that stands for a colour code 1000 (white) to 1009 (pink); invalid for another code.
     static QColor swatch(int code);
@@ -97,7 +107,12 @@ private:
     void restyle();
     QString styleSheet() const;
 
+    QColor ownColor(ZQColorRole role) const; // without an accent of the desktop
+    QColor accented(ZQColorRole role) const;
+
     bool m_dark = true;
+    bool m_hasHighContrast = false;
+    bool m_reducesMotion = false;
     QColor m_accent;
     QString m_family;
     QApplication *m_application = nullptr;

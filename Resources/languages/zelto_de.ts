@@ -841,6 +841,10 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>Auch alle Dateien vollständig &amp;lesen</translation>
     </message>
     <message>
+        <source>&amp;Reduce motion</source>
+        <translation>Bewegung &amp;verringern</translation>
+    </message>
+    <message>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
@@ -1203,6 +1207,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Adresse der Seite</translation>
     </message>
     <message>
+        <source>Adds it to what is selected, or takes it away</source>
+        <translation>Nimmt es in die Auswahl auf oder aus ihr heraus</translation>
+    </message>
+    <message>
         <source>Add…</source>
         <translation>Hinzufügen…</translation>
     </message>
@@ -1490,6 +1498,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Blue</source>
         <translation>Blau</translation>
+    </message>
+    <message>
+        <source>Both are also on while the desktop asks for them.</source>
+        <translation>Beides gilt auch, solange der Desktop es verlangt.</translation>
     </message>
     <message>
         <source>Bringing items back…</source>
@@ -2346,8 +2358,16 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Geben Sie Platz frei, und speichern Sie dann noch einmal; von Ihren Änderungen geht nichts verloren.</translation>
     </message>
     <message>
+        <source>From the next start on.</source>
+        <translation>Ab dem nächsten Start.</translation>
+    </message>
+    <message>
         <source>Full Screen</source>
         <translation>Vollbild</translation>
+    </message>
+    <message>
+        <source>Full view</source>
+        <translation>Vollansicht</translation>
     </message>
     <message>
         <source>GIF image</source>
@@ -2436,6 +2456,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Hiding items…</source>
         <translation>Objekte werden ausgeblendet…</translation>
+    </message>
+    <message>
+        <source>High &amp;contrast</source>
+        <translation>Hoher &amp;Kontrast</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
@@ -3766,6 +3790,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Um eine neue Bibliothek zu öffnen, muss Zelto neu gestartet werden</translation>
     </message>
     <message>
+        <source>Opens it in the full view</source>
+        <translation>Öffnet es in der Vollansicht</translation>
+    </message>
+    <message>
         <source>Optional: Shared/Zelto</source>
         <translation>Optional: Shared/Zelto</translation>
     </message>
@@ -4498,6 +4526,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Größenklasse ist „%@“</translation>
     </message>
     <message>
+        <source>Size of text and &amp;pictures of the window</source>
+        <translation>Größe von Text &amp;und Bildern des Fensters</translation>
+    </message>
+    <message>
         <source>Size of the originals: %@</source>
         <translation>Größe der Originale: %@</translation>
     </message>
@@ -4668,6 +4700,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Tab %d</source>
         <translation>Tab %d</translation>
+    </message>
+    <message>
+        <source>Tab %d of %d</source>
+        <translation>Tab %d von %d</translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
@@ -6164,6 +6200,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>What is mounted there is out of reach. Connect its drive again.</source>
         <translation>Was dort eingehängt ist, ist nicht erreichbar. Verbinden Sie das Laufwerk wieder.</translation>
+    </message>
+    <message>
+        <source>What is searched for</source>
+        <translation>Wonach gesucht wird</translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>

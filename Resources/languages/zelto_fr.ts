@@ -841,6 +841,10 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>&amp;Lire aussi chaque fichier en entier</translation>
     </message>
     <message>
+        <source>&amp;Reduce motion</source>
+        <translation>&amp;Réduire les animations</translation>
+    </message>
+    <message>
         <source>&amp;Remove</source>
         <translation>&amp;Retirer</translation>
     </message>
@@ -1203,6 +1207,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Adresse de la page</translation>
     </message>
     <message>
+        <source>Adds it to what is selected, or takes it away</source>
+        <translation>L’ajoute à la sélection ou l’en retire</translation>
+    </message>
+    <message>
         <source>Add…</source>
         <translation>Ajouter…</translation>
     </message>
@@ -1490,6 +1498,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Blue</source>
         <translation>Bleu</translation>
+    </message>
+    <message>
+        <source>Both are also on while the desktop asks for them.</source>
+        <translation>Les deux s’appliquent aussi tant que le bureau le demande.</translation>
     </message>
     <message>
         <source>Bringing items back…</source>
@@ -2346,8 +2358,16 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Libérez de l’espace, puis enregistrez de nouveau ; aucune de vos modifications n’est perdue.</translation>
     </message>
     <message>
+        <source>From the next start on.</source>
+        <translation>À partir du prochain démarrage.</translation>
+    </message>
+    <message>
         <source>Full Screen</source>
         <translation>Plein écran</translation>
+    </message>
+    <message>
+        <source>Full view</source>
+        <translation>Vue en grand</translation>
     </message>
     <message>
         <source>GIF image</source>
@@ -2436,6 +2456,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Hiding items…</source>
         <translation>Masquage des éléments…</translation>
+    </message>
+    <message>
+        <source>High &amp;contrast</source>
+        <translation>C&amp;ontraste élevé</translation>
     </message>
     <message>
         <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
@@ -3766,6 +3790,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>L’ouverture d’une nouvelle bibliothèque nécessite de relancer Zelto</translation>
     </message>
     <message>
+        <source>Opens it in the full view</source>
+        <translation>L’ouvre en grand</translation>
+    </message>
+    <message>
         <source>Optional: Shared/Zelto</source>
         <translation>Facultatif : Shared/Zelto</translation>
     </message>
@@ -4498,6 +4526,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>La classe de taille est « %@ »</translation>
     </message>
     <message>
+        <source>Size of text and &amp;pictures of the window</source>
+        <translation>Taille du texte et des &amp;images de la fenêtre</translation>
+    </message>
+    <message>
         <source>Size of the originals: %@</source>
         <translation>Taille des originaux : %@</translation>
     </message>
@@ -4668,6 +4700,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Tab %d</source>
         <translation>Onglet %d</translation>
+    </message>
+    <message>
+        <source>Tab %d of %d</source>
+        <translation>Onglet %d sur %d</translation>
     </message>
     <message>
         <source>Tab goes to the next window</source>
@@ -6164,6 +6200,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>What is mounted there is out of reach. Connect its drive again.</source>
         <translation>Ce qui est monté à cet endroit est hors d’atteinte. Reconnectez son disque.</translation>
+    </message>
+    <message>
+        <source>What is searched for</source>
+        <translation>Ce qui est recherché</translation>
     </message>
     <message>
         <source>What is selected in the sidebar is empty.</source>

@@ -3,8 +3,8 @@
 #include "Classes/Browsing/Content/ContentBuilder.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 
-#include <QAccessible>
 #include <QBoxLayout>
 #include <QLocale>
 #include <QTimer>
@@ -41,6 +41,7 @@ HiddenItems::HiddenItems(WindowContext &window, QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(button);
+    zqSetAccessibleRole(this, QAccessible::Notification);
     m_rest->setSingleShot(true);
     m_rest->setInterval(700);
     connect(m_rest, &QTimer::timeout, this, &HiddenItems::announce);
@@ -108,8 +109,8 @@ void HiddenItems::announce()
         return;
     }
     const QLocale locale;
-    setAccessibleName(
-        zqFormat(zqLocalized("%@ shown, %@ hidden"), {locale.toString(m_shown), locale.toString(hidden())}));
-    QAccessibleEvent event(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&event);
+    const QString text =
+        zqFormat(zqLocalized("%@ shown, %@ hidden"), {locale.toString(m_shown), locale.toString(hidden())});
+    setAccessibleName(text);
+    zqAnnounce(this, text);
 }

@@ -81,10 +81,20 @@ void SearchChips::setText(const QString &searchText, bool isInField)
     for (const Chip &chip : std::as_const(m_chips)) {
         said.append(spoken(chip));
     }
-    setAccessibleName(said.isEmpty() ? QString() : zqFormat(zqLocalized("Search: %@"), {said.join(u'\n')}));
+    setAccessibleName(said.isEmpty() ? zqLocalized("What is searched for")
+                                     : zqFormat(zqLocalized("Search: %@"), {said.join(u'\n')}));
+    accessiblePartsDidChange(this);
     layOut();
     setVisible(m_needsExplanation && !m_chips.isEmpty());
     update();
+}
+
+ZQAccessiblePart SearchChips::accessiblePart(int index) const
+{
+    return {.name = spoken(m_chips[index]),
+            .description = m_chips[index].reason,
+            .place = isShown(index) ? m_chips[index].place : QRect(),
+            .isCurrent = index == m_current};
 }
 
 void SearchChips::setCursor(qsizetype cursor)
@@ -299,8 +309,7 @@ void SearchChips::makeCurrent(int index)
     const int row = m_chips[index].row;
     scrollTo(std::clamp(m_firstRow, row - shownRows() + 1, row));
     setAccessibleDescription(spoken(m_chips[index]));
-    QAccessibleEvent event(this, QAccessible::DescriptionChanged);
-    QAccessible::updateAccessibility(&event);
+    accessiblePartIsCurrent(this, index);
     update();
 }
 

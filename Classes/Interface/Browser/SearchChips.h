@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/Search/SearchPart.h"
+#include "Kit/Widgets/ZQAccessible.h"
 
 #include <QWidget>
 
@@ -9,7 +10,7 @@
 // the Tab key: the arrows go from chip to chip. Chips go on in up to three rows; of more, three are shown, those that
 // the arrows, the wheel or a click on the number of the others ask for. Hidden while there are only words, which need
 // no explanation.
-class SearchChips : public QWidget
+class SearchChips : public QWidget, public ZQAccessibleParts
 {
     Q_OBJECT
 public:
@@ -20,6 +21,11 @@ public:
     // nowhere.
     void setCursor(qsizetype cursor);
     QSize sizeHint() const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::List; }
+    QAccessible::Role accessiblePartRole() const override { return QAccessible::ListItem; }
+    int accessiblePartCount() const override { return count(); }
+    ZQAccessiblePart accessiblePart(int index) const override;
+    void pressAccessiblePart(int index) override { choose(index); }
     int count() const { return int(m_chips.size()); }
     QRect chipRect(int index) const { return m_chips[index].place; }
     QRect crossRect(int index) const;

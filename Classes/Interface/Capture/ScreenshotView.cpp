@@ -1,8 +1,8 @@
 #include "Classes/Interface/Capture/ScreenshotView.h"
 
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQTheme.h"
 
-#include <QAccessible>
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -30,6 +30,7 @@ ScreenshotView::ScreenshotView(const FrozenScreen &screen, QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint),
       m_screen(screen)
 {
+    zqSetAccessibleRole(this, QAccessible::Notification); // it covers all, and what is chosen in it is read out
     // The window that has the focus keeps it: the keys are grabbed.
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -142,12 +143,10 @@ void ScreenshotView::paintHint(QPainter &painter, const QPointF &place) const
     paintTag(painter, place, hint(), hintOpacity);
 }
 
-// The name is what screen readers say of what has the focus; there is no word for plain news here.
 void ScreenshotView::announce(const QString &text)
 {
     setAccessibleName(text);
-    QAccessibleEvent event(this, QAccessible::NameChanged);
-    QAccessible::updateAccessibility(&event);
+    zqAnnounce(this, text);
 }
 
 void ScreenshotView::keyPressEvent(QKeyEvent *event)

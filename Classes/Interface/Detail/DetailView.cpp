@@ -1,6 +1,7 @@
 #include "Classes/Interface/Detail/DetailView.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QBoxLayout>
@@ -28,6 +29,8 @@ DetailView::DetailView(QWidget *parent)
     : QWidget(parent), m_document(new DetailDocument(this)), m_title(new QLabel(this)), m_position(new QLabel(this)),
       m_pages(new QWidget(this)), m_pageNumber(new QLabel(m_pages))
 {
+    zqSetAccessibleRole(this, QAccessible::Graphic);
+    setAccessibleName(zqLocalized("Full view"));
     setFocusPolicy(Qt::StrongFocus);
     connect(m_document, &DetailDocument::changed, this, &DetailView::documentDidChange);
     makeHead();

@@ -265,7 +265,7 @@ QLabel *InfoPanelViewController::addValue(const QString &name)
     label->setObjectName(QStringLiteral("Small"));
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setAccessibleName(name);
+    label->setAccessibleDescription(name); // what is heard first is the value
     addRow(name, label);
     return label;
 }

@@ -68,7 +68,18 @@ void RatingField::setRating(double rating, bool differs)
     setAccessibleName(differs ? zqLocalized("Rating: Multiple values")
                               : zqFormat(zqLocalized("Rating: %@ of 5"), {QString::number(m_rating)}));
     setToolTip(differs ? multipleValues() : QString());
+    accessibleNumberDidChange(this, m_rating);
     update();
+}
+
+double RatingField::accessibleLimit() const
+{
+    return stars;
+}
+
+QString RatingField::accessibleNumberText() const
+{
+    return m_differs ? multipleValues() : QString::number(m_rating);
 }
 
 int RatingField::starAt(const QPointF &position) const

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Kit/Widgets/ZQAccessible.h"
+
 #include <QWidget>
 
 // Five stars. A click on a star rates; on the last lit one it takes the rating away. Left and Right change it by one, 0
 // to 5 set it.
-class RatingField : public QWidget
+class RatingField : public QWidget, public ZQAccessibleNumber
 {
     Q_OBJECT
 public:
@@ -13,6 +15,10 @@ public:
     double rating() const { return m_differs ? 0 : m_rating; }
     QString text() const; // what stands in place of the stars; empty when they are shown
     QSize sizeHint() const override;
+    double accessibleNumber() const override { return rating(); }
+    double accessibleLimit() const override;
+    QString accessibleNumberText() const override;
+    void setAccessibleNumber(double number) override { edit(number); }
 
 Q_SIGNALS:
     void edited(double rating);

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/InfoPanel/FlowLayout.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QAbstractItemView>
@@ -23,7 +24,11 @@ public:
     Chip(const QString &text, bool canRemove, QWidget *parent)
         : QWidget(parent), m_text(text), m_button(canRemove ? new QToolButton(this) : nullptr)
     {
+        zqSetAccessibleRole(this, QAccessible::ListItem);
+        setAccessibleName(text);
         if (m_button) {
+            m_button->setFocusPolicy(Qt::TabFocus);
+            m_button->setToolTip(zqFormat(zqLocalized("Remove the tag %@"), {text}));
             m_button->setIcon(ZQIcon::icon(QStringLiteral("close")));
             m_button->setIconSize({8, 8});
             m_button->setAccessibleName(zqFormat(zqLocalized("Remove the tag %@"), {text}));
@@ -66,6 +71,8 @@ private:
 
 TagField::TagField(QWidget *parent) : QFrame(parent), m_flow(new FlowLayout), m_edit(new QLineEdit(this))
 {
+    zqSetAccessibleRole(this, QAccessible::List);
+    setAccessibleName(zqLocalized("Tags"));
     m_flow->setContentsMargins(8, 6, 8, 6);
     setLayout(m_flow);
     m_edit->setFrame(false);
@@ -195,7 +202,7 @@ void TagField::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(zqColor(m_edit->hasFocus() ? ZQColorRole::Accent : ZQColorRole::Border), 1));
+    painter.setPen(QPen(zqColor(m_edit->hasFocus() ? ZQColorRole::Accent : ZQColorRole::ControlBorder), 1));
     painter.setBrush(zqColor(ZQColorRole::Ground));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
 }

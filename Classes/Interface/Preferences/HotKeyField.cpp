@@ -1,6 +1,7 @@
 #include "Classes/Interface/Preferences/HotKeyField.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QAccessible>
@@ -38,6 +39,7 @@ bool isModifier(int key)
 
 HotKeyField::HotKeyField(const QString &name, QWidget *parent) : QWidget(parent)
 {
+    zqSetAccessibleRole(this, QAccessible::HotkeyField);
     setAccessibleName(name);
     setFocusPolicy(Qt::StrongFocus);
     setFixedHeight(fieldHeight + 2 * ring);
@@ -242,7 +244,7 @@ void HotKeyField::paintEvent(QPaintEvent * /*event*/)
         painter.setPen(QPen(zqColor(ZQColorRole::Select), ring));
         painter.drawRoundedRect(field.adjusted(-1.5, -1.5, 1.5, 1.5), 8, 8);
     }
-    painter.setPen(QPen(zqColor(m_isRecording || hasFocus() ? ZQColorRole::Accent : ZQColorRole::Border), 1));
+    painter.setPen(QPen(zqColor(m_isRecording || hasFocus() ? ZQColorRole::Accent : ZQColorRole::ControlBorder), 1));
     painter.setBrush(zqColor(ZQColorRole::Raised));
     painter.drawRoundedRect(field, 7, 7);
     const QFont font = ZQTheme::current().font(ZQMeasure::smallTextSize);

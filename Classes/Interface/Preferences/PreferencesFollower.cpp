@@ -16,6 +16,8 @@
 
 namespace {
 const QString themeKey = QStringLiteral("UseDarkUI");
+const QString contrastKey = QStringLiteral("HighContrast");
+const QString motionKey = QStringLiteral("ReduceMotion");
 const QString titlesKey = QStringLiteral("ShowLibraryItemsTitles");
 const QString extensionsKey = QStringLiteral("ShowLibraryItemsExtensions");
 const QString fillsCellsKey = QStringLiteral("BrowserFillsCells");
@@ -26,8 +28,10 @@ const QStringList sizeKeys = {QStringLiteral("IconTagSize"), QStringLiteral("Sma
 
 PreferencesFollower::PreferencesFollower(ProjectsSidebarViewController &sidebar, BrowserViewController &browser,
                                          UserInteraction &user, QObject *parent)
-    : QObject(parent), m_sidebar(sidebar), m_browser(browser), m_user(user), m_watcher(new ZQFileWatcher(this))
+    : QObject(parent), m_sidebar(sidebar), m_browser(browser), m_user(user), m_watcher(new ZQFileWatcher(this)),
+      m_desktop(new ZQDesktopSettings(this))
 {
+    connect(m_desktop, &ZQDesktopSettings::changed, this, [this] { showTheme(m_desktop->wishes()); });
     showItems();
     m_token = ZQUserDefaults::standardUserDefaults().observe([self = QPointer(this)](const QString &key) {
         zqOnMainThread([self, key] {
@@ -51,9 +55,12 @@ void PreferencesFollower::lookAtFile()
     ZQUserDefaults::standardUserDefaults().refresh();
 }
 
-void PreferencesFollower::showTheme()
+void PreferencesFollower::showTheme(const ZQDesktopSettings::Wishes &wishes)
 {
-    ZQTheme::current().setDark(ZQUserDefaults::standardUserDefaults().boolForKey(themeKey));
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    ZQTheme::current().setDark(defaults.boolForKey(themeKey));
+    ZQTheme::current().setHighContrast(wishes.hasHighContrast || defaults.boolForKey(contrastKey));
+    ZQTheme::current().setReducesMotion(wishes.reducesMotion || defaults.boolForKey(motionKey));
 }
 
 void PreferencesFollower::setDark(bool isDark)
@@ -62,7 +69,7 @@ void PreferencesFollower::setDark(bool isDark)
         m_user.showNotificationWithText(error.localizedDescription(), NotificationPlace::Window,
                                         PreferencesPane::refusalTime);
     }
-    showTheme();
+    showTheme(m_desktop->wishes());
 }
 
 void PreferencesFollower::showCounts()
@@ -81,8 +88,10 @@ void PreferencesFollower::showItems()
 void PreferencesFollower::preferenceDidChange(const QString &key)
 {
     if (key == themeKey) {
-        showTheme();
+        showTheme(m_desktop->wishes());
         Q_EMIT followed();
+    } else if (key == contrastKey || key == motionKey) {
+        showTheme(m_desktop->wishes());
     } else if (HotKeyCommand::find(key)) {
         Q_EMIT followed(); // menus show them
     } else if (key == titlesKey || key == extensionsKey || key == fillsCellsKey) {

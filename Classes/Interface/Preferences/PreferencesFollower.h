@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Desktop/ZQDesktopSettings.h"
 #include "Kit/Files/ZQUserDefaults.h"
 
 #include <QObject>
@@ -18,7 +19,7 @@ public:
     PreferencesFollower(ProjectsSidebarViewController &sidebar, BrowserViewController &browser, UserInteraction &user,
                         QObject *parent = nullptr);
 
-    static void showTheme();
+    static void showTheme(const ZQDesktopSettings::Wishes &wishes = {}); // those of the desktop come later
     void setDark(bool isDark); // the preference, and what is shown; a notification says where it cannot be written
     void showCounts();         // not from the beginning: they cost more than the first screen can wait for
 
@@ -34,5 +35,6 @@ private:
     BrowserViewController &m_browser;
     UserInteraction &m_user;
     ZQFileWatcher *m_watcher;
+    ZQDesktopSettings *m_desktop;
     ZQUserDefaults::Token m_token;
 };

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Preferences/PreferencesPanes.h"
 
 #include "Classes/Interface/Preferences/PreferencesPane.h"
+#include "Classes/Interface/Window/TextScale.h"
 #include "Classes/Tags/DesktopMirror.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -12,6 +13,12 @@ void fillGeneral(PreferencesPane &pane)
 {
     pane.addChoices(QStringLiteral("UseDarkUI"), zqLocalized("THEME"),
                     {{true, zqLocalized("&Dark")}, {false, zqLocalized("&Light")}});
+    pane.addSwitch(QStringLiteral("HighContrast"), zqLocalized("High &contrast"));
+    pane.addSwitch(QStringLiteral("ReduceMotion"), zqLocalized("&Reduce motion"),
+                   zqLocalized("Both are also on while the desktop asks for them."));
+    pane.addNumber(QStringLiteral("TextScale"), zqLocalized("Size of text and &pictures of the window"),
+                   {TextScale::smallest, TextScale::largest, 1, zqLocalized(" %")});
+    pane.addNote(zqLocalized("From the next start on."));
     pane.addHeading(zqLocalized("ITEMS"));
     const QCheckBox *titles =
         pane.addSwitch(QStringLiteral("ShowLibraryItemsTitles"), zqLocalized("Show &titles below thumbnails"));

@@ -117,7 +117,7 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const int badgeWidth = paintBadge(painter, option, index);
     const bool isAway = index.data(SidebarTreeModel::StateRole).toBool();
     painter->setFont(ZQTheme::fontForName(ZQTheme::current().font(), title));
-    painter->setPen(zqColor(isAway ? ZQColorRole::TextFaint : ZQColorRole::Text));
+    painter->setPen(zqColor(!isAway ? ZQColorRole::Text : selected ? ZQColorRole::TextMuted : ZQColorRole::TextFaint));
     const int left = titleLeft(row, index);
     const QRect text(left, row.top(), row.right() - rowMargin - 8 - badgeWidth - left, row.height());
     painter->drawText(mirrored(row, text), int(Qt::AlignVCenter) | leading(),

@@ -1,10 +1,10 @@
 #include "Classes/Interface/Window/CompletionList.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQSwatch.h"
 #include "Kit/Widgets/ZQTheme.h"
 
-#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -32,6 +32,7 @@ QFont smallFont()
 CompletionList::CompletionList(QWidget *window) : QWidget(window)
 {
     setObjectName(QStringLiteral("Completions"));
+    zqSetAccessibleRole(this, QAccessible::Notification);
     setFocusPolicy(Qt::NoFocus);
     setMouseTracking(true);
     hide();
@@ -82,8 +83,7 @@ void CompletionList::makeCurrent(int row)
         scrollTo(std::clamp(m_first, row - shownRows() + 1, row));
         const SearchCompletion &option = m_options.at(row);
         setAccessibleName(QStringList{option.text, option.argumentHint, option.meaning}.join(QStringLiteral(", ")));
-        QAccessibleEvent event(this, QAccessible::NameChanged);
-        QAccessible::updateAccessibility(&event);
+        zqAnnounce(this, accessibleName()); // the focus stays in the field
     }
     update();
     Q_EMIT currentChanged();

@@ -146,7 +146,7 @@ TEST_F(TagFieldTest, KnownTagsAreOfferedAndTaken)
     const auto border = [this] { return field.grab().toImage().pixelColor(field.width() / 2, 0); };
     EXPECT_EQ(border(), zqColor(ZQColorRole::Accent));
     edit->clearFocus();
-    EXPECT_EQ(border(), zqColor(ZQColorRole::Border));
+    EXPECT_EQ(border(), zqColor(ZQColorRole::ControlBorder));
     QTest::keyClick(edit, Qt::Key_Return);
     QTest::keyClicks(edit, QStringLiteral(" ,"));
     EXPECT_EQ(edits.size(), 1) << "nothing was typed";

@@ -198,8 +198,10 @@ TEST_F(ZQGridViewTest, ScreenReadersSeeTheItems)
     EXPECT_FALSE(grid->child(3)->state().focused);
     auto *action = item->actionInterface();
     ASSERT_TRUE(action);
-    EXPECT_EQ(action->actionNames(),
-              (QStringList{QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::setFocusAction()}));
+    EXPECT_EQ(
+        action->actionNames(),
+        (QStringList{QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::toggleAction(),
+                     QAccessibleActionInterface::showMenuAction(), QAccessibleActionInterface::setFocusAction()}));
     QSignalSpy activated(&view, &ZQGridView::activated);
     grid->child(5)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
     EXPECT_EQ(view.currentIndex(), 5);

@@ -18,44 +18,82 @@
 
 namespace {
 
-struct Pair
+struct Use
 {
-    const char *what;
-    ZQColorRole text;
-    ZQColorRole ground;
+    ZQColorRole above;
+    QList<ZQColorRole> grounds;
 };
 
-const Pair pairs[] = {
-    {"title", ZQColorRole::Text, ZQColorRole::Ground},
-    {"row", ZQColorRole::Text, ZQColorRole::Sunken},
-    {"selected row", ZQColorRole::Text, ZQColorRole::Select},
-    {"badge of a selected row", ZQColorRole::TextMuted, ZQColorRole::Select},
-    {"section", ZQColorRole::TextFaint, ZQColorRole::Sunken},
-    {"extension", ZQColorRole::TextFaint, ZQColorRole::Ground},
-    {"sheet", ZQColorRole::TextMuted, ZQColorRole::Raised},
-    {"group count", ZQColorRole::TextMuted, ZQColorRole::Raised2},
-    {"button", ZQColorRole::Text, ZQColorRole::Raised2},
-    {"default button", ZQColorRole::AccentText, ZQColorRole::AccentFill},
-    {"destructive button", ZQColorRole::AccentText, ZQColorRole::DangerFill},
+using enum ZQColorRole;
+
+// Every role of text, on all that lies under it.
+const Use texts[] = {
+    {Text, {Ground, Sunken, Raised, Raised2, Hover, Cell, Select}},
+    {TextMuted, {Ground, Sunken, Raised, Raised2, Hover, Cell, Select}},
+    {TextFaint, {Ground, Sunken, Raised, Raised2, Hover, Cell}},
+    {Accent, {Ground, Sunken, Raised, Hover, Cell}},
+    {Danger, {Ground, Sunken, Raised}},
+    {AccentText, {AccentFill, DangerFill}},
+    {MaskLine, {MaskTag}},
 };
+// What shows where a control is, that it has the focus, or what it is about.
+const Use controls[] = {
+    {ControlBorder, {Ground, Sunken, Raised}},
+    {Accent, {Ground, Sunken, Raised, Raised2, Hover, Cell, Select}},
+    {TextFaint, {Select}}, // marks of rows
+};
+
+void expectContrast(const Use &use, double least, const std::string &where)
+{
+    const ZQTheme &theme = ZQTheme::current();
+    for (const ZQColorRole ground : use.grounds) {
+        EXPECT_GE(ZQTheme::contrast(theme.color(use.above), theme.color(ground)), least)
+            << "role " << int(use.above) << " on " << int(ground) << where;
+    }
+}
 
 } // namespace
 
-TEST(ZQTheme, TextStandsOutInBothThemesAndWithAnyAccent)
+TEST(ZQTheme, EveryTextAndControlStandsOutInBothThemesWithAnyAccentAndContrast)
 {
     ZQTheme &theme = ZQTheme::current();
     for (const QColor &accent : {QColor(), QColor(255, 240, 60), QColor(20, 20, 90), QColor(230, 80, 160)}) {
         theme.setAccent(accent);
-        for (const bool dark : {true, false}) {
+        for (const auto &[dark, isHigh] : {std::pair(true, false), {false, false}, {true, true}, {false, true}}) {
             theme.setDark(dark);
-            for (const Pair &pair : pairs) {
-                EXPECT_GE(ZQTheme::contrast(theme.color(pair.text), theme.color(pair.ground)), 4.5)
-                    << pair.what << (dark ? " dark " : " light ") << accent.name().toStdString();
+            theme.setHighContrast(isHigh);
+            const std::string where =
+                (dark ? " dark " : " light ") + accent.name().toStdString() + (isHigh ? " high" : "");
+            EXPECT_EQ(theme.textContrast(), isHigh ? 7 : 4.5);
+            for (const Use &use : texts) {
+                expectContrast(use, theme.textContrast(), where);
+            }
+            for (const Use &use : controls) {
+                expectContrast(use, 3, where);
             }
         }
     }
+    theme.setHighContrast(false);
     theme.setAccent({});
     theme.setDark(true);
+}
+
+TEST(ZQTheme, LessMotionIsNone)
+{
+    ZQTheme &theme = ZQTheme::current();
+    theme.apply(*static_cast<QApplication *>(QCoreApplication::instance()));
+    int changes = 0;
+    const auto counted = QObject::connect(&theme, &ZQTheme::changed, [&changes] { ++changes; });
+    const int usual = theme.animationMilliseconds();
+    EXPECT_GT(usual, 0);
+    EXPECT_LT(usual, 150);
+    theme.setReducesMotion(true);
+    EXPECT_EQ(theme.animationMilliseconds(), 0);
+    theme.setReducesMotion(true);
+    EXPECT_EQ(changes, 1) << "what is as it was is no news";
+    theme.setReducesMotion(false);
+    EXPECT_EQ(theme.animationMilliseconds(), usual);
+    QObject::disconnect(counted);
 }
 
 TEST(ZQTheme, TheStyleSheetNamesOnlyKnownColours)
