@@ -5,7 +5,6 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Export/ExportManager.h"
 #include "Classes/Sharing/CloudServices.h"
-#include "Classes/Sharing/LatestUploads.h"
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Foundation/ZQFeatures.h"
@@ -29,6 +28,7 @@ namespace {
 
 constexpr std::chrono::milliseconds longTime{1500};
 constexpr std::chrono::milliseconds shortTime{1200};
+constexpr std::chrono::milliseconds keepingTime{50}; // small files follow one another faster than a disk writes
 
 UserInteraction *person()
 {
@@ -166,12 +166,15 @@ CloudUploader::CloudUploader() : m_pasteboard(putOnClipboard)
     };
     observe(ExportManager::didFinishExportOperation, false);
     observe(ExportManager::didCancelExportOperation, true);
+    m_keeping.setSingleShot(true);
+    QObject::connect(&m_keeping, &QTimer::timeout, &m_keeping, [this] { keepLinks(); });
 }
 
 CloudUploader::~CloudUploader()
 {
     *m_isAlive = false;
     cancelUploads();
+    keepLinks();
 }
 
 std::shared_ptr<CloudService> CloudUploader::readyService() const
@@ -384,6 +387,7 @@ void CloudUploader::cancelUpload(quint64 upload)
 // `batch` by value: who gives it may hold it in the list.
 void CloudUploader::end(std::shared_ptr<Batch> batch, const std::function<void(CloudUploadResult &result)> &note)
 {
+    keepLinks();
     m_batches.removeOne(batch);
     const auto left = std::exchange(batch->left, {});
     for (auto each = left.crbegin(); each != left.crend(); ++each) { // the current one last, or the next would start
@@ -443,16 +447,28 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
         }
         post(didFinish);
     }
-    LatestUploads::add({url, adapter.fileToUploadName(), QDateTime::currentDateTime()});
-    LatestUploads::synchronize();
-    if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate()) {
-        delegate->updateCloudMenu();
-    }
+    m_unkept.append({url, adapter.fileToUploadName(), QDateTime::currentDateTime()});
     if (isLast) {
+        keepLinks();
         if (batch->ended) {
             batch->ended(batch->result);
         }
         startNext();
+    } else if (!m_keeping.isActive()) {
+        m_keeping.start(keepingTime);
+    }
+}
+
+void CloudUploader::keepLinks()
+{
+    m_keeping.stop();
+    if (m_unkept.isEmpty()) {
+        return;
+    }
+    LatestUploads::add(std::exchange(m_unkept, {}));
+    LatestUploads::synchronize();
+    if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate()) {
+        delegate->updateCloudMenu();
     }
 }
 

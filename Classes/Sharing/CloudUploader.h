@@ -2,6 +2,7 @@
 
 #include "Classes/Application/CloudUploading.h"
 #include "Classes/Sharing/CloudAdapter.h"
+#include "Classes/Sharing/LatestUploads.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQModelFetch.h"
@@ -9,6 +10,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -110,12 +112,15 @@ private:
     void uploadExported(const std::shared_ptr<WaitingExport> &waiting);
     void cancelExported(const std::shared_ptr<WaitingExport> &waiting);
     void adapterDidFinish(CloudAdapter &adapter);
+    void keepLinks(); // for the menu of the latest uploads
     void didUpload(const CloudUploadResult &all);
     void fail(const std::shared_ptr<Batch> &batch, const ZQError &error, const QString &name);
 
     QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
     quint64 m_lastNumber = 0;
     QStringList m_lastLinks;
+    QList<LatestUpload> m_unkept;
+    QTimer m_keeping;
     QList<std::shared_ptr<WaitingExport>> m_waitingExports;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;

@@ -26,10 +26,10 @@ QList<LatestUpload> LatestUploads::all()
     return uploads;
 }
 
-void LatestUploads::add(const LatestUpload &upload)
+void LatestUploads::add(const QList<LatestUpload> &uploads)
 {
     QVariantList entries;
-    for (const LatestUpload &each : QList<LatestUpload>{upload} + all()) {
+    for (const LatestUpload &each : QList<LatestUpload>(uploads.crbegin(), uploads.crend()) + all()) {
         if (entries.size() < most) {
             entries.append(QVariantMap{{urlKey, each.url}, {filenameKey, each.filename}, {dateKey, each.date}});
         }

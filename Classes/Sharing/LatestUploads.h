@@ -19,8 +19,8 @@ namespace LatestUploads {
 inline const QString storageKey = QStringLiteral("ZeltoCloudLatestUploads");
 constexpr qsizetype most = 10;
 
-QList<LatestUpload> all(); // entries that are none are left out
-void add(const LatestUpload &upload);
-void synchronize(); // waits for the disk
+QList<LatestUpload> all();                    // entries that are none are left out
+void add(const QList<LatestUpload> &uploads); // the oldest first
+void synchronize();                           // waits for the disk
 
 } // namespace LatestUploads

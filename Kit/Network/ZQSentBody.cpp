@@ -19,13 +19,22 @@ bool ZQSentBody::seek(qint64 position)
     return QIODevice::seek(position) && m_body->seek(position);
 }
 
+// A body's parts end in the middle of what is asked for; sent one by one, each would be a packet of its own.
 qint64 ZQSentBody::readData(char *data, qint64 maximum)
 {
-    const qint64 count = m_body->read(data, maximum);
-    if (count < 0 || (count == 0 && maximum > 0 && pos() < size())) {
-        setErrorString(m_body->errorString());
-        m_didFail = true;
-        return -1;
+    qint64 filled = 0;
+    while (filled < maximum) {
+        const qint64 count = m_body->read(data + filled, maximum - filled);
+        if (count > 0) {
+            filled += count;
+            continue;
+        }
+        if (filled == 0 && (count < 0 || pos() < size())) {
+            setErrorString(m_body->errorString());
+            m_didFail = true;
+            return -1;
+        }
+        break; // what fails after a part is told when the rest is read
     }
-    return count;
+    return filled;
 }

@@ -207,8 +207,8 @@ TEST_F(CloudButtonTest, TheMenuListsUploadsAndCopiesOrOpensTheirLinks)
     ASSERT_TRUE(entry(QStringLiteral("No uploads yet")));
     EXPECT_FALSE(entry(QStringLiteral("No uploads yet"))->isEnabled());
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    LatestUploads::add({first, QStringLiteral("one\tor & two"), now.addSecs(-7300)});
-    LatestUploads::add({second, QStringLiteral("hero"), now.addSecs(-130)});
+    LatestUploads::add({{first, QStringLiteral("one\tor & two"), now.addSecs(-7300)}});
+    LatestUploads::add({{second, QStringLiteral("hero"), now.addSecs(-130)}});
     CloudMenuViewController().updateCloudMenu();
     EXPECT_TRUE(waitFor([this] { return !entry(QStringLiteral("No uploads yet")); })) << "an open menu follows";
     QAction *hero = entry(QStringLiteral("hero\t"));
