@@ -47,6 +47,17 @@ def run(source):
     return problems, left
 
 
+def unknown(text, commands):
+    """What a sentence calls a command or an option of one, and is none. `commands` are their pages."""
+    wrong = []
+    for named in re.findall(r"`zelto ([a-z][^`\n]*)`", text):
+        words = re.match(r"[a-z-]+(?: [a-z-]+)*", named)[0].split()
+        known = next((" ".join(words[:count]) for count in range(len(words), 0, -1) if " ".join(words[:count]) in commands), None)
+        if known is None or any(option not in commands[known] for option in re.findall(r"--[a-z-]+", named)):
+            wrong.append(named)
+    return wrong
+
+
 def documents():
     return [ROOT / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]
 
@@ -71,6 +82,14 @@ class Documents(unittest.TestCase):
         self.assertEqual(run("<!-- files: a.png -->\n```\nzelto import a.png\n```\n"), ([], []))
         self.assertEqual(run("<!-- not run: display -->\n\n```sh\nzelto snap area\n```\n")[1], [("display", "zelto snap area\n")])
         self.assertTrue(run("<!-- not run: tired -->\n```sh\nzelto items\n```\n")[0])
+
+    def test_sentences_name_commands_that_are_there(self):
+        pages = re.split(r"^## `zelto ([^`]+)`$", (ROOT / "docs/COMMANDS.md").read_text(), flags=re.M)[1:]
+        commands = dict(zip(pages[::2], pages[1::2]))
+        self.assertEqual(unknown("`zelto snap web URL [--psd]`, `zelto livefolders add`, `zelto itmes`, `zelto items --jsno`", commands),
+                         ["itmes", "items --jsno"])
+        for document in [*documents(), ROOT / "CONTRIBUTING.md"]:
+            self.assertEqual(unknown(document.read_text(), commands), [], document.relative_to(ROOT))
 
     def test_links_lead_somewhere(self):
         for document in documents():
