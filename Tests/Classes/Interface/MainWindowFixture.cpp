@@ -3,6 +3,7 @@
 #include "Classes/Application/ApplicationParts.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportDoor.h"
+#include "Classes/Sharing/CloudMenuViewController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
@@ -55,6 +56,8 @@ void MainWindowFixture::SetUp()
     parts.importManager = &AImportManager::sharedAImportManager();
     parts.liveFolderManager = liveFolderManager;
     parts.makeZeltoKunViewController = makeCapture;
+    static CloudMenuViewController cloudMenu; // which holds nothing
+    parts.cloudMenuViewController = &cloudMenu;
     delegate = std::make_unique<tamberin_AppDelegate>(parts);
     delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
     ZQError error;

@@ -369,7 +369,7 @@ TEST_F(SheetsTest, LongWorkHasALineInTheSidebarOrAWindowOfItsOwn)
         progress->setMaximum(8);
         EXPECT_TRUE(wait([&] { return says("Still", "25 %"); }));
         progress->setMaximum(0);
-        EXPECT_TRUE(wait([&] { return says("Still", "-100 %"); })) << "how much there is is not known";
+        EXPECT_TRUE(wait([&] { return says("Still", ""); })) << "how much there is is not known";
         line()->findChild<QToolButton *>()->click();
         EXPECT_EQ(cancels, hasWindow ? 2 : 1);
         std::async(std::launch::async, [&] { progress.reset(); }).get(); // the last one out may be any thread
