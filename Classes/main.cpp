@@ -18,7 +18,7 @@
 #include "Classes/Interface/Capture/CaptureViews.h"
 #include "Classes/Interface/Sheets/CrashReportSheet.h"
 #include "Classes/Interface/Window/MainWindowController.h"
-#include "Classes/Interface/Window/TextScale.h"
+#include "Classes/Interface/TextScale.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"

@@ -1,7 +1,7 @@
 #include "Classes/Interface/Preferences/PreferencesPanes.h"
 
 #include "Classes/Interface/Preferences/PreferencesPane.h"
-#include "Classes/Interface/Window/TextScale.h"
+#include "Classes/Interface/TextScale.h"
 #include "Classes/Tags/DesktopMirror.h"
 #include "Kit/Foundation/ZQLocalized.h"
 

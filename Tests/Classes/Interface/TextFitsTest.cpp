@@ -1,6 +1,6 @@
 // Everything scales together, so that what fits at one size does at each.
 
-#include "Classes/Interface/Window/TextScale.h"
+#include "Classes/Interface/TextScale.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 

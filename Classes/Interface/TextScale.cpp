@@ -1,4 +1,4 @@
-#include "Classes/Interface/Window/TextScale.h"
+#include "Classes/Interface/TextScale.h"
 
 #include "Kit/Files/ZQUserDefaults.h"
 
