@@ -182,19 +182,13 @@ QRect ZQGridView::visualRect(qint64 index) const
 {
     const ZQGridLayout::Cell cell = m_layout.cell(index);
     const qint64 top = std::clamp<qint64>(cell.top - scrollOffset(), -(1 << 24), 1 << 24);
-    const int left = isMirrored() ? viewport()->width() - cell.left - cell.width : cell.left;
+    const int left = isRightToLeft() ? viewport()->width() - cell.left - cell.width : cell.left;
     return {left, int(top), cell.width, cell.height};
-}
-
-// The rows of a list have columns of their own, in the order of their head.
-bool ZQGridView::isMirrored() const
-{
-    return isRightToLeft() && !m_showsList;
 }
 
 int ZQGridView::layoutX(int x) const
 {
-    return isMirrored() ? viewport()->width() - 1 - x : x;
+    return isRightToLeft() ? viewport()->width() - 1 - x : x;
 }
 
 qint64 ZQGridView::indexAt(const QPoint &point) const
@@ -429,7 +423,11 @@ bool ZQGridView::event(QEvent *event)
             return true;
         }
     }
-    return QAbstractScrollArea::event(event);
+    const bool isDone = QAbstractScrollArea::event(event);
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        relayout(); // the viewport has moved to the other side of its bar
+    }
+    return isDone;
 }
 
 bool ZQGridView::isTyping() const

@@ -142,7 +142,6 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    bool isMirrored() const;
     int layoutX(int x) const; // of the layout, which knows no direction, for one of the viewport
     void relayout();
     void updateScrollBar();

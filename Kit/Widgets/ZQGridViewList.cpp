@@ -5,6 +5,7 @@
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -55,7 +56,7 @@ QStringList ZQGridView::listColumns() const
 bool ZQGridView::isBesideContent(const QPoint &point) const
 {
     return m_showsList && !m_listPlaces.isEmpty() &&
-           point.x() > ZQGridLayout::sideMargin + m_listPlaces.first().left + m_listPlaces.first().width;
+           layoutX(point.x()) > ZQGridLayout::sideMargin + m_listPlaces.first().left + m_listPlaces.first().width;
 }
 
 void ZQGridView::paintRow(QPainter &painter, qint64 index, const QRect &rect)
@@ -74,13 +75,14 @@ void ZQGridView::paintRow(QPainter &painter, qint64 index, const QRect &rect)
         painter.drawRoundedRect(ground.adjusted(0.5, 0.5, -0.5, -0.5), rowRadius, rowRadius);
     }
     const int inset = std::min(pictureInset, rect.height() / 8);
-    paintPicture(painter, item,
-                 QRect(rect.left(), rect.top() + inset, ZQViewColumns::pictureWidth, rect.height() - 2 * inset), 0);
+    const QRect picture(rect.left(), rect.top() + inset, ZQViewColumns::pictureWidth, rect.height() - 2 * inset);
+    paintPicture(painter, item, QStyle::visualRect(layoutDirection(), rect, picture), 0);
     if (m_listPlaces.isEmpty()) {
         return;
     }
     const auto boxOf = [&](const ZQViewColumns::Place &place) {
-        return QRect(rect.left() + place.left, rect.top(), place.width, rect.height());
+        return QStyle::visualRect(layoutDirection(), rect,
+                                  {rect.left() + place.left, rect.top(), place.width, rect.height()});
     };
     painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize, QFont::Medium));
     painter.setPen(zqColor(ZQColorRole::Text));
@@ -110,7 +112,8 @@ void ZQGridView::paintValue(QPainter &painter, const ZQListValue &value, const Q
 void ZQGridView::paintChips(QPainter &painter, const QStringList &chips, const QRect &box, bool selected)
 {
     const QFontMetrics metrics = painter.fontMetrics();
-    int left = box.left();
+    const auto mirrored = [&](const QRect &rect) { return QStyle::visualRect(layoutDirection(), box, rect); };
+    int left = box.left(); // before it is mirrored
     for (qsizetype i = 0; i < chips.size(); ++i) {
         const QString more = i + 1 < chips.size() ? u'+' + QString::number(chips.size() - i - 1) : QString();
         const int kept = more.isEmpty() ? 0 : metrics.horizontalAdvance(more) + chipGap;
@@ -118,11 +121,12 @@ void ZQGridView::paintChips(QPainter &painter, const QStringList &chips, const Q
         const int wanted = metrics.horizontalAdvance(chips[i]) + 1 + 2 * chipInset; // and a fraction
         if (i > 0 && wanted > room) {
             painter.setPen(zqColor(ZQColorRole::TextMuted));
-            painter.drawText(QRect(left, box.top(), box.right() + 1 - left, box.height()), int(Qt::AlignVCenter),
+            painter.drawText(mirrored({left, box.top(), box.right() + 1 - left, box.height()}), int(Qt::AlignVCenter),
                              u'+' + QString::number(chips.size() - i));
             return;
         }
-        const QRect chip(left, box.top() + (box.height() - chipHeight) / 2, std::min(wanted, room), chipHeight);
+        const QRect chip =
+            mirrored({left, box.top() + (box.height() - chipHeight) / 2, std::min(wanted, room), chipHeight});
         if (!selected) {
             painter.setPen(Qt::NoPen);
             painter.setBrush(zqColor(ZQColorRole::Select));

@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -36,6 +37,7 @@ void ZQGridView::paintEvent(QPaintEvent * /*event*/)
     painter.fillRect(viewport()->rect().adjusted(-1, -1, 1, 1), zqColor(ZQColorRole::Ground));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setLayoutDirection(layoutDirection());
     if (!m_source || m_layout.count() == 0) {
         painter.setPen(zqColor(ZQColorRole::TextMuted));
         painter.setFont(ZQTheme::current().font());
@@ -200,6 +202,7 @@ void ZQGridView::paintHead(QPainter &painter, int group, int y)
     const int left = ZQGridLayout::sideMargin;
     const int right = viewport()->width() - ZQGridLayout::sideMargin;
     const QRect head(0, y, viewport()->width(), ZQMeasure::groupHeadHeight);
+    const auto mirrored = [&](const QRect &rect) { return QStyle::visualRect(layoutDirection(), head, rect); };
     painter.fillRect(head, zqColor(ZQColorRole::Ground));
     if (hasFocus() && isOnHead() && m_layout.groupOfIndex(m_current) == group) {
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1, Qt::DotLine));
@@ -215,15 +218,23 @@ void ZQGridView::paintHead(QPainter &painter, int group, int y)
     int x = left + painter.fontMetrics().horizontalAdvance(title) + 8;
     painter.setFont(ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::Medium));
     const QString count = QLocale().toString(m_groups[group].count);
-    const QRect badge(x, y + (head.height() - 16) / 2, painter.fontMetrics().horizontalAdvance(count) + 14, 16);
+    const QRect badge =
+        mirrored({x, y + (head.height() - 16) / 2, painter.fontMetrics().horizontalAdvance(count) + 14, 16});
     painter.setPen(Qt::NoPen);
     painter.setBrush(zqColor(ZQColorRole::Raised2));
     painter.drawRoundedRect(badge, 8, 8);
     painter.setPen(zqColor(ZQColorRole::TextMuted));
     painter.drawText(badge, Qt::AlignCenter, count);
-    ZQIcon::paint(painter, QRectF(right - 14, y + (head.height() - 12) / 2.0, 12, 12),
-                  m_layout.isCollapsed(group) ? QStringLiteral("chevron-right") : QStringLiteral("chevron-down"),
+    const bool isCollapsed = m_layout.isCollapsed(group);
+    const QRectF twisty = mirrored({right - 14, y + (head.height() - 12) / 2, 12, 12});
+    painter.save();
+    if (isCollapsed && isRightToLeft()) { // the other way round
+        painter.translate(2 * twisty.center().x(), 0);
+        painter.scale(-1, 1);
+    }
+    ZQIcon::paint(painter, twisty, isCollapsed ? QStringLiteral("chevron-right") : QStringLiteral("chevron-down"),
                   zqColor(ZQColorRole::TextFaint));
+    painter.restore();
 }
 
 void ZQGridView::paintOverlays(QPainter &painter)
@@ -257,8 +268,8 @@ void ZQGridView::paintOverlays(QPainter &painter)
             return;
         }
         const QRect cell = visualRect(isAfter ? m_layout.count() - 1 : m_dropIndex);
-        const int x = isAfter != isMirrored() ? cell.right() + ZQGridLayout::columnGap / 2
-                                              : cell.left() - ZQGridLayout::columnGap / 2;
+        const int x = isAfter != isRightToLeft() ? cell.right() + ZQGridLayout::columnGap / 2
+                                                 : cell.left() - ZQGridLayout::columnGap / 2;
         painter.fillRect(QRect(x - 1, cell.top(), 2, m_layout.pictureHeight()), accent);
     }
 }

@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include <utility>
 
@@ -45,6 +46,7 @@ protected:
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setLayoutDirection(layoutDirection());
         painter.setFont(ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::DemiBold));
         const bool standsOut = m_sorted != Sorted::No || (m_isSortable && underMouse());
         painter.setPen(zqColor(standsOut ? ZQColorRole::Text : ZQColorRole::TextFaint));
@@ -53,7 +55,8 @@ protected:
         painter.drawText(rect(), int(Qt::AlignVCenter | Qt::AlignLeft), text);
         if (m_sorted != Sorted::No) {
             const int left = painter.fontMetrics().horizontalAdvance(text) + 3;
-            ZQIcon::paint(painter, QRectF(left, (height() - arrowSize) / 2.0, arrowSize, arrowSize),
+            const QRect arrowBox(left, (height() - arrowSize) / 2, arrowSize, arrowSize);
+            ZQIcon::paint(painter, QStyle::visualRect(layoutDirection(), rect(), arrowBox),
                           m_sorted == Sorted::Up ? QStringLiteral("arrow-up") : QStringLiteral("arrow-down"),
                           zqColor(ZQColorRole::Text));
         }
@@ -121,7 +124,8 @@ void ZQListHead::layOut()
         const ZQViewColumn &column = m_columns.all()[places[i].column];
         const Sorted sorted = column.identifier != m_sort ? Sorted::No : m_isAscending ? Sorted::Up : Sorted::Down;
         static_cast<Title *>(m_titles[i])->show(column, sorted);
-        m_titles[i]->setGeometry(ZQGridLayout::sideMargin + places[i].left, 0, places[i].width, height - 1);
+        m_titles[i]->setGeometry(QStyle::visualRect(
+            layoutDirection(), rect(), {ZQGridLayout::sideMargin + places[i].left, 0, places[i].width, height - 1}));
     }
     update();
 }
@@ -141,16 +145,28 @@ void ZQListHead::paintEvent(QPaintEvent * /*event*/)
         return;
     }
     for (qsizetype i = 1; i < m_titles.size(); ++i) { // where the lines are that can be dragged
-        painter.fillRect(QRect(m_titles[i]->x() - ZQViewColumns::gap / 2, 8, 1, height - 16), line);
+        const QRect mark(titleStart(i) - ZQViewColumns::gap / 2, 8, 1, height - 16);
+        painter.fillRect(QStyle::visualRect(layoutDirection(), rect(), mark), line);
     }
 }
 
 // The pointer.
 
+int ZQListHead::readingX(int x) const
+{
+    return isRightToLeft() ? width() - 1 - x : x;
+}
+
+int ZQListHead::titleStart(qsizetype place) const
+{
+    const QRect title = m_titles[place]->geometry();
+    return readingX(isRightToLeft() ? title.right() : title.left());
+}
+
 qsizetype ZQListHead::boundaryAt(int x) const
 {
     for (qsizetype i = 1; i < m_titles.size(); ++i) {
-        if (x < m_titles[i]->x() && x >= m_titles[i]->x() - ZQViewColumns::gap) {
+        if (x < titleStart(i) && x >= titleStart(i) - ZQViewColumns::gap) {
             return i - 1;
         }
     }
@@ -167,20 +183,21 @@ void ZQListHead::moveBoundary(qsizetype place, int by)
 
 void ZQListHead::mousePressEvent(QMouseEvent *event)
 {
-    m_dragged = event->button() == Qt::LeftButton ? boundaryAt(event->pos().x()) : -1;
-    m_draggedFrom = event->pos().x();
+    m_draggedFrom = readingX(event->pos().x());
+    m_dragged = event->button() == Qt::LeftButton ? boundaryAt(m_draggedFrom) : -1;
 }
 
 void ZQListHead::mouseMoveEvent(QMouseEvent *event)
 {
+    const int x = readingX(event->pos().x());
     if (m_dragged < 0) {
-        setCursor(boundaryAt(event->pos().x()) >= 0 ? Qt::SplitHCursor : Qt::ArrowCursor);
+        setCursor(boundaryAt(x) >= 0 ? Qt::SplitHCursor : Qt::ArrowCursor);
         return;
     }
     // The line stays where it can go no further until the pointer is back at it.
-    const int before = m_titles[m_dragged + 1]->x();
-    moveBoundary(m_dragged, event->pos().x() - m_draggedFrom);
-    m_draggedFrom += m_titles[m_dragged + 1]->x() - before;
+    const int before = titleStart(m_dragged + 1);
+    moveBoundary(m_dragged, x - m_draggedFrom);
+    m_draggedFrom += titleStart(m_dragged + 1) - before;
 }
 
 void ZQListHead::mouseReleaseEvent(QMouseEvent * /*event*/)
@@ -192,6 +209,14 @@ void ZQListHead::mouseReleaseEvent(QMouseEvent * /*event*/)
 void ZQListHead::contextMenuEvent(QContextMenuEvent *event)
 {
     showMenu(event->globalPos());
+}
+
+void ZQListHead::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        layOut();
+    }
+    QWidget::changeEvent(event);
 }
 
 void ZQListHead::showMenu(const QPoint &globalPoint)
@@ -245,7 +270,7 @@ bool ZQListHead::eventFilter(QObject *watched, QEvent *event)
     switch (key->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right: {
-        const int step = key->key() == Qt::Key_Left ? -1 : 1;
+        const int step = (key->key() == Qt::Key_Right) != isRightToLeft() ? 1 : -1;
         isAlt ? moveBoundary(place, step * keyStep) : focusPlace(place + step);
         return true;
     }

@@ -37,11 +37,15 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void layOut();
     int rowWidth() const;
-    qsizetype boundaryAt(int x) const; // the place before it; -1 for none
+    // From the side where reading begins, of a point and of a title.
+    int readingX(int x) const;
+    int titleStart(qsizetype place) const;
+    qsizetype boundaryAt(int x) const; // of reading; the place before it; -1 for none
     void moveBoundary(qsizetype place, int by);
     void focusPlace(qsizetype place);
 

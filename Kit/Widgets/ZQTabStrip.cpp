@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QStyle>
 #include <QToolButton>
 #include <QToolTip>
 
@@ -23,6 +24,7 @@ constexpr int laidOut = 101;        // a strip that is narrower waits for its pl
 constexpr int gap = 2;
 constexpr int newRoom = 40;
 constexpr int allRoom = 30;
+constexpr int buttonSize = 26;
 } // namespace
 
 ZQTabStrip::ZQTabStrip(QWidget *parent) : QWidget(parent), m_new(new QToolButton(this)), m_all(new QToolButton(this))
@@ -83,7 +85,7 @@ QList<QWidget *> ZQTabStrip::focusStops()
 
 QSize ZQTabStrip::sizeHint() const
 {
-    return {newRect().right() + 1, tabHeight};
+    return {newStart() + buttonSize, tabHeight};
 }
 
 int ZQTabStrip::naturalWidth(int index) const
@@ -119,16 +121,26 @@ int ZQTabStrip::tabWidth(int index) const
     return std::max(narrowestTab, std::min(naturalWidth(index), std::max(share, narrowestTab)));
 }
 
+QRect ZQTabStrip::mirrored(const QRect &rect) const
+{
+    return QStyle::visualRect(layoutDirection(), this->rect(), rect);
+}
+
+int ZQTabStrip::tabStart(int index) const
+{
+    int start = 0;
+    for (int i = m_first; i < index; ++i) {
+        start += tabWidth(i) + gap;
+    }
+    return start;
+}
+
 QRect ZQTabStrip::tabRect(int index) const
 {
     if (index < m_first || index >= m_first + visibleCount()) {
         return {};
     }
-    int x = 0;
-    for (int i = m_first; i < index; ++i) {
-        x += tabWidth(i) + gap;
-    }
-    return {x, 0, tabWidth(index), tabHeight};
+    return mirrored({tabStart(index), 0, tabWidth(index), tabHeight});
 }
 
 void ZQTabStrip::showCurrent()
@@ -136,8 +148,9 @@ void ZQTabStrip::showCurrent()
     const int visible = visibleCount();
     m_first = std::clamp(m_first, std::max(0, m_current - visible + 1), std::max(0, m_current));
     m_first = std::clamp(m_first, 0, std::max(0, count() - visible));
-    m_new->setGeometry(newRect());
-    m_all->setGeometry(width() - 27, (tabHeight - 26) / 2, 26, 26);
+    constexpr int top = (tabHeight - buttonSize) / 2;
+    m_new->setGeometry(mirrored({newStart(), top, buttonSize, buttonSize}));
+    m_all->setGeometry(mirrored({width() - buttonSize - 1, top, buttonSize, buttonSize}));
     m_all->setVisible(visible < count());
 }
 
@@ -162,14 +175,12 @@ void ZQTabStrip::resizeEvent(QResizeEvent *event)
 QRect ZQTabStrip::closeRect(int index) const
 {
     const QRect tab = tabRect(index);
-    return {tab.right() - 22, (tabHeight - 16) / 2, 16, 16};
+    return QStyle::visualRect(layoutDirection(), tab, {tab.right() - 22, (tabHeight - 16) / 2, 16, 16});
 }
 
-QRect ZQTabStrip::newRect() const
+int ZQTabStrip::newStart() const
 {
-    const int last = m_first + visibleCount() - 1;
-    const int x = m_titles.isEmpty() ? 0 : tabRect(last).right() + 1 + gap;
-    return {x + 4, (tabHeight - 26) / 2, 26, 26};
+    return 4 + (m_titles.isEmpty() ? 0 : tabStart(m_first + visibleCount()));
 }
 
 int ZQTabStrip::tabAt(const QPoint &point) const
@@ -187,6 +198,7 @@ void ZQTabStrip::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(ZQTheme::current().font());
+    painter.setLayoutDirection(layoutDirection());
     for (int i = m_first; i < m_first + visibleCount(); ++i) {
         const QRect tab = tabRect(i);
         const bool isCurrent = i == m_current;
@@ -209,7 +221,7 @@ void ZQTabStrip::paintEvent(QPaintEvent * /*event*/)
         }
         painter.setPen(zqColor(isCurrent ? ZQColorRole::Text : ZQColorRole::TextMuted));
         painter.setFont(ZQTheme::fontForName(ZQTheme::current().font(), m_titles[i]));
-        const QRect text = tab.adjusted(12, 0, count() > 1 ? -28 : -10, 0);
+        const QRect text = QStyle::visualRect(layoutDirection(), tab, tab.adjusted(12, 0, count() > 1 ? -28 : -10, 0));
         painter.drawText(text, Qt::AlignVCenter,
                          painter.fontMetrics().elidedText(m_titles[i], Qt::ElideRight, text.width() + 2));
         if (m_titles.size() > 1) {
@@ -270,7 +282,8 @@ void ZQTabStrip::leaveEvent(QEvent * /*event*/)
 
 void ZQTabStrip::keyPressEvent(QKeyEvent *event)
 {
-    const int step = event->key() == Qt::Key_Left ? -1 : event->key() == Qt::Key_Right ? 1 : 0;
+    const int forward = isRightToLeft() ? -1 : 1;
+    const int step = event->key() == Qt::Key_Left ? -forward : event->key() == Qt::Key_Right ? forward : 0;
     if (step != 0 && m_current + step >= 0 && m_current + step < m_titles.size()) {
         Q_EMIT currentChanged(m_current + step);
     } else if (event->key() == Qt::Key_Delete && m_titles.size() > 1) {
@@ -289,4 +302,12 @@ bool ZQTabStrip::event(QEvent *event)
         return true;
     }
     return QWidget::event(event);
+}
+
+void ZQTabStrip::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        showCurrent();
+    }
+    QWidget::changeEvent(event);
 }

@@ -7,9 +7,9 @@
 
 class QToolButton;
 
-// Tabs with a close mark each and a button for a new one. Tabs are dragged to reorder; the middle button closes. Where
-// they would get too narrow to be told apart only some are shown, the current one among them, and a menu lists all.
-// It only draws and tells: the owner changes the titles in answer to its signals.
+// Tabs with a close mark each and a button for a new one, in the direction of reading. Tabs are dragged to reorder; the
+// middle button closes. Where they would get too narrow to be told apart only some are shown, the current one among
+// them, and a menu lists all. It only draws and tells: the owner changes the titles in answer to its signals.
 class ZQTabStrip : public QWidget, public ZQAccessibleParts
 {
     Q_OBJECT
@@ -43,11 +43,14 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    QRect mirrored(const QRect &rect) const; // in a language written from right to left
+    int tabStart(int index) const;           // in the direction of reading
     QRect tabRect(int index) const;
     QRect closeRect(int index) const;
-    QRect newRect() const;
+    int newStart() const;
     int tabAt(const QPoint &point) const;
     int naturalWidth(int index) const;
     int tabWidth(int index) const;

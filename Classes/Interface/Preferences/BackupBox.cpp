@@ -14,6 +14,7 @@
 #include <QLocale>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
 
 BackupBox::BackupBox(tamberin_AppDelegate &delegate, BackupSchedule &backups, PreferencesPane &pane, QWidget *parent)
@@ -68,16 +69,13 @@ void BackupBox::addSettings()
     connect(choose, &QPushButton::clicked, this, &BackupBox::chooseDirectory);
     connect(m_backUp, &QPushButton::clicked, this, &BackupBox::backUpOrStop);
 
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     m_keep->setRange(0, 10000);
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
-    m_keep->setValue(int(std::clamp<qint64>(defaults.integerForKey(BackupSchedule::keepKey), 0, 10000)));
     m_interval->addItem(zqLocalized("Never"), 0);
     m_interval->addItem(zqLocalized("Every day"), 1);
     m_interval->addItem(zqLocalized("Every week"), 7);
-    m_interval->setCurrentIndex(
-        std::max(0, m_interval->findData(int(defaults.integerForKey(BackupSchedule::intervalKey)))));
+    showSettings();
     auto *form = new QFormLayout;
     form->addRow(zqLocalized("&Keep"), m_keep);
     form->addRow(zqLocalized("By &itself"), m_interval);
@@ -94,7 +92,17 @@ void BackupBox::store(const QVariant &value, const QString &key)
     ZQError error;
     if (!ZQUserDefaults::standardUserDefaults().storeObjectForKey(value, key, &error)) {
         Q_EMIT m_pane.refused(error);
+        showSettings();
     }
+}
+
+void BackupBox::showSettings()
+{
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    const QSignalBlocker quiet(m_keep); // nobody chose it
+    m_keep->setValue(int(std::clamp<qint64>(defaults.integerForKey(BackupSchedule::keepKey), 0, m_keep->maximum())));
+    m_interval->setCurrentIndex(
+        std::max(0, m_interval->findData(int(defaults.integerForKey(BackupSchedule::intervalKey)))));
 }
 
 void BackupBox::chooseDirectory()
@@ -114,7 +122,9 @@ void BackupBox::chooseDirectory()
         return;
     }
     store(chosen.first(), BackupSchedule::directoryKey);
-    m_state->clear();
+    if (!m_backups.work().isRunning()) {
+        m_state->clear(); // what it says is of the folder before
+    }
     showState();
     showLast();
 }

@@ -26,7 +26,8 @@ private:
     void addSettings();
     void chooseDirectory();
     void backUpOrStop();
-    void store(const QVariant &value, const QString &key);
+    void store(const QVariant &value, const QString &key); // what cannot be written goes back
+    void showSettings();
     void showState();
     void showLast();
 

@@ -9,6 +9,7 @@
 #include "Kit/Widgets/ZQNotificationBubble.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
+#include "Tests/Classes/Interface/ProtectedFile.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -35,22 +36,6 @@ ZQUserDefaults &defaults()
 {
     return ZQUserDefaults::standardUserDefaults();
 }
-
-// As a person protects a file, until the block ends.
-class Protected
-{
-public:
-    explicit Protected(const QString &path) : m_path(path)
-    {
-        EXPECT_TRUE(QFile::setPermissions(m_path, QFileDevice::ReadOwner));
-    }
-    ~Protected() { QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner); }
-    Protected(const Protected &) = delete;
-    Protected &operator=(const Protected &) = delete;
-
-private:
-    QString m_path;
-};
 
 class PreferencesWindowTest : public MainWindowFixture
 {
@@ -213,7 +198,7 @@ TEST_F(PreferencesWindowTest, WhatCannotBeWrittenGoesBackAndSaysWhy)
     auto *extensions = control<QCheckBox>("Show extensions");
     auto *titles = control<QCheckBox>("Show titles below thumbnails");
     ASSERT_TRUE(defaults().synchronize());
-    const Protected file(defaults().path());
+    const ProtectedFile file(defaults().path());
     const QSignalSpy themes(&ZQTheme::current(), &ZQTheme::changed);
     const QSignalSpy light(control<QRadioButton>("Light"), &QRadioButton::toggled);
     const QSignalSpy boxes(titles, &QCheckBox::toggled);

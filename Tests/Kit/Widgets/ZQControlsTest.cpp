@@ -176,6 +176,40 @@ TEST_F(Strip, ThePointerChoosesClosesOpensAndMoves)
     EXPECT_EQ(hits(Qt::MiddleButton), QString());
 }
 
+TEST_F(Strip, FromRightToLeftItIsTheOtherWayRound)
+{
+    for (const qsizetype count : {3, 30}) { // with and without the menu of all
+        strip.setLayoutDirection(Qt::LeftToRight);
+        strip.setTabs(QStringList(count, QStringLiteral("Another")), 1);
+        const auto hitsAndPlaces = [&](bool isMirrored) {
+            QStringList result;
+            const auto place = [&](const QRect &rect) {
+                const int left =
+                    isMirrored && rect.isValid() ? strip.width() - rect.left() - rect.width() : rect.left();
+                result.append(QStringLiteral("%1 %2").arg(left).arg(rect.width()));
+            };
+            for (int x = 0; x < strip.width(); x += 3) {
+                click(Qt::LeftButton, {isMirrored ? strip.width() - 1 - x : x, 18});
+                result.append(take());
+            }
+            for (int i = 0; i < strip.count(); ++i) {
+                place(strip.accessiblePart(i).place);
+            }
+            for (const auto *button : strip.findChildren<QToolButton *>()) {
+                place(button->geometry());
+            }
+            return result.join(u'|').toStdString();
+        };
+        const std::string usual = hitsAndPlaces(false);
+        strip.setLayoutDirection(Qt::RightToLeft);
+        EXPECT_EQ(hitsAndPlaces(true), usual) << count;
+    }
+    strip.setFocus();
+    QTest::keyClick(&strip, Qt::Key_Left);
+    QTest::keyClick(&strip, Qt::Key_Right);
+    EXPECT_EQ(take(), QStringLiteral("current 2,current 0"));
+}
+
 TEST_F(Strip, KeysGoToTheNeighboursAndClose)
 {
     strip.setTabs({QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Three")}, 1);

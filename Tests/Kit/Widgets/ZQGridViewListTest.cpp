@@ -71,6 +71,14 @@ protected:
         }
         return false;
     }
+    void dragLine(int from, int to)
+    {
+        QTest::mousePress(&head(), Qt::LeftButton, {}, {from, 10});
+        QMouseEvent move(QEvent::MouseMove, QPointF(to, 10), head().mapToGlobal(QPointF(to, 10)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(&head(), &move);
+        QTest::mouseRelease(&head(), Qt::LeftButton, {}, {to, 10});
+    }
     QRect boxOf(qint64 index, const char *column)
     {
         const QRect row = view.visualRect(index);
@@ -156,13 +164,6 @@ TEST_F(ZQGridViewListTest, TitlesSortAndTheirLinesAreDragged)
     EXPECT_NE(ascending, descending);
 
     QSignalSpy changes(&head(), &ZQListHead::columnsChanged);
-    const auto dragLine = [&](int from, int to) {
-        QTest::mousePress(&head(), Qt::LeftButton, {}, {from, 10});
-        QMouseEvent move(QEvent::MouseMove, QPointF(to, 10), head().mapToGlobal(QPointF(to, 10)), Qt::NoButton,
-                         Qt::LeftButton, {});
-        QApplication::sendEvent(&head(), &move);
-        QTest::mouseRelease(&head(), Qt::LeftButton, {}, {to, 10});
-    };
     const int left = title("Number")->x();
     dragLine(left - 4, left - 34);
     EXPECT_EQ(title("Number")->x(), left - 30);
@@ -181,6 +182,52 @@ TEST_F(ZQGridViewListTest, TitlesSortAndTheirLinesAreDragged)
     EXPECT_EQ(title("Number")->width(), 138);
     QTest::keyClick(title("Number"), Qt::Key_Left);
     EXPECT_TRUE(title("Title")->hasFocus());
+}
+
+TEST_F(ZQGridViewListTest, FromRightToLeftItIsTheOtherWayRound)
+{
+    Rows rows(40);
+    showList(rows);
+    QList<QRect> usual;
+    constexpr const char *titles[] = {"Title", "Number", "Stars", "Tags"};
+    for (const char *each : titles) {
+        usual.append(title(each)->geometry());
+    }
+    view.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(head().geometry().left(), view.viewport()->geometry().left());
+    const int width = view.viewport()->width();
+    for (const char *each : titles) {
+        const QRect before = usual.takeFirst();
+        EXPECT_EQ(title(each)->geometry().left(), width - before.left() - before.width()) << each;
+        EXPECT_EQ(title(each)->width(), before.width()) << each;
+    }
+    EXPECT_TRUE(shows(boxOf(3, "Stars"), zqColor(ZQColorRole::Accent))) << "below its title";
+    const QRect chips = boxOf(1, "Tags");
+    EXPECT_EQ(pixel({chips.right() - 5, chips.center().y()}), zqColor(ZQColorRole::Select)) << "they begin there";
+    EXPECT_EQ(pixel({width - ZQGridLayout::sideMargin - 4, chips.center().y()}), zqColor(ZQColorRole::Cell));
+
+    drag(boxOf(2, "Title").center(), boxOf(5, "Title").center());
+    EXPECT_EQ(view.selection(), ZQIndexSet(2, 2)) << "what a row shows is dragged";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, boxOf(5, "Title").center());
+    drag(boxOf(3, "Number").center(), boxOf(5, "Number").center());
+    EXPECT_EQ(view.selection(), ZQIndexSet(3, 5)) << "and a band drawn beside it";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, boxOf(5, "Number").center());
+
+    const int right = title("Number")->geometry().right();
+    dragLine(right + 4, right + 34);
+    EXPECT_EQ(title("Number")->geometry().right(), right + 30);
+    EXPECT_EQ(title("Number")->width(), 130);
+    title("Title")->setFocus();
+    QTest::keyClick(title("Title"), Qt::Key_Left);
+    EXPECT_TRUE(title("Number")->hasFocus());
+    QTest::keyClick(title("Number"), Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(title("Number")->width(), 138);
+
+    Rows groups(30, {{QStringLiteral("One"), 12}, {QStringLiteral("Two"), 18}});
+    view.setDataSource(&groups);
+    const QRect half(0, 0, width / 2, ZQMeasure::groupHeadHeight);
+    EXPECT_FALSE(shows(half, zqColor(ZQColorRole::Raised2)));
+    EXPECT_TRUE(shows(half.translated(width / 2, 0), zqColor(ZQColorRole::Raised2))) << "the count, after the title";
 }
 
 TEST_F(ZQGridViewListTest, AMenuChoosesTheColumns)
