@@ -159,4 +159,5 @@ void BackupBox::showLast()
                                     {locale.toString(last->ended.toLocalTime(), QLocale::ShortFormat),
                                      locale.formattedDataSize(last->bytes), locale.formattedDataSize(last->newBytes)})
                          : zqLocalized("There is no backup of this library in that folder."));
+    m_last->setHidden(BackupSchedule::directory().isEmpty());
 }
