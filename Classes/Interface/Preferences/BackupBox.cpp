@@ -72,6 +72,7 @@ void BackupBox::addSettings()
     m_keep->setRange(0, 10000);
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
+    m_keep->setButtonSymbols(QSpinBox::NoButtons); // the theme draws none
     m_keep->setValue(int(std::clamp<qint64>(defaults.integerForKey(BackupSchedule::keepKey), 0, 10000)));
     m_interval->addItem(zqLocalized("Never"), 0);
     m_interval->addItem(zqLocalized("Every day"), 1);
