@@ -183,6 +183,7 @@ void AImportManager::importFile(const QString &path, const ZQObjectID &intoSideb
                      .target = intoSidebarItemID,
                      .metadata = metadata,
                      .duplicates = DuplicateChoice::KeepBoth,
+                     .goesPastQuestions = true,
                      .didEnd = [done](const ImportOperation &ended, bool goesOn) { done(endOf(ended, goesOn)); }});
     if (!operation) {
         done({ImportEnd::Kind::Failed, zqLocalized("There is no library to import into."), {}});

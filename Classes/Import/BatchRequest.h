@@ -29,6 +29,8 @@ struct BatchRequest
     std::optional<DuplicateChoice> duplicates = {}; // what becomes of them; nothing: the person is asked
     std::shared_ptr<ImportWhole> whole = std::make_shared<ImportWhole>(); // that it belongs to
     std::shared_ptr<ImportPart> part = {}; // of one that came out of an archive, once it is queued
+    // It asks nothing and depends on no other: imported at once, too, while another waits for an answer.
+    bool goesPastQuestions = false;
     // For who waits for its end; later, on the main thread. Not for what came out of its archives. `goesOn`: it is kept
     // for another launch.
     std::function<void(const ImportOperation &operation, bool goesOn)> didEnd = {};

@@ -4,6 +4,7 @@
 #include "Classes/Import/CreatedItems.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
 #include <QFileInfo>
@@ -33,7 +34,7 @@ void DuplicateCheck::run()
     ImportWhole &whole = *m_batch.request.whole;
     const auto answer = m_batch.request.duplicates ? m_batch.request.duplicates : whole.duplicates();
     const auto answers = answer ? DuplicateAnswers(QList<DuplicateChoice>(qsizetype(duplicates.size()), *answer))
-                                : m_batch.user.resolveDuplicates(pairs(duplicates), doArchivesFollow());
+                                : ask(pairs(duplicates));
     if (!answers) {
         m_batch.operation.cancel();
         return;
@@ -44,6 +45,13 @@ void DuplicateCheck::run()
     for (std::size_t i = 0; i < duplicates.size(); ++i) {
         resolve(duplicates[i], answers->choices.value(qsizetype(i), DuplicateChoice::KeepBoth));
     }
+}
+
+std::optional<DuplicateAnswers> DuplicateCheck::ask(const QList<DuplicatePair> &pairs)
+{
+    std::optional<DuplicateAnswers> answers;
+    ZQOperationQueue::standAside([&] { answers = m_batch.user.resolveDuplicates(pairs, doArchivesFollow()); });
+    return answers;
 }
 
 std::optional<std::vector<DuplicateCheck::Duplicate>> DuplicateCheck::find()

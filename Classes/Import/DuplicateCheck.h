@@ -35,6 +35,7 @@ private:
     };
 
     std::optional<std::vector<Duplicate>> find();
+    std::optional<DuplicateAnswers> ask(const QList<DuplicatePair> &pairs);
     QList<DuplicatePair> pairs(const std::vector<Duplicate> &duplicates) const;
     void resolve(const Duplicate &duplicate, DuplicateChoice choice);
     QString addressOf(const CreatedItem &created) const;

@@ -1,6 +1,7 @@
 #include "Classes/Import/ImportConflictResolver.h"
 
 #include "Classes/Import/ImportQueries.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 
 ImportConflictResolver::ImportConflictResolver(const QStringList &filePaths, UserInteraction &userInteraction)
     : m_filePaths(filePaths), m_userInteraction(userInteraction)
@@ -25,7 +26,9 @@ QStringList ImportConflictResolver::validFilesCancellingOperation(bool *cancelli
     if (!hasUnreadable) {
         return m_filePaths;
     }
-    if (!m_userInteraction.resolveUnreadableFiles(conflicts)) {
+    bool goesOn = false;
+    ZQOperationQueue::standAside([&] { goesOn = m_userInteraction.resolveUnreadableFiles(conflicts); });
+    if (!goesOn) {
         *cancellingOperation = true;
         return {};
     }

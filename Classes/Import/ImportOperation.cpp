@@ -16,13 +16,14 @@
 #include <algorithm>
 
 ImportOperation::ImportOperation(const BatchRequest &request, const KeptRequest &kept, ImportOwner &owner)
-    : m_owner(owner), m_batch{.operation = *this,
-                              .user = tamberin_AppDelegate::sharedDelegate()->userInteraction(),
-                              .settings = ImportSettings::current(),
-                              .coordinator = tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator(),
-                              .request = request,
-                              .originalDropIndex = request.index,
-                              .requestedFiles = request.paths},
+    : m_owner(owner), m_goesPastQuestions(request.goesPastQuestions),
+      m_batch{.operation = *this,
+              .user = tamberin_AppDelegate::sharedDelegate()->userInteraction(),
+              .settings = ImportSettings::current(),
+              .coordinator = tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator(),
+              .request = request,
+              .originalDropIndex = request.index,
+              .requestedFiles = request.paths},
       m_resumption(m_batch, kept), m_plan(m_batch, m_resumption), m_items(m_batch, m_resumption)
 {
     if (request.origin) {
@@ -192,6 +193,9 @@ void ImportOperation::enableSidebarItems()
     m_plan.forgetCreatedSidebarItems();
     m_batch.inserter.reset();
     context.reset();
+    if (m_goesPastQuestions) {
+        return; // it made none, and those of a batch that waits are not whole yet
+    }
     const auto items = zqFetch<ZQSidebarBaseItem>(context, QStringLiteral("enabled == %@"), {false});
     for (const ZQRef<ZQSidebarBaseItem> &item : items.value_or(QList<ZQRef<ZQSidebarBaseItem>>())) {
         item->setEnabled(true);

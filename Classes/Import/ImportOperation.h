@@ -34,7 +34,7 @@ public:
     // Whether this and all that followed from it have finished, and whether one of them was cancelled. Main thread.
     bool isWhollyFinished() const;
     bool isAnyCancelled() const;
-    // Whether a question that is open may be theirs: imports run one after another. Main thread.
+    // Whether a question that is open may be theirs: imports that ask run one after another. Main thread.
     bool isAnyRunning() const;
     void cancelWholly(); // this, and all that followed from it. Main thread.
     // Once it has finished.
@@ -43,6 +43,7 @@ public:
     const QStringList &foldersAndArchivesPathOrdered() const { return m_batch.foldersAndArchivesPathOrdered; }
 
     void main() override;
+    bool overtakes() const override { return m_goesPastQuestions; }
 
 private:
     bool setUp();
@@ -60,6 +61,7 @@ private:
     void releaseFolders();
 
     ImportOwner &m_owner;
+    const bool m_goesPastQuestions;
     BatchState m_batch;
     BatchResumption m_resumption;
     ImportPlan m_plan;

@@ -31,6 +31,9 @@ public:
     virtual void cancel();
     // The application is about to end. The base: cancels; what is soon done and not to be lost may come to its end.
     virtual void endSoon() { cancel(); }
+    // Whether it may run in the place of one that stands aside, before what was queued earlier; see
+    // `ZQOperationQueue`. Never changes.
+    virtual bool overtakes() const { return false; }
 
     bool isCancelled() const;
     bool isExecuting() const;

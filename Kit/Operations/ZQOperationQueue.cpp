@@ -29,6 +29,8 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     std::deque<Operation> starting ZQ_GUARDED_BY(mutex); // those of `running` no thread has picked up
     std::vector<std::thread> threads ZQ_GUARDED_BY(mutex);
     size_t idleThreads ZQ_GUARDED_BY(mutex) = 0;
+    size_t aside ZQ_GUARDED_BY(mutex) = 0;     // of `running`, those whose places others may have
+    size_t returning ZQ_GUARDED_BY(mutex) = 0; // of those, the ones that want them back
     bool isStopping ZQ_GUARDED_BY(mutex) = false;
 
     void add(const Operation &operation);
@@ -37,11 +39,12 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     void didFinish(const ZQOperation *operation);
     void work();
     static void run(const Operation &operation);
+    size_t placesTaken() const ZQ_REQUIRES(mutex) { return running.size() - aside; }
     int count() const ZQ_REQUIRES(mutex) { return static_cast<int>(waiting.size() + running.size()); }
 };
 
 namespace {
-thread_local const void *currentQueue = nullptr;
+thread_local void *currentQueue = nullptr;
 
 std::shared_ptr<ZQOperation> take(std::deque<std::shared_ptr<ZQOperation>> &list, const ZQOperation *operation)
 {
@@ -91,8 +94,9 @@ void ZQOperationQueue::Private::schedule()
 void ZQOperationQueue::Private::scheduleLocked()
 {
     const auto most = static_cast<size_t>(maximum);
-    for (size_t i = 0; i < waiting.size() && running.size() < most;) {
-        if (!waiting[i]->d->isReady()) {
+    for (size_t i = 0; i < waiting.size() && placesTaken() + returning < most;) {
+        const bool hasPlace = running.size() < most || waiting[i]->overtakes();
+        if (!hasPlace || !waiting[i]->d->isReady()) {
             ++i;
             continue;
         }
@@ -100,7 +104,7 @@ void ZQOperationQueue::Private::scheduleLocked()
         waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(i));
         running.push_back(operation);
         starting.push_back(operation);
-        if (idleThreads < starting.size() && threads.size() < most) {
+        if (idleThreads < starting.size() && threads.size() < most + aside) {
             ++idleThreads;
             threads.emplace_back([self = shared_from_this()] {
                 const ZQSignalStack stack;
@@ -191,6 +195,29 @@ ZQOperationQueue::~ZQOperationQueue()
             thread.join();
         }
     }
+}
+
+void ZQOperationQueue::standAside(const std::function<void()> &wait)
+{
+    auto *const queue = static_cast<Private *>(currentQueue);
+    if (!queue) {
+        wait();
+        return;
+    }
+    {
+        const ZQLockGuard lock(queue->mutex);
+        ++queue->aside;
+        queue->scheduleLocked();
+        queue->stateChanged.notifyAll(); // another may want its place back
+    }
+    wait();
+    const ZQLockGuard lock(queue->mutex);
+    ++queue->returning;
+    while (queue->placesTaken() >= static_cast<size_t>(queue->maximum)) {
+        queue->stateChanged.wait(queue->mutex);
+    }
+    --queue->returning;
+    --queue->aside;
 }
 
 void ZQOperationQueue::setMaxConcurrentOperationCount(int count)

@@ -32,6 +32,11 @@ public:
     // nobody who could be.
     void waitUntilOperationCount(int most, ZQOperation *waiting = nullptr);
 
+    // By an operation, on the thread of its queue, that has to wait for a person: while `wait` runs its place is free
+    // for those that overtake. It still counts as running, and returns when none of them has its place any more. On
+    // other threads just `wait`.
+    static void standAside(const std::function<void()> &wait);
+
 private:
     struct Private;
     std::shared_ptr<Private> d;

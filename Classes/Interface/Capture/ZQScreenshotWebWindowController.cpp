@@ -6,6 +6,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQProgressLine.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Kit/Widgets/ZQWindowPlace.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -102,7 +103,7 @@ ZQScreenshotWebWindowController::ZQScreenshotWebWindowController(WebCaptureDeleg
     addAction(close);
     readChoices();
     showMessage(zqLocalized("Type an address and press Enter to see the page."), false);
-    if (!restoreGeometry(defaults().dataForKey(geometryKey))) {
+    if (!zqRestoreGeometry(*this, defaults().dataForKey(geometryKey))) {
         resize(usualSize);
     }
 }

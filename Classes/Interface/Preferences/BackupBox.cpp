@@ -72,6 +72,7 @@ void BackupBox::addSettings()
     m_keep->setRange(0, 10000);
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
+    m_keep->setButtonSymbols(QSpinBox::NoButtons); // the theme draws none
     m_interval->addItem(zqLocalized("Never"), 0);
     m_interval->addItem(zqLocalized("Every day"), 1);
     m_interval->addItem(zqLocalized("Every week"), 7);
@@ -169,4 +170,5 @@ void BackupBox::showLast()
                                     {locale.toString(last->ended.toLocalTime(), QLocale::ShortFormat),
                                      locale.formattedDataSize(last->bytes), locale.formattedDataSize(last->newBytes)})
                          : zqLocalized("There is no backup of this library in that folder."));
+    m_last->setHidden(BackupSchedule::directory().isEmpty());
 }

@@ -12,6 +12,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQNotificationBubble.h"
+#include "Kit/Widgets/ZQWindowPlace.h"
 
 #include <QAction>
 #include <QApplication>
@@ -68,7 +69,7 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSched
     });
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     m_names->setCurrentRow(std::clamp(int(defaults.integerForKey(paneKey)), 0, m_names->count() - 1));
-    if (!restoreGeometry(defaults.dataForKey(geometryKey))) {
+    if (!zqRestoreGeometry(*this, defaults.dataForKey(geometryKey))) {
         resize(760, 560);
     }
     m_names->setFocus();

@@ -12,6 +12,7 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Kit/Widgets/ZQWindowPlace.h"
 
 #include <QSignalBlocker>
 #include <QSplitter>
@@ -80,7 +81,7 @@ void MainWindowController::showInToolbar()
 
 void MainWindowController::restoreGeometry()
 {
-    if (!m_mainWindow->restoreGeometry(defaults().dataForKey(geometryKey))) {
+    if (!zqRestoreGeometry(*m_mainWindow, defaults().dataForKey(geometryKey))) {
         m_mainWindow->resize(1280, 800);
     }
     m_splitter->restoreState(defaults().dataForKey(panesKey));

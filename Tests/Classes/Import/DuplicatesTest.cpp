@@ -1,9 +1,11 @@
 #include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -112,6 +114,39 @@ TEST_F(Duplicates, AreFoundAmongMoreThanOneQueryTakes)
     import(sources);
     EXPECT_EQ(user.duplicates.size(), count);
     EXPECT_EQ(itemDirectories().size(), 1);
+}
+
+TEST_F(Duplicates, AnOpenQuestionHoldsUpNoCaptureButWhatMayAskItself)
+{
+    const QString behind = writeImage(QStringLiteral("behind.png"), {21, 21});
+    const QString capture = writeImage(QStringLiteral("capture.png"), {22, 22});
+    const auto project = addProject(QStringLiteral("P"));
+    project->setEnabled(false); // as one of the batch that asks
+    delegate->saveAction();
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    QStringList whileAsked;
+    user.answerDuplicates = [&](const QList<DuplicatePair> &pairs) {
+        ImportEnd end{ImportEnd::Kind::Failed, {}, {}};
+        bool didEnd = false;
+        manager.startImport({.paths = {behind}});
+        manager.importFile(capture, {}, {}, [&](const ImportEnd &how) {
+            end = how;
+            didEnd = true;
+        });
+        QDeadlineTimer patience(std::chrono::seconds(30)); // a queue that holds it up would wait for this answer
+        zqRunMainLoopUntil([&] { return didEnd || patience.hasExpired(); });
+        EXPECT_TRUE(end.kind == ImportEnd::Kind::Imported) << qPrintable(end.reason);
+        whileAsked = titles(items());
+        EXPECT_FALSE(project->enabled());
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
+    };
+    import({again});
+    EXPECT_TRUE(whileAsked.contains(QStringLiteral("capture")));
+    EXPECT_FALSE(whileAsked.contains(QStringLiteral("behind")));
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("again"), QStringLiteral("behind"),
+                                            QStringLiteral("capture")}));
+    EXPECT_EQ(itemDirectories().size(), 4);
+    EXPECT_TRUE(project->enabled());
 }
 
 TEST_F(Duplicates, DiscardingLeavesOneItemAndOneDirectory)

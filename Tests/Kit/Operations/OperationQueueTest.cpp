@@ -299,6 +299,94 @@ TEST(OperationQueue, FinishesCancelledWaitingWorkWithoutRunningIt)
     EXPECT_FALSE(ran);
 }
 
+namespace {
+
+class OvertakingOperation : public ZQOperation
+{
+public:
+    explicit OvertakingOperation(std::function<void()> work) : m_work(std::move(work)) {}
+    void main() override { m_work(); }
+    bool overtakes() const override { return true; }
+
+private:
+    const std::function<void()> m_work;
+};
+
+} // namespace
+
+TEST(OperationQueue, OneThatStandsAsideLeavesItsPlaceToThoseThatOvertakeAlone)
+{
+    std::vector<std::string> order; // unguarded: one at a time is what is promised
+    Gate passed;
+    std::promise<void> isAside;
+    std::promise<void> answer;
+    ZQOperationQueue queue;
+    queue.addOperationWithBlock([&] {
+        order.push_back("asks");
+        ZQOperationQueue::standAside([&] {
+            isAside.set_value();
+            answer.get_future().wait();
+        });
+        order.push_back("asked");
+    });
+    queue.addOperationWithBlock([&] { order.push_back("behind"); });
+    isAside.get_future().wait();
+    queue.addOperation(std::make_shared<OvertakingOperation>([&, gate = passed.operation()] {
+        gate->start();
+        order.push_back("overtakes");
+    }));
+    queue.addOperation(std::make_shared<OvertakingOperation>([&] { order.push_back("too late"); }));
+    passed.waitUntilEntered();
+    EXPECT_EQ(queue.operationCount(), 4);
+    answer.set_value();                // and it waits until the other is done, before any that would overtake it now
+    std::this_thread::sleep_for(20ms); // gives one that did not wait its chance; nothing is concluded from it otherwise
+    passed.open();
+    queue.waitUntilAllOperationsAreFinished();
+    ASSERT_EQ(order.size(), 5u);
+    EXPECT_EQ(order[1], "overtakes");
+    EXPECT_LT(std::find(order.begin(), order.end(), "asked"), std::find(order.begin(), order.end(), "behind"));
+}
+
+TEST(OperationQueue, SeveralMayStandAsideAndEachGetsItsPlaceBack)
+{
+    std::atomic<int> atOnce = 0;
+    std::atomic<int> most = 0;
+    std::atomic<int> ended = 0;
+    std::promise<void> answer;
+    const auto answered = answer.get_future().share();
+    std::promise<void> last;
+    ZQOperationQueue queue;
+    const auto work = [&] {
+        most = std::max(most.load(), ++atOnce);
+        std::this_thread::yield();
+        --atOnce;
+    };
+    constexpr int asking = 20;
+    std::atomic<int> aside = 0;
+    for (int i = 0; i < asking; ++i) {
+        queue.addOperation(std::make_shared<OvertakingOperation>([&] {
+            work();
+            ZQOperationQueue::standAside([&] {
+                if (++aside == asking) {
+                    last.set_value();
+                }
+                answered.wait();
+            });
+            work();
+            ++ended;
+        }));
+    }
+    last.get_future().wait();
+    answer.set_value();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(ended, asking);
+    EXPECT_EQ(most, 1);
+    queue.addOperationWithBlock([&] { ZQOperationQueue::standAside([&] { ++ended; }); });
+    queue.waitUntilAllOperationsAreFinished();
+    ZQOperationQueue::standAside([&] { ++ended; }); // on no queue's thread
+    EXPECT_EQ(ended, asking + 2);
+}
+
 TEST(OperationQueue, RaisingTheMaximumStartsWhatWaits)
 {
     ZQOperationQueue queue; // outlives the gate, which lets it end
