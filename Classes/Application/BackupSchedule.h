@@ -17,7 +17,9 @@ public:
 
     BackupWork &work() { return m_work; }
     static QString directory(); // empty: none was chosen
-    // Why nothing began, localized; null when it did.
+    static int keptCount();     // 0: all
+    static constexpr int mostKept = 10000;
+    // While none is running. Why nothing began, localized; null when it did.
     ZQError backUpNow();
     std::optional<BackupRecord> last() const; // reads the disk
     // Whether one is due that long after `ended`; an invalid date is that of no backup.

@@ -16,6 +16,8 @@
 #include <QPushButton>
 #include <QSpinBox>
 
+#include <algorithm>
+
 BackupBox::BackupBox(tamberin_AppDelegate &delegate, BackupSchedule &backups, PreferencesPane &pane, QWidget *parent)
     : QWidget(parent), m_delegate(delegate), m_backups(backups), m_pane(pane), m_directory(new QLabel(this)),
       m_last(new QLabel(this)), m_state(new QLabel(this)), m_backUp(new QPushButton(this)), m_keep(new QSpinBox(this)),
@@ -69,10 +71,10 @@ void BackupBox::addSettings()
     connect(m_backUp, &QPushButton::clicked, this, &BackupBox::backUpOrStop);
 
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    m_keep->setRange(0, 10000);
+    m_keep->setRange(0, BackupSchedule::mostKept);
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
-    m_keep->setValue(int(std::clamp<qint64>(defaults.integerForKey(BackupSchedule::keepKey), 0, 10000)));
+    m_keep->setValue(BackupSchedule::keptCount());
     m_interval->addItem(zqLocalized("Never"), 0);
     m_interval->addItem(zqLocalized("Every day"), 1);
     m_interval->addItem(zqLocalized("Every week"), 7);
