@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 namespace {
@@ -55,6 +56,11 @@ ZQError BackupSchedule::backUpNow()
     const ZQError refusal = LibraryBackup::refusal(m_delegate.libraryBundleDirectory(), directory());
     if (!refusal.isNull()) {
         return refusal;
+    }
+    if (m_work.isRunning()) {
+        return ZQError::with(LibraryBackup::errorDomain, EBUSY,
+                             zqFormat(zqLocalized("Another backup into the folder “%@” is under way."), {directory()}),
+                             zqLocalized("Wait until it is done, then try again."));
     }
     const bool hasBegun = m_work.start({.directory = directory(), .keep = keptCount()});
     return hasBegun ? ZQError()

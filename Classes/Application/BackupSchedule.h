@@ -19,7 +19,7 @@ public:
     static QString directory(); // empty: none was chosen
     static int keptCount();     // 0: all
     static constexpr int mostKept = 10000;
-    // While none is running. Why nothing began, localized; null when it did.
+    // Why nothing began, localized; null when it did.
     ZQError backUpNow();
     std::optional<BackupRecord> last() const; // reads the disk
     // Whether one is due that long after `ended`; an invalid date is that of no backup.
