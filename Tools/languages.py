@@ -6,7 +6,8 @@
   Tools/languages.py todo LANGUAGE   the keys without a translation, as JSON
   Tools/languages.py fill LANGUAGE FILE   takes translations from such a JSON object: key to text, or to a list of forms
 
-A key is what stands in quotes in a call of zqLocalized or zqKey (for texts in tables), or in a ZQCountedKey.
+A key is what stands in quotes in a call of zqLocalized or zqKey (for texts in tables), or in a ZQCountedKey. A language gets its
+catalogue by the first `fill`.
 """
 import json
 import re
@@ -19,6 +20,7 @@ from xml.sax.saxutils import escape
 ROOT = Path(__file__).resolve().parent.parent
 FOLDER = ROOT / "Resources" / "languages"
 COUNTED = "counted"
+FORMS = {"ar": 6, "cs": 3, "ja": 1, "ko": 1, "pl": 3, "ru": 3, "sk": 3, "uk": 3, "zh": 1}  # of a counted text; others have two
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 CALL = re.compile(r"\b(zqLocalized|zqKey)\s*\(|\bzqCounted\s*\(\s*\{|\bZQCountedKey\s*\{")
 PLACE = re.compile(r"%(?:(\d)\$)?l?([@dsifu])")
@@ -92,6 +94,10 @@ def keys():
     return {key: value for key, value in found.items() if re.search(r"\w", key[0])}
 
 
+def forms_of(language):
+    return FORMS.get(language.split("_")[0], 2)
+
+
 def read(language):
     """(Key, comment) to its forms; one that is not counted has one."""
     path = FOLDER / f"zelto_{language}.ts"
@@ -108,7 +114,7 @@ def read(language):
 def write(language, translations, wanted):
     lines = ['<?xml version="1.0" encoding="utf-8"?>', "<!DOCTYPE TS>", f'<TS version="2.1" language="{language}">', "<context>", "    <name>Zelto</name>"]
     for key in sorted(wanted):
-        forms = translations.get(key, ["", ""] if key[1] else [""])
+        forms = translations.get(key, [""] * (forms_of(language) if key[1] else 1))
         state = "" if all(forms) else ' type="unfinished"'
         lines.append('    <message numerus="yes">' if key[1] else "    <message>")
         lines.append(f"        <source>{escape(key[0])}</source>")
@@ -195,6 +201,8 @@ def check():
         problems += [f"{language}: “{key[0]}” is not in the catalogue" for key in sorted(wanted.keys() - have.keys())]
         problems += [f"{language}: “{key[0]}” is in no source any more" for key in sorted(have.keys() - wanted.keys())]
         for key in sorted(wanted.keys() & have.keys()):
+            if key[1] and len(have[key]) != forms_of(language):
+                problems.append(f"{language}: “{key[0]}” needs {forms_of(language)} forms")
             for form in have[key]:
                 problems += [f"{language}: “{key[0]}” {fault}: “{form}”" for fault in faults(*key, form)]
     for problem in problems:
@@ -226,8 +234,9 @@ def fill(language, path):
         key = (text.rstrip("\x01"), COUNTED if text.endswith("\x01") else "")
         forms = given if isinstance(given, list) else [given]
         wrong = [fault for form in forms for fault in faults(*key, form)] if key in wanted else ["is no key"]
-        if wrong or (key[1] and len(forms) != 2):
-            print(f"“{key[0]}”: {'; '.join(wrong) or 'needs two forms'}: {forms}")
+        count = forms_of(language) if key[1] else 1
+        if wrong or len(forms) != count:
+            print(f"“{key[0]}”: {'; '.join(wrong) or f'needs {count} forms'}: {forms}")
             refused += 1
         else:
             have[key] = forms

@@ -5,7 +5,6 @@
 #include <QHash>
 #include <QString>
 
-#include <functional>
 #include <optional>
 
 // The list of a backup's files, by which it is known later whether they still are what was backed up. One line of JSON

@@ -10,6 +10,10 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
 namespace {
 constexpr std::chrono::minutes between(1);
 constexpr qint64 untilTriedAgain = 3600; // seconds
@@ -25,6 +29,12 @@ BackupSchedule::BackupSchedule(tamberin_AppDelegate &delegate) : m_delegate(dele
 QString BackupSchedule::directory()
 {
     return ZQUserDefaults::standardUserDefaults().stringForKey(directoryKey);
+}
+
+int BackupSchedule::keptCount()
+{
+    const qint64 keep = ZQUserDefaults::standardUserDefaults().integerForKey(keepKey);
+    return int(std::clamp<qint64>(keep, 0, mostKept));
 }
 
 std::optional<BackupRecord> BackupSchedule::last() const
@@ -47,10 +57,15 @@ ZQError BackupSchedule::backUpNow()
     if (!refusal.isNull()) {
         return refusal;
     }
-    const qint64 keep = ZQUserDefaults::standardUserDefaults().integerForKey(keepKey);
-    constexpr qint64 most = 10000;
-    m_work.start({directory(), int(std::clamp<qint64>(keep, 0, most)), false});
-    return {};
+    if (m_work.isRunning()) {
+        return ZQError::with(LibraryBackup::errorDomain, EBUSY,
+                             zqFormat(zqLocalized("Another backup into the folder “%@” is under way."), {directory()}),
+                             zqLocalized("Wait until it is done, then try again."));
+    }
+    const bool hasBegun = m_work.start({.directory = directory(), .keep = keptCount()});
+    return hasBegun ? ZQError()
+                    : ZQError::with(LibraryBackup::errorDomain, LibraryBackup::LibraryGone,
+                                    zqLocalized("The library is not open."));
 }
 
 ZQError BackupSchedule::refusalByItself(const QString &directory, const QString &library)
@@ -81,7 +96,7 @@ void BackupSchedule::look()
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const bool isWaiting = m_notBefore.isValid() && now < m_notBefore && m_notBefore <= now.addSecs(untilTriedAgain);
     if (days <= 0 || directory().isEmpty() || isWaiting || m_work.isRunning() || m_delegate.isTerminating() ||
-        !isIdle()) {
+        !m_delegate.persistentStoreCoordinator() || !isIdle()) {
         return;
     }
     if (!isDue(m_lastEnded, now, days)) {

@@ -17,6 +17,8 @@ public:
 
     BackupWork &work() { return m_work; }
     static QString directory(); // empty: none was chosen
+    static int keptCount();     // 0: all
+    static constexpr int mostKept = 10000;
     // Why nothing began, localized; null when it did.
     ZQError backUpNow();
     std::optional<BackupRecord> last() const; // reads the disk

@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <stop_token>
 
 class ZQPersistentStoreCoordinator;

@@ -13,7 +13,6 @@
 #include <QStorageInfo>
 
 #include <algorithm>
-#include <cerrno>
 #include <limits>
 
 namespace {
@@ -37,16 +36,6 @@ QStringList acceptedTypes()
             QString()};
 }
 
-bool writeWhole(const QByteArray &contents, const QString &path, ZQError *error)
-{
-    auto file = ZQNewFile::make(path, error);
-    if (file && !zqWriteAll(file->descriptor(), contents.constData(), contents.size())) {
-        zqSetError(error, ZQError::posix(errno, path));
-        return false;
-    }
-    return file && file->place(error);
-}
-
 ZQHTTPResponse fromAddress(const QString &address, const QString &path, qint64 room)
 {
     ZQHTTPResponse response;
@@ -54,7 +43,7 @@ ZQHTTPResponse fromAddress(const QString &address, const QString &path, qint64 r
     if (!data) {
         return response;
     }
-    if (ZQError error; !writeWhole(data->contents, path, &error)) {
+    if (ZQError error; !zqWriteNewFile(path, data->contents, &error)) {
         response.error = ZQTransferError::cannotWrite(path, error);
         return response;
     }

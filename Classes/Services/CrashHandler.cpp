@@ -86,7 +86,7 @@ int openReport(std::time_t now)
     at = appended(at, std::uint64_t(now), end);
     at = appended(at, "-", end);
     at = appended(at, std::uint64_t(process), end);
-    appended(at, ".new", end); // `newSuffix`
+    appended(at, CrashHandler::newSuffix, end);
     return ::open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
 }
 

@@ -12,6 +12,6 @@ namespace CrashHandler {
 // Into `folder`, which is there. False: nothing can be written there, or it is installed already; nothing was changed.
 bool install(const QString &folder, const QString &version);
 
-inline const QString newSuffix = QStringLiteral(".new"); // of a report that nobody has seen yet
+constexpr char newSuffix[] = ".new"; // of a report that nobody has seen yet
 
 } // namespace CrashHandler

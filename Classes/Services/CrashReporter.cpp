@@ -1,11 +1,11 @@
 #include "Classes/Services/CrashReporter.h"
 
-#include "Classes/Services/UpdateFeed.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Network/ZQHTTPTask.h"
 #include "Kit/Network/ZQNetworkError.h"
+#include "Kit/Network/ZQPrivateAddress.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QPointer>
@@ -50,7 +50,7 @@ void CrashReporter::showNew()
 QUrl CrashReporter::address()
 {
     const QUrl url(ZQUserDefaults::standardUserDefaults().stringForKey(QStringLiteral("CrashReportAddress")));
-    return UpdateFeed::mayGoTo(url) ? url : QUrl();
+    return zqIsSafeOnTheWay(url) ? url : QUrl();
 }
 
 ZQHTTPRequest CrashReporter::requestFor(const QString &text)
@@ -64,10 +64,10 @@ ZQHTTPRequest CrashReporter::requestFor(const QString &text)
     request.wholeTime = 60s;
     request.mayMoveBody = false;
     request.mayGoTo = [](const QUrl &url) {
-        return UpdateFeed::mayGoTo(url) ? ZQError()
-                                        : zqNetworkError(ZQNetworkErrorCode::NotAllowed,
-                                                         zqLocalized("The server of the reports leads to an address "
-                                                                     "that is not encrypted. Nothing was sent."));
+        return zqIsSafeOnTheWay(url) ? ZQError()
+                                     : zqNetworkError(ZQNetworkErrorCode::NotAllowed,
+                                                      zqLocalized("The server of the reports leads to an address "
+                                                                  "that is not encrypted. Nothing was sent."));
     };
     return request;
 }

@@ -13,6 +13,10 @@
 #include <algorithm>
 #include <cerrno>
 
+namespace {
+constexpr QLatin1StringView suffixOfNew(CrashHandler::newSuffix);
+} // namespace
+
 CrashReports::CrashReports(QString folder) : m_folder(std::move(folder)) {}
 
 QString CrashReports::usualFolder()
@@ -35,7 +39,7 @@ QList<CrashReports::Report> CrashReports::all() const
         const QRegularExpressionMatch match = form.match(file.fileName());
         if (match.hasMatch()) {
             reports.append({file.filePath(), QDateTime::fromSecsSinceEpoch(match.captured(1).toLongLong()),
-                            file.fileName().endsWith(CrashHandler::newSuffix)});
+                            file.fileName().endsWith(suffixOfNew)});
         }
     }
     std::sort(reports.begin(), reports.end(),
@@ -60,7 +64,7 @@ void CrashReports::removeOld() const
 bool CrashReports::setSeen(const Report &report) const
 {
     return !report.isNew ||
-           zqMoveNoReplace(report.path, report.path.chopped(CrashHandler::newSuffix.size()) + QStringLiteral(".txt"));
+           zqMoveNoReplace(report.path, report.path.chopped(suffixOfNew.size()) + QStringLiteral(".txt"));
 }
 
 bool CrashReports::remove(const Report &report, ZQError *error) const

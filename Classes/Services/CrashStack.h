@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 class CrashText;
 
 // The places in the program that led to a fault, as "module+0xoffset": the name of the module's file without its

@@ -33,7 +33,7 @@ ZQHTTPRequest requestFor(const UpdateCheck::Settings &settings)
     request.wholeTime = 40s;
     request.mostRedirects = 3;
     request.mayGoTo = [](const QUrl &url) {
-        return UpdateFeed::mayGoTo(url)
+        return zqIsSafeOnTheWay(url)
                    ? ZQError()
                    : ZQError::with(UpdateFeed::errorDomain, UpdateFeed::NotAFeed,
                                    zqLocalized("The server of the announcements leads to an address that is not "

@@ -2,6 +2,7 @@
 
 #include "Classes/Services/UpdateFeed.h"
 #include "Kit/Network/ZQHTTPTask.h"
+#include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QByteArray>
 #include <QString>
@@ -32,7 +33,7 @@ public:
         QString channel; // "release", "beta" or "test"
         QByteArray publicKey;
         QString version; // that runs
-        bool isComplete() const { return UpdateFeed::mayGoTo(feed) && !publicKey.isEmpty(); }
+        bool isComplete() const { return zqIsSafeOnTheWay(feed) && !publicKey.isEmpty(); }
     };
     // For a place below the address of the feeds, as "updates/beta/feed.json": the address and the key are those that
     // the program was built with, or what the preferences "UpdateFeedAddress" and "UpdateKey" (Base64) name instead.

@@ -49,7 +49,7 @@ std::optional<UpdateFeed> announced(const QJsonObject &said)
     const auto number = UpdateVersion::parse(text("version"));
     const QDateTime date = QDateTime::fromString(text("date"), Qt::ISODate).toUTC();
     const QUrl page(text("page"), QUrl::StrictMode);
-    if (!number || !date.isValid() || !UpdateFeed::mayGoTo(page)) {
+    if (!number || !date.isValid() || !zqIsSafeOnTheWay(page)) {
         return std::nullopt;
     }
     return UpdateFeed{*number, text("version"), date, page, text("notes").left(longestNotes)};
@@ -85,11 +85,4 @@ std::optional<UpdateFeed> UpdateFeed::read(const QByteArray &bytes, const Expect
         return fail(Older);
     }
     return feed;
-}
-
-bool UpdateFeed::mayGoTo(const QUrl &url)
-{
-    const bool isHere =
-        url.scheme() == QStringLiteral("http") && zqReachOfHostName(url.host()) == ZQAddressReach::Machine;
-    return url.isValid() && !url.host().isEmpty() && (isHere || url.scheme() == QStringLiteral("https"));
 }

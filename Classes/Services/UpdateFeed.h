@@ -36,7 +36,4 @@ struct UpdateFeed
     };
     // Nothing, with an error for the person, where it is not that.
     static std::optional<UpdateFeed> read(const QByteArray &bytes, const Expected &expected, ZQError *error);
-
-    // Where a feed and a page may lie: encrypted, or on this machine.
-    static bool mayGoTo(const QUrl &url);
 };

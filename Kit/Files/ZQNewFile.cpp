@@ -54,3 +54,12 @@ bool ZQNewFile::place(ZQError *error)
     m_temporary.clear();
     return true;
 }
+
+bool zqWriteNewFile(const QString &path, const QByteArray &content, ZQError *error)
+{
+    auto file = ZQNewFile::make(path, error);
+    if (file && !zqWriteAll(file->descriptor(), content.constData(), content.size())) {
+        return zqFailWithErrno(error, QFile::encodeName(path));
+    }
+    return file && file->place(error);
+}

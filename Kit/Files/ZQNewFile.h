@@ -27,3 +27,6 @@ private:
     QByteArray m_temporary; // empty: there is nothing to remove
     ZQFileDescriptor m_file;
 };
+
+// One with this content, of which nothing is left when that fails. Not flushed to disk.
+bool zqWriteNewFile(const QString &path, const QByteArray &content, ZQError *error);

@@ -141,3 +141,9 @@ ZQAddressReach zqReachOfHostName(const QString &host)
     }
     return name.contains(u'.') ? ZQAddressReach::Everybody : ZQAddressReach::Network;
 }
+
+bool zqIsSafeOnTheWay(const QUrl &url)
+{
+    const bool isHere = url.scheme() == u"http" && zqReachOfHostName(url.host()) == ZQAddressReach::Machine;
+    return url.isValid() && !url.host().isEmpty() && (isHere || url.scheme() == u"https");
+}

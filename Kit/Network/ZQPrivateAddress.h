@@ -2,6 +2,7 @@
 
 #include <QHostAddress>
 #include <QString>
+#include <QUrl>
 
 // Who can be reached at an address, as seen from this machine: what a stranger's page names must not lead to services
 // that answer only the machine or the network it stands in. Any thread.
@@ -23,3 +24,6 @@ inline bool zqIsPrivateHostName(const QString &host)
 {
     return zqReachOfHostName(host) != ZQAddressReach::Everybody;
 }
+
+// Whether nobody on the way can read or change what goes to and comes from it: https, or http within this machine.
+bool zqIsSafeOnTheWay(const QUrl &url);

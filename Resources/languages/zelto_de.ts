@@ -5250,6 +5250,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Die Bibliothek liegt in „%@“ und würde es ersetzen.</translation>
     </message>
     <message>
+        <source>The library is not open.</source>
+        <translation>Die Bibliothek ist nicht geöffnet.</translation>
+    </message>
+    <message>
         <source>The library is not open. Open it and add the folder again.</source>
         <translation>Die Bibliothek ist nicht geöffnet. Öffnen Sie sie, und fügen Sie den Ordner noch einmal hinzu.</translation>
     </message>

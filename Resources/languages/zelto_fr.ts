@@ -5250,6 +5250,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>La bibliothèque se trouve dans « %@ », qu’elle remplacerait.</translation>
     </message>
     <message>
+        <source>The library is not open.</source>
+        <translation>La bibliothèque n’est pas ouverte.</translation>
+    </message>
+    <message>
         <source>The library is not open. Open it and add the folder again.</source>
         <translation>La bibliothèque n’est pas ouverte. Ouvrez-la et ajoutez de nouveau le dossier.</translation>
     </message>

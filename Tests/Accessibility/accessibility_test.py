@@ -1,10 +1,12 @@
 """What a screen reader finds of the window, and what a keyboard alone reaches: accessibility_test.py ZELTO [TEST…]"""
-import struct
 import sys
 import unittest
-import zlib
+from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.append(str(Path(__file__).resolve().parents[1] / "Support"))
 import desktop
+from pictures import png
 
 desktop.enter()
 
@@ -17,15 +19,6 @@ State = Atspi.StateType
 Role = Atspi.Role
 WITHOUT_MEANING = (Role.FILLER, Role.UNKNOWN, Role.PANEL, Role.INVALID, Role.REDUNDANT_OBJECT)
 MENU_ROLES = (Role.MENU_ITEM, Role.CHECK_MENU_ITEM, Role.RADIO_MENU_ITEM, Role.MENU)
-
-
-def png(width, color):
-    def chunk(kind, data):
-        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-
-    rows = (b"\0" + bytes(color) * width) * width
-    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, width, 8, 2, 0, 0, 0)) +
-            chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
 def has(thing, state):
@@ -62,7 +55,7 @@ class Accessibility(unittest.TestCase):
         cls.desktop = desktop.Desktop(sys.argv[1], {})
         try:
             for number, color in enumerate(((200, 40, 40), (40, 160, 60), (60, 80, 200))):
-                (cls.desktop.home / f"picture {number}.png").write_bytes(png(40 + number, color))
+                (cls.desktop.home / f"picture {number}.png").write_bytes(png([bytes(color) * (40 + number)] * (40 + number)))
             cls.desktop.command("import", *(str(cls.desktop.home / f"picture {n}.png") for n in range(3)))
             cls.desktop.open_window()
             cls.application = desktop.wait_for(cls.find_application, "the program on the bus")

@@ -1,18 +1,16 @@
 """A page of the web with images in all the ways a page can have them, served on this machine."""
 import http.server
-import struct
+import pathlib
+import sys
 import threading
 import zlib
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "Support"))
+import pictures
+
 
 def png(width, height, colour):
-    rows = b"".join(b"\0" + bytes(colour) * width for _ in range(height))
-
-    def chunk(name, data):
-        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
-
-    header = struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)
-    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+    return pictures.png([bytes(colour) * width] * height)
 
 
 DRAWING = b'<svg xmlns="http://www.w3.org/2000/svg" width="320" height="200"><rect width="320" height="200" fill="teal"/></svg>'

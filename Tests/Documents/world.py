@@ -1,20 +1,17 @@
 """A scratch place in which the program keeps all it writes, and files for it."""
 import os
-import struct
 import subprocess
+import sys
 import tempfile
-import zlib
 from pathlib import Path
+
+sys.path.append(str(Path(__file__).resolve().parents[1] / "Support"))
+import pictures
 
 
 def png(width, height, color):
     """A picture of one colour with a diagonal, so that no two sizes are alike."""
-    def chunk(kind, data):
-        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-
-    rows = b"".join(b"\0" + b"".join(bytes(color) if x != y else b"\xff\xff\xff" for x in range(width)) for y in range(height))
-    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)) +
-            chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+    return pictures.png([b"".join(bytes(color) if x != y else b"\xff\xff\xff" for x in range(width)) for y in range(height)])
 
 
 def lasting_folder():

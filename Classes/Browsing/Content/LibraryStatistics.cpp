@@ -55,15 +55,13 @@ LibraryStatistics::LibraryStatistics(ZQManagedObjectContext &context, const QStr
 {
 }
 
-std::optional<LibraryNumbers> LibraryStatistics::count(bool withSizes, ZQError *error, const std::stop_token &stop,
-                                                       const Progress &didCount)
+std::optional<LibraryNumbers> LibraryStatistics::count(bool withSizes, ZQError *error, const std::stop_token &stop)
 {
     m_numbers = {};
     m_isActive.clear();
     m_kinds.clear();
     m_itemsOfFolder.clear();
-    if (!countItems(error) || !countUntagged(error) || !countFolders(error) ||
-        (withSizes && !addSizes(error, stop, didCount))) {
+    if (!countItems(error) || !countUntagged(error) || !countFolders(error) || (withSizes && !addSizes(error, stop))) {
         return std::nullopt;
     }
     m_numbers.kinds = m_kinds.values();
@@ -178,7 +176,7 @@ bool LibraryStatistics::countFolders(ZQError *error)
     return true;
 }
 
-bool LibraryStatistics::addSizes(ZQError *error, const std::stop_token &stop, const Progress &didCount)
+bool LibraryStatistics::addSizes(ZQError *error, const std::stop_token &stop)
 {
     const qint64 end = qint64(m_isActive.size());
     constexpr qint64 atATime = 2048; // the disk is slow, and the store must not wait for it
@@ -230,9 +228,6 @@ bool LibraryStatistics::addSizes(ZQError *error, const std::stop_token &stop, co
                 std::pop_heap(largest.begin(), largest.end(), bySize);
                 largest.pop_back();
             }
-        }
-        if (didCount) {
-            didCount(std::min(first + atATime, end), end);
         }
     }
     std::sort(largest.begin(), largest.end(), bySize);

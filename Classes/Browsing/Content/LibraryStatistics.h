@@ -8,7 +8,6 @@
 #include <QStringList>
 
 #include <array>
-#include <functional>
 #include <map>
 #include <optional>
 #include <stop_token>
@@ -47,23 +46,21 @@ struct LibraryNumbers
 
 // Counts it in one pass over the rows, and, for the sizes, with one look at each file. A million items take seconds
 // without sizes; with them, what the disk needs for two million looks. No objects are made. On the thread of
-// `context`; its thread's ZQCancellation ends it.
+// `context`. What is asked of the store ends with the thread's ZQCancellation, the looks at files with `stop`.
 class LibraryStatistics
 {
 public:
     // `libraryDirectory`: where the item directories lie.
     LibraryStatistics(ZQManagedObjectContext &context, const QString &libraryDirectory);
 
-    using Progress = std::function<void(qint64 done, qint64 total)>; // keys of items whose sizes are known
     // Nothing after an error.
-    std::optional<LibraryNumbers> count(bool withSizes, ZQError *error, const std::stop_token &stop = {},
-                                        const Progress &didCount = {});
+    std::optional<LibraryNumbers> count(bool withSizes, ZQError *error, const std::stop_token &stop = {});
 
 private:
     bool countItems(ZQError *error);
     bool countUntagged(ZQError *error);
     bool countFolders(ZQError *error);
-    bool addSizes(ZQError *error, const std::stop_token &stop, const Progress &didCount);
+    bool addSizes(ZQError *error, const std::stop_token &stop);
     void countDuplicates(std::vector<std::array<quint8, 20>> &digests);
 
     ZQManagedObjectContext &m_context;

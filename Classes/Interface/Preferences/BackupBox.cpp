@@ -17,6 +17,8 @@
 #include <QSignalBlocker>
 #include <QSpinBox>
 
+#include <algorithm>
+
 BackupBox::BackupBox(tamberin_AppDelegate &delegate, BackupSchedule &backups, PreferencesPane &pane, QWidget *parent)
     : QWidget(parent), m_delegate(delegate), m_backups(backups), m_pane(pane), m_directory(new QLabel(this)),
       m_last(new QLabel(this)), m_state(new QLabel(this)), m_backUp(new QPushButton(this)), m_keep(new QSpinBox(this)),
@@ -69,7 +71,7 @@ void BackupBox::addSettings()
     connect(choose, &QPushButton::clicked, this, &BackupBox::chooseDirectory);
     connect(m_backUp, &QPushButton::clicked, this, &BackupBox::backUpOrStop);
 
-    m_keep->setRange(0, 10000);
+    m_keep->setRange(0, BackupSchedule::mostKept);
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
     m_keep->setButtonSymbols(QSpinBox::NoButtons); // the theme draws none
@@ -101,7 +103,7 @@ void BackupBox::showSettings()
 {
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     const QSignalBlocker quiet(m_keep); // nobody chose it
-    m_keep->setValue(int(std::clamp<qint64>(defaults.integerForKey(BackupSchedule::keepKey), 0, m_keep->maximum())));
+    m_keep->setValue(BackupSchedule::keptCount());
     m_interval->setCurrentIndex(
         std::max(0, m_interval->findData(int(defaults.integerForKey(BackupSchedule::intervalKey)))));
 }

@@ -45,15 +45,16 @@ void ServicesPane::setLaunchAtLogin(bool isOn)
 void ServicesPane::addUpdates()
 {
     addHeading(zqLocalized("NEW VERSIONS"));
-    m_updates = {addSwitch(SoftwareUpdater::checksKey, zqLocalized("&Look for new versions once a day"),
-                           zqLocalized("Nothing about you or your library is sent, and nothing is installed.")),
-                 addSwitch(betaKey, zqLocalized("Take part in &beta versions")),
-                 addButtonRow(zqLocalized("Check for &Updates..."), [] {
+    QCheckBox *const looks =
+        addSwitch(SoftwareUpdater::checksKey, zqLocalized("&Look for new versions once a day"),
+                  zqLocalized("Nothing about you or your library is sent, and nothing is installed."));
+    QCheckBox *const takesBeta = addSwitch(betaKey, zqLocalized("Take part in &beta versions"));
+    m_updates = {looks, takesBeta, addButtonRow(zqLocalized("Check for &Updates..."), [] {
                      if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
                          updater->checkForUpdates();
                      }
                  })};
-    connect(qobject_cast<QCheckBox *>(m_updates[1]), &QCheckBox::toggled, this, [] {
+    connect(takesBeta, &QCheckBox::toggled, this, [] {
         if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
             updater->configure(Launch::appCastURL(false));
         }

@@ -17,16 +17,6 @@ namespace {
 constexpr int closeCode = 1;
 constexpr auto longToRead = std::chrono::seconds(5);
 
-bool writeNew(const QString &path, const QByteArray &bytes, ZQError *error)
-{
-    auto file = ZQNewFile::make(path, error);
-    if (!file) {
-        return false;
-    }
-    return zqWriteAll(file->descriptor(), bytes.constData(), bytes.size()) ? file->place(error)
-                                                                           : zqFailWithErrno(error, path.toLocal8Bit());
-}
-
 } // namespace
 
 CrashReportSheet::CrashReportSheet(QWidget *window, UserInteraction &user, const QString &text)
@@ -89,7 +79,7 @@ void CrashReportSheet::save()
                                                .startFolder = {},
                                                .extensions = {QStringLiteral("txt")}});
     ZQError error;
-    if (path && !writeNew(*path, m_text.toUtf8(), &error)) {
+    if (path && !zqWriteNewFile(*path, m_text.toUtf8(), &error)) {
         m_user.presentError(error);
     }
 }

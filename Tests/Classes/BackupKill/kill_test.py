@@ -4,7 +4,11 @@ backup leaves nothing of those that were cut off.
 
 kill_test.py ZELTO ROUNDS [SEED]; exit status 1 also where fewer than a third of the kills interrupted anything.
 """
-import glob, json, os, random, shutil, signal, struct, subprocess, sys, tempfile, time, zlib
+import glob, json, os, random, shutil, signal, subprocess, sys, tempfile, time
+
+sys.dont_write_bytecode = True
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../Support"))
+from pictures import png
 
 FILES = 300
 zelto, rounds, seed = sys.argv[1], int(sys.argv[2]), int(sys.argv[3]) if len(sys.argv) > 3 else 1
@@ -21,14 +25,9 @@ made = 0
 def write():
     global made
     made += 1
-
-    def chunk(kind, data):
-        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-    row = b"\0" + bytes([made % 256, made // 256, 90]) * 16
     path = f"{world}/in/{made}.png"
     with open(path, "wb") as out:
-        out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", 16, 16, 8, 2, 0, 0, 0))
-                  + chunk(b"IDAT", zlib.compress(row * 16)) + chunk(b"IEND", b""))
+        out.write(png([bytes([made % 256, made // 256, 90]) * 16] * 16))
     return path
 
 

@@ -5,6 +5,7 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQFolderIdentity.h"
 #include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 #include "Tests/Classes/Command/CommandFixture.h"
@@ -12,6 +13,7 @@
 
 #include <QSet>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -372,6 +374,26 @@ TEST_F(BackupTest, BeginsByItselfOnlyWhereItsFolderIs)
     ASSERT_TRUE(QDir().mkpath(folder()));
     EXPECT_TRUE(BackupSchedule::refusalByItself(backups(), name).isNull());
     defaults.removeObjectForKey(BackupSchedule::madeInKey);
+}
+
+TEST_F(BackupTest, SaysWhyNoneBeginsWhereThePersonAsksForOne)
+{
+    auto &defaults = ZQUserDefaults::standardUserDefaults();
+    BackupSchedule schedule(*delegate);
+    EXPECT_FALSE(schedule.backUpNow().isNull()) << "no folder was chosen";
+    defaults.setObjectForKey(backups(), BackupSchedule::directoryKey);
+    for (const auto &[set, kept] : {std::pair(-3, 0), std::pair(2, 2), std::pair(1 << 30, BackupSchedule::mostKept)}) {
+        defaults.setObjectForKey(set, BackupSchedule::keepKey);
+        EXPECT_EQ(BackupSchedule::keptCount(), kept);
+    }
+    const ZQError error = schedule.backUpNow();
+    EXPECT_TRUE(error.isNull()) << error.localizedDescription().toStdString();
+    EXPECT_EQ(schedule.backUpNow().code, EBUSY);
+    zqRunMainLoopUntil([&schedule] { return !schedule.work().isRunning(); });
+    EXPECT_FALSE(schedule.work().result().path.isEmpty());
+    for (const QString &key : {BackupSchedule::directoryKey, BackupSchedule::keepKey, BackupSchedule::madeInKey}) {
+        defaults.removeObjectForKey(key);
+    }
 }
 
 TEST_F(BackupTest, LeavesRoomForOthersOnItsDisk)

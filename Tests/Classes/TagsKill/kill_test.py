@@ -5,7 +5,11 @@ kill_test.py ZELTO ROUNDS [SEED]; exit status 77 where the file system keeps no 
 skipped (ZELTO_TESTS_MUST_NOT_SKIP) or where fewer than a third of the kills came while there was something to
 interrupt.
 """
-import json, os, plistlib, random, shutil, signal, struct, subprocess, sys, tempfile, time, unicodedata, zlib
+import json, os, plistlib, random, shutil, signal, subprocess, sys, tempfile, time, unicodedata
+
+sys.dont_write_bytecode = True
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../Support"))
+from pictures import png
 
 ITEMS = 150
 zelto, rounds, seed = sys.argv[1], int(sys.argv[2]), int(sys.argv[3]) if len(sys.argv) > 3 else 1
@@ -18,12 +22,8 @@ os.mkdir(f"{world}/run", 0o700)
 
 
 def picture(path, value):
-    def chunk(kind, data):
-        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-    row = b"\0" + bytes([value % 256, value // 256, 90]) * 16
     with open(path, "wb") as out:
-        out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", 16, 16, 8, 2, 0, 0, 0))
-                  + chunk(b"IDAT", zlib.compress(row * 16)) + chunk(b"IEND", b""))
+        out.write(png([bytes([value % 256, value // 256, 90]) * 16] * 16))
 
 
 def command(*arguments):

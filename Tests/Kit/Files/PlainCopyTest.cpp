@@ -1,4 +1,5 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQNewFile.h"
 #include "Kit/Files/ZQPlainCopy.h"
 #include "Tests/Kit/Files/Scratch.h"
 #include "Tests/Support/FileSizeLimit.h"
@@ -161,4 +162,23 @@ TEST_F(PlainCopy, LeavesNothingBehindWhenItFails)
     EXPECT_FALSE(zqCopyPlainly(large, place + QStringLiteral("/full"), &error));
     EXPECT_EQ(error.code, ENOSPC);
     EXPECT_TRUE(namesIn(place).isEmpty());
+}
+
+TEST_F(PlainCopy, ContentIsWrittenWholeAndOverNothing)
+{
+    const QString place = folder(QStringLiteral("place"));
+    const QString there = place + QStringLiteral("/there");
+    ZQError error;
+    EXPECT_TRUE(zqWriteNewFile(there, "first", &error)) << error.localizedDescription().toStdString();
+    EXPECT_FALSE(zqWriteNewFile(there, "second", &error));
+    EXPECT_EQ(error.code, EEXIST);
+    EXPECT_EQ(read(there), QByteArray("first"));
+    {
+        const FileSizeLimit limit(1 << 20);
+        EXPECT_FALSE(zqWriteNewFile(place + QStringLiteral("/large"), QByteArray(3 << 20, 'x'), &error));
+        EXPECT_EQ(error.code, EFBIG);
+    }
+    EXPECT_FALSE(zqWriteNewFile(path(QStringLiteral("gone/a")), "x", &error));
+    EXPECT_EQ(error.code, ENOENT);
+    EXPECT_EQ(namesIn(place), QStringList{QStringLiteral("there")});
 }

@@ -102,6 +102,30 @@ TEST(PrivateAddressTest, AHostNameIsKnownByWhatResolversMakeOfItsSpelling)
     }
 }
 
+TEST(PrivateAddressTest, OnlyWhatIsEncryptedOrStaysHereIsSafeOnTheWay)
+{
+    const struct
+    {
+        const char *url;
+        bool isSafe;
+    } cases[] = {{"https://example.org/a", true},
+                 {"http://example.org/a", false},
+                 {"http://127.0.0.1:80/", true},
+                 {"http://localhost/", true},
+                 {"http://[::1]/", true},
+                 {"http://192.168.1.2/", false},
+                 {"http://nas.local/", false},
+                 {"ftp://localhost/", false},
+                 {"file:///etc/passwd", false},
+                 {"https:///no-host", false},
+                 {"http:///no-host", false},
+                 {"https://a b/", false},
+                 {"", false}};
+    for (const auto &each : cases) {
+        EXPECT_EQ(zqIsSafeOnTheWay(QUrl(QString::fromLatin1(each.url))), each.isSafe) << each.url;
+    }
+}
+
 TEST(DataAddressTest, WhatStandsInAnAddressIsReadWithinItsLimits)
 {
     const auto base64 = ZQDataAddress::from(QStringLiteral("data:image/PNG;charset=x;base64,aGVs%0AbG8="), 5);
