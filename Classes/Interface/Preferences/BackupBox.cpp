@@ -70,6 +70,7 @@ void BackupBox::addSettings()
 
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     m_keep->setRange(0, 10000);
+    m_keep->setButtonSymbols(QAbstractSpinBox::NoButtons);
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
     m_keep->setValue(int(std::clamp<qint64>(defaults.integerForKey(BackupSchedule::keepKey), 0, 10000)));
@@ -159,4 +160,5 @@ void BackupBox::showLast()
                                     {locale.toString(last->ended.toLocalTime(), QLocale::ShortFormat),
                                      locale.formattedDataSize(last->bytes), locale.formattedDataSize(last->newBytes)})
                          : zqLocalized("There is no backup of this library in that folder."));
+    m_last->setVisible(last || !BackupSchedule::directory().isEmpty());
 }
