@@ -80,7 +80,7 @@ struct Entry
 QByteArray contentOf(const QString &path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(largest) : QByteArray();
+    return !path.isEmpty() && file.open(QIODevice::ReadOnly) ? file.read(largest) : QByteArray();
 }
 
 } // namespace

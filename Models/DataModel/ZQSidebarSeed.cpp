@@ -25,21 +25,22 @@ struct FixedEntry
 };
 
 const FixedEntry fixedEntries[] = {
-    {ZQSidebarKind::LibraryLabel, ZQSidebarBaseItem::entityName, "LIBRARY", noParent, 0, Label},
-    {ZQSidebarKind::Library, ZQSidebarLibrary::entityName, "Library", int(ZQSidebarKind::LibraryLabel), 0, Special},
-    {ZQSidebarKind::Recent, ZQSidebarRecent::entityName, "Recent", int(ZQSidebarKind::LibraryLabel), 1, Special},
-    {ZQSidebarKind::Screenshots, ZQSidebarScreenshot::entityName, "Screenshots", int(ZQSidebarKind::LibraryLabel), 2,
+    {ZQSidebarKind::LibraryLabel, ZQSidebarBaseItem::entityName, zqKey("LIBRARY"), noParent, 0, Label},
+    {ZQSidebarKind::Library, ZQSidebarLibrary::entityName, zqKey("Library"), int(ZQSidebarKind::LibraryLabel), 0,
      Special},
-    {ZQSidebarKind::ProjectsLabel, ZQSidebarFolder::entityName, "PROJECTS", noParent, 2, Label},
-    {ZQSidebarKind::WatchedFoldersLabel, ZQSidebarFolder::entityName, "LIVE FOLDERS", noParent, 3, Label},
-    {ZQSidebarKind::TagsLabel, ZQSidebarTag::entityName, "TAGS", noParent, 0, Label | Tag},
-    {ZQSidebarKind::SizesLabel, ZQSidebarTag::entityName, "SIZES", noParent, 1, Label | Tag},
-    {ZQSidebarKind::ColorsLabel, ZQSidebarTag::entityName, "COLORS", noParent, 2, Label | Tag},
+    {ZQSidebarKind::Recent, ZQSidebarRecent::entityName, zqKey("Recent"), int(ZQSidebarKind::LibraryLabel), 1, Special},
+    {ZQSidebarKind::Screenshots, ZQSidebarScreenshot::entityName, zqKey("Screenshots"),
+     int(ZQSidebarKind::LibraryLabel), 2, Special},
+    {ZQSidebarKind::ProjectsLabel, ZQSidebarFolder::entityName, zqKey("PROJECTS"), noParent, 2, Label},
+    {ZQSidebarKind::WatchedFoldersLabel, ZQSidebarFolder::entityName, zqKey("LIVE FOLDERS"), noParent, 3, Label},
+    {ZQSidebarKind::TagsLabel, ZQSidebarTag::entityName, zqKey("TAGS"), noParent, 0, Label | Tag},
+    {ZQSidebarKind::SizesLabel, ZQSidebarTag::entityName, zqKey("SIZES"), noParent, 1, Label | Tag},
+    {ZQSidebarKind::ColorsLabel, ZQSidebarTag::entityName, zqKey("COLORS"), noParent, 2, Label | Tag},
 };
 
-const char *const sizeTitles[] = {"icon", "small", "medium", "large", "vector"};
-const char *const colorTitles[] = {"white",  "black", "gray", "red",    "orange",
-                                   "yellow", "green", "blue", "purple", "pink"};
+const char *const sizeTitles[] = {zqKey("icon"), zqKey("small"), zqKey("medium"), zqKey("large"), zqKey("vector")};
+const char *const colorTitles[] = {zqKey("white"),  zqKey("black"), zqKey("gray"), zqKey("red"),    zqKey("orange"),
+                                   zqKey("yellow"), zqKey("green"), zqKey("blue"), zqKey("purple"), zqKey("pink")};
 
 constexpr float libraryZoom = 0.445F;
 constexpr auto sortByImportDate = qint16(ZQSortValue::ImportDate);

@@ -2002,7 +2002,7 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     </message>
     <message>
         <source>Drop folders here, or press +</source>
-        <translation>Ordner hier ablegen oder + drücken</translation>
+        <translation>Ordner ablegen oder + wählen</translation>
     </message>
     <message>
         <source>Drop images here, or press Ctrl+I</source>
@@ -3846,6 +3846,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>PNG-Bild</translation>
     </message>
     <message>
+        <source>PROJECTS</source>
+        <translation>PROJEKTE</translation>
+    </message>
+    <message>
         <source>Package</source>
         <translation>Paket</translation>
     </message>
@@ -4276,6 +4280,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>SIDEBAR</source>
         <translation>SEITENLEISTE</translation>
+    </message>
+    <message>
+        <source>SIZES</source>
+        <translation>GRÖSSEN</translation>
     </message>
     <message>
         <source>SVG %@ is not a valid image</source>

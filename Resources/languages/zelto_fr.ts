@@ -2002,7 +2002,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Drop folders here, or press +</source>
-        <translation>Déposez des dossiers ici ou appuyez sur +</translation>
+        <translation>Déposez des dossiers, ou +</translation>
     </message>
     <message>
         <source>Drop images here, or press Ctrl+I</source>
@@ -3846,6 +3846,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Image PNG</translation>
     </message>
     <message>
+        <source>PROJECTS</source>
+        <translation>PROJETS</translation>
+    </message>
+    <message>
         <source>Package</source>
         <translation>Paquet</translation>
     </message>
@@ -4276,6 +4280,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>SIDEBAR</source>
         <translation>BARRE LATÉRALE</translation>
+    </message>
+    <message>
+        <source>SIZES</source>
+        <translation>TAILLES</translation>
     </message>
     <message>
         <source>SVG %@ is not a valid image</source>

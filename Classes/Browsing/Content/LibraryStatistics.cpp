@@ -262,8 +262,9 @@ QStringList LibraryNumbers::lines() const
         for (const Named &named : list.mid(0, shownRows)) {
             const QString size = hasSizes && named.bytes > 0 ? locale.formattedDataSize(named.bytes) : QString();
             const QString number = isBySize ? size : locale.toString(named.items);
-            result.append(isBySize || size.isEmpty() ? zqFormat(zqLocalized("%@: %@"), {named.name, number})
-                                                     : zqFormat(zqLocalized("%@: %@, %@"), {named.name, number, size}));
+            result.append(isBySize || size.isEmpty()
+                              ? zqFormat(zqLocalized("%@: %@"), {named.name, number})
+                              : zqFormat(zqLocalized("%@: %@ (%@)"), {named.name, number, size}));
         }
     };
     addList(zqLocalized("Kinds"), kinds, false);

@@ -105,7 +105,10 @@ void Sheet::place()
 {
     const int top = ZQMeasure::toolbarHeight + 1;
     m_cover->setGeometry(0, top, m_window->width(), m_window->height() - top);
-    const int width = std::min(m_width, m_window->width() - 40);
+    // Buttons of other languages may need more than what suits the text.
+    const QMargins margins = layout()->contentsMargins();
+    const int needed = m_footer->minimumSize().width() + margins.left() + margins.right();
+    const int width = std::min(std::max(m_width, needed), m_window->width() - 40);
     setFixedWidth(width);
     layout()->activate();
     const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
