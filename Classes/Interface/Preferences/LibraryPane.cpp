@@ -14,7 +14,10 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
+
+#include <algorithm>
 
 LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, BackupSchedule &backups, QWidget *parent)
     : PreferencesPane(zqLocalized("Advanced"), parent), m_delegate(delegate), m_deep(new QCheckBox(this)),
@@ -55,7 +58,7 @@ LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, BackupSchedule &backups
     m_findings->setReadOnly(true);
     m_findings->setTabChangesFocus(true);
     m_findings->setAccessibleName(zqLocalized("What was found"));
-    m_findings->setMinimumHeight(150);
+    m_findings->setMinimumHeight(100);
     m_findings->hide();
     column()->addWidget(m_findings);
     m_advice->setText(zqLocalized("A missing file comes back from a backup: copy it to where it was, under its name. A "
@@ -135,4 +138,10 @@ void LibraryPane::showFindings(const LibraryFindings &findings)
     m_findings->setVisible(lines.size() > 1);
     m_findings->setPlainText(lines.mid(1).join(u'\n'));
     m_advice->setVisible(!findings.problems.isEmpty());
+    // What was found would press the rest of the pane together.
+    layout()->activate();
+    const int missing = layout()->totalHeightForWidth(width()) - height();
+    if (missing > 0 && m_findings->isVisible()) {
+        window()->resize(window()->width(), std::min(window()->height() + missing, screen()->availableSize().height()));
+    }
 }

@@ -64,6 +64,22 @@ TEST_F(SheetsTest, CommandsOfTheWindowRestWhileItIsAsked)
     window.removeAction(&disabled);
 }
 
+TEST_F(SheetsTest, LongButtonsAreShownWhole)
+{
+    UserQuestion question;
+    question.buttons = {QStringLiteral("What other languages say at some length"),
+                        QStringLiteral("And once more at length"), QStringLiteral("Cancel")};
+    when<Sheet>([&](Sheet &sheet) {
+        EXPECT_GT(sheet.width(), 460);
+        for (const QString &text : std::as_const(question.buttons)) {
+            const QAbstractButton *each = button(sheet, text.toLatin1());
+            EXPECT_GE(each->width(), each->sizeHint().width()) << text.toStdString();
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    });
+    QuestionSheet(&window, question).ask();
+}
+
 TEST_F(SheetsTest, HangsFromTheTopOfItsWindowAndGivesTheFocusBack)
 {
     QLineEdit before(&window);
