@@ -21,6 +21,8 @@
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStackedWidget>
 
 namespace {
@@ -39,7 +41,7 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSched
     setAttribute(Qt::WA_DeleteOnClose);
     setProperty(Sheet::hasOwnProperty, true);
     setWindowTitle(zqLocalized("Preferences"));
-    setMinimumSize(640, 540);
+    setMinimumSize(640, 320); // panes scroll, on a screen on which everything is drawn twice as large, too
     m_names->setObjectName(QStringLiteral("PaneNames"));
     m_names->setAccessibleName(zqLocalized("Panes"));
     m_names->setFixedWidth(namesWidth);
@@ -70,7 +72,7 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSched
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     m_names->setCurrentRow(std::clamp(int(defaults.integerForKey(paneKey)), 0, m_names->count() - 1));
     if (!zqRestoreGeometry(*this, defaults.dataForKey(geometryKey))) {
-        resize(760, 560);
+        resize(QSize(760, 560).boundedTo(screen()->availableSize()));
     }
     m_names->setFocus();
     auto *close = new QAction(this);
@@ -97,7 +99,14 @@ void PreferencesWindow::addPane(PreferencesPane *pane, const QString &icon)
     auto *name =
         new QListWidgetItem(ZQIcon::icon(icon, ZQColorRole::TextMuted, shown, shown), pane->accessibleName(), m_names);
     name->setSizeHint({0, ZQMeasure::rowHeight});
-    m_stack->addWidget(pane);
+    auto *scroll = new QScrollArea;
+    scroll->setFocusPolicy(Qt::NoFocus); // what is in the pane takes it, and is scrolled to
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(pane);
+    scroll->viewport()->setAutoFillBackground(false);
+    pane->setAutoFillBackground(false);
+    m_stack->addWidget(scroll);
+    m_panes.append(pane);
     connect(pane, &PreferencesPane::refused, this, [this](const ZQError &error) {
         m_bubble->showText(error.localizedDescription(), m_stack, false, PreferencesPane::refusalTime);
     });
@@ -105,9 +114,9 @@ void PreferencesWindow::addPane(PreferencesPane *pane, const QString &icon)
 
 void PreferencesWindow::showPane(const QString &objectName)
 {
-    for (int i = 0; i < m_stack->count(); ++i) {
-        if (m_stack->widget(i)->objectName() == objectName) {
-            m_names->setCurrentRow(i);
+    for (qsizetype i = 0; i < m_panes.size(); ++i) {
+        if (m_panes[i]->objectName() == objectName) {
+            m_names->setCurrentRow(int(i));
         }
     }
 }
@@ -120,8 +129,8 @@ void PreferencesWindow::verifyLibrary()
 
 void PreferencesWindow::preferenceDidChange(const QString &key)
 {
-    for (int i = 0; i < m_stack->count(); ++i) {
-        static_cast<PreferencesPane *>(m_stack->widget(i))->showPreference(key);
+    for (PreferencesPane *const pane : m_panes) {
+        pane->showPreference(key);
     }
 }
 

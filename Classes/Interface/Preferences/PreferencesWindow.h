@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQUserDefaults.h"
 
 #include <QDialog>
+#include <QList>
 #include <QPointer>
 
 class BackupSchedule;
@@ -38,7 +39,8 @@ private:
     QPointer<QWidget> m_mainWindow;
     QListWidget *m_names;
     LibraryPane *m_library = nullptr;
-    QStackedWidget *m_stack;
+    QStackedWidget *m_stack; // of what scrolls each pane
+    QList<PreferencesPane *> m_panes;
     ZQNotificationBubble *m_bubble;
     bool m_makesRoom = false;
     ZQUserDefaults::Token m_token;

@@ -104,7 +104,11 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const bool selected = option.state & QStyle::State_Selected;
     const QRectF box = QRectF(row).adjusted(rowMargin, 0.5, -rowMargin, -0.5);
     const bool focused = (option.state & QStyle::State_HasFocus) && option.widget && option.widget->hasFocus();
-    painter->setPen(focused ? QPen(zqColor(ZQColorRole::Accent), 1) : QPen(Qt::NoPen));
+    // With high contrast the ground of what is selected is near that of the others, for the text's sake.
+    const bool isOutlined = selected && ZQTheme::current().hasHighContrast();
+    painter->setPen(focused      ? QPen(zqColor(ZQColorRole::Accent), 1)
+                    : isOutlined ? QPen(zqColor(ZQColorRole::ControlBorder), 1)
+                                 : QPen(Qt::NoPen));
     painter->setBrush(selected                                   ? QBrush(zqColor(ZQColorRole::Select))
                       : (option.state & QStyle::State_MouseOver) ? QBrush(zqColor(ZQColorRole::Hover))
                                                                  : QBrush(Qt::NoBrush));

@@ -14,6 +14,7 @@
 #include "Kit/Widgets/ZQTheme.h"
 #include "Kit/Widgets/ZQWindowPlace.h"
 
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QSplitter>
 
@@ -82,7 +83,9 @@ void MainWindowController::showInToolbar()
 void MainWindowController::restoreGeometry()
 {
     if (!zqRestoreGeometry(*m_mainWindow, defaults().dataForKey(geometryKey))) {
-        m_mainWindow->resize(1280, 800);
+        const QScreen &screen = *m_mainWindow->screen();
+        const bool isEnlarged = screen.devicePixelRatio() > 1; // and holds less than it looks
+        m_mainWindow->resize(isEnlarged ? QSize(1280, 800).boundedTo(screen.availableSize()) : QSize(1280, 800));
     }
     m_splitter->restoreState(defaults().dataForKey(panesKey));
     m_splitter->setHandleWidth(1);

@@ -23,6 +23,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -74,7 +75,10 @@ protected:
         EXPECT_TRUE(waitFor([this] { return !preferences(); }));
     }
     QListWidget &names() { return *preferences()->findChild<QListWidget *>(); }
-    QWidget &pane() { return *preferences()->findChild<QStackedWidget *>()->currentWidget(); }
+    QWidget &pane()
+    {
+        return *qobject_cast<QScrollArea *>(preferences()->findChild<QStackedWidget *>()->currentWidget())->widget();
+    }
     void choose(const char *title)
     {
         names().setCurrentItem(names().findItems(QLatin1StringView(title), Qt::MatchExactly).value(0));
