@@ -130,7 +130,7 @@ class Accessibility(unittest.TestCase):
         desktop.wait_for(lambda: self.find(Role.PUSH_BUTTON, "Edit presets") or self.find(Role.CHECK_BOX, "Edit presets"),
                          "the export panel")
         self.check_tree("with the export panel")
-        self.desktop.press("ctrl+e")
+        self.desktop.press("ctrl+shift+i")
         self.focus_items()
 
     def test_every_pane_of_the_preferences_says_what_it_has(self):
@@ -173,7 +173,7 @@ class Accessibility(unittest.TestCase):
         self.focus_items()
 
         def rating():
-            self.desktop.press("Home")  # again, since on a busy machine one that comes before the window is active is nobody's
+            self.desktop.press("Home")
             return next((thing for thing in everything(self.application) if thing.get_role() == Role.SLIDER and
                          thing.get_name().startswith("Rating") and has(thing, State.SHOWING)), None)
 

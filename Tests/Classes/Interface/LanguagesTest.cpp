@@ -38,13 +38,15 @@ public:
     bool isEmpty() const override { return false; }
 };
 
-// What is called alike in all languages: addresses, places and tokens, keys, sizes, names of products and of formats.
+// What is called alike in all languages: addresses, places and tokens, keys, sizes, names of products and of formats;
+// and what the desktop calls types, in its own words.
 QString withoutData(QString text)
 {
     static const QRegularExpression data(
-        QStringLiteral(R"(https?://\S*|\{\w+\}|#\S+|\b(?:Ctrl|Alt|Shift|Super)\+\S+)"
-                       R"(|\d[\d.,]*\s?(?:[kKMGT]i?B|bytes|px)\b)"
+        QStringLiteral(R"(https?://\S*|\{\w+\}|#\S+(?: none)?|\b(?:Ctrl|Alt|Shift|Super)\+\S+)"
+                       R"(|\d[\d.,]*\s?(?:[kKMGT]i?B|bytes|px|mm)\b)"
                        R"(|\b(?:Zelto|CloudApp|Dropbox|Imgur|WebDAV|AM|PM|UTC|GMT)\b)"
+                       R"(|\b(?:PDF document|PNG image)\b)"
                        R"(|\b(?:jpe?g|jp2|png|gif|tiff?|bmp|psd|pdf|webp|avif|hei[cf]|jxl|svg|ico|icns|zip)\b)"),
         QRegularExpression::CaseInsensitiveOption);
     text.remove(data);

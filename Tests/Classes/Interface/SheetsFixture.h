@@ -74,7 +74,7 @@ protected:
     static QAbstractButton *button(const QWidget &in, const char *text)
     {
         for (QAbstractButton *each : in.findChildren<QAbstractButton *>()) {
-            if (each->text() == QLatin1StringView(text)) {
+            if (each->text() == QString::fromUtf8(text)) {
                 return each;
             }
         }
