@@ -15,6 +15,8 @@ WALLPAPERS = ["plasma-workspace-wallpapers", "ukui-wallpapers", "mate-background
 CUTOUTS = "tuxpaint-stamps-default"
 # Kits of parts that differ in little, and letters: nobody would call two of them different pictures or the same.
 NO_CUTOUTS = re.compile(r"/(symbols|clothes|houses|flags|hanukkah|body_parts|roadsigns|planets|cartoon)/")
+# White drawings on nothing, which show nothing as a JPEG.
+NO_WALLPAPERS = re.compile(r"/mate/abstract/(Arc-Colors-Transparent-Wallpaper|Flow|Gulp|Silk|Spring|Waves)\.png$")
 # One drawing in the colours of several editions, or with another word on it.
 SAME = [re.compile(pattern) for pattern in (r"Ubuntu-Mate-\w+-no-logo", r"MATE-Stripes", r"halloween/grave-")]
 COUNT = 300
@@ -25,7 +27,7 @@ PEERS = 24  # pictures that ImageMagick compares with each other
 FORMS = {
     "half size": (["-resize", "50%"], ""),
     "JPEG 40": (["-background", "white", "-flatten", "-quality", "40"], "jpg"),
-    "border": (["-bordercolor", "#20304a", "-border", "5%"], ""),
+    "border": (["-compose", "Copy", "-bordercolor", "#20304a", "-border", "5%"], ""),
     "brightness +15 %": (["-modulate", "115"], ""),
     "brightness -15 %": (["-modulate", "85"], ""),
     "greyscale": (["-colorspace", "Gray"], ""),
@@ -62,7 +64,7 @@ def chosen(samples):
     """300 files, one a picture: all wallpapers and samples, and cut-outs in an order that no folder rules."""
     drawn = [os.path.join(folder, name) for part in ("Photos", "Brand 2026/Logos") for folder, _, names in os.walk(f"{samples}/{part}") for name in names]
     found = {}
-    for path in files_of(WALLPAPERS) + sorted(drawn):
+    for path in [each for each in files_of(WALLPAPERS) if not NO_WALLPAPERS.search(each)] + sorted(drawn):
         key = group(path)
         if key not in found or os.path.getsize(path) > os.path.getsize(found[key]):
             found[key] = path

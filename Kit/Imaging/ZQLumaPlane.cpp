@@ -2,12 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace {
-
-constexpr int noise = 10; // what compression does to one shade
-constexpr int edge = 24;  // a fade has smaller steps than this between two pixels
 
 // A part of an axis: pixels first to last, the outer two perhaps in part.
 struct Span
@@ -50,59 +46,6 @@ ZQLumaPlane::ZQLumaPlane(const ZQBitmap &bitmap, quint8 ground)
             target[x] = quint8((luma * alpha + (base << 8) * (255 - alpha) + 32640) / 65280);
         }
     }
-}
-
-QRect ZQLumaPlane::sideTrimmed(const QRect &area, Qt::Edge side) const
-{
-    const bool isAcross = side == Qt::TopEdge || side == Qt::BottomEdge; // lines are rows
-    const bool isForward = side == Qt::TopEdge || side == Qt::LeftEdge;
-    const int lines = isAcross ? area.height() : area.width();
-    const int length = isAcross ? area.width() : area.height();
-    const auto pixel = [&](int line, int place) {
-        const int depth = isForward ? line : lines - 1 - line;
-        return int(isAcross ? at(area.left() + place, area.top() + depth)
-                            : at(area.left() + depth, area.top() + place));
-    };
-    const int shade = pixel(0, length / 2);
-    const auto strays = [&](int line, int tolerance) {
-        for (int place = 0; place < length; ++place) {
-            if (std::abs(pixel(line, place) - shade) > tolerance) {
-                return true;
-            }
-        }
-        return false;
-    };
-    int margin = 0;
-    while (margin < lines && !strays(margin, noise)) {
-        ++margin;
-    }
-    if (margin == 0 || margin == lines) {
-        return area;
-    }
-    // Scaling puts one line of a mixture between a margin and the picture.
-    const bool isSharp = strays(margin, edge) || (margin + 1 < lines && strays(margin + 1, edge));
-    if (!isSharp) {
-        return area;
-    }
-    switch (side) {
-    case Qt::TopEdge:
-        return area.adjusted(0, margin, 0, 0);
-    case Qt::BottomEdge:
-        return area.adjusted(0, 0, 0, -margin);
-    case Qt::LeftEdge:
-        return area.adjusted(margin, 0, 0, 0);
-    default:
-        return area.adjusted(0, 0, -margin, 0);
-    }
-}
-
-QRect ZQLumaPlane::withoutMargins() const
-{
-    QRect area = bounds();
-    for (const Qt::Edge side : {Qt::TopEdge, Qt::BottomEdge, Qt::LeftEdge, Qt::RightEdge}) {
-        area = sideTrimmed(area, side);
-    }
-    return area;
 }
 
 std::vector<float> ZQLumaPlane::averaged(const QRect &area, int size) const

@@ -1,6 +1,7 @@
 #include "Kit/Imaging/ZQPictureHash.h"
 
 #include "Kit/Imaging/ZQLumaPlane.h"
+#include "Kit/Imaging/ZQPictureFrame.h"
 
 #include <QtEndian>
 
@@ -59,7 +60,7 @@ std::array<float, ZQPictureHash::bitCount> transformed(const std::vector<float> 
 std::optional<ZQPictureHash> hashOnGround(const ZQBitmap &bitmap, quint8 ground)
 {
     const ZQLumaPlane plane(bitmap, ground);
-    const std::vector<float> square = plane.averaged(plane.withoutMargins(), side);
+    const std::vector<float> square = plane.averaged(zqWithoutFrame(bitmap), side);
     const auto [darkest, lightest] = std::minmax_element(square.begin(), square.end());
     if (*lightest - *darkest < leastRange) {
         return std::nullopt;

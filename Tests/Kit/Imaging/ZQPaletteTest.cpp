@@ -5,6 +5,7 @@
 #include "Tests/Kit/Imaging/DrawnPictures.h"
 
 #include <QDataStream>
+#include <QIODevice>
 
 #include <gtest/gtest.h>
 
@@ -173,10 +174,8 @@ TEST(ZQPaletteFiles, SwatchExchangeHasAGroupWithEachColor)
         stream >> length;
         QString name;
         for (int i = 0; i < length; ++i) {
-            char16_t unit = 0;
-            quint16 value = 0;
-            stream >> value;
-            unit = value;
+            quint16 unit = 0;
+            stream >> unit;
             name.append(QChar(unit));
         }
         return name;
