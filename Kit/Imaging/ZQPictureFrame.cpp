@@ -18,15 +18,12 @@ struct Bar
     const uchar *color = nullptr;
 };
 
-// How far two pixels are apart in the channel in which they differ most; all that is transparent is one colour.
+// How far two pixels are apart in the channel in which they differ most, as far as they are seen.
 int difference(const uchar *left, const uchar *right)
 {
-    if (left[3] == 0 && right[3] == 0) {
-        return 0;
-    }
-    int most = 0;
-    for (int i = 0; i < 4; ++i) {
-        most = std::max(most, std::abs(int(left[i]) - int(right[i])));
+    int most = std::abs(int(left[3]) - int(right[3]));
+    for (int i = 0; i < 3; ++i) {
+        most = std::max(most, std::abs(int(left[i]) * left[3] - int(right[i]) * right[3]) / 255);
     }
     return most;
 }
@@ -51,9 +48,9 @@ public:
         if (thickness == 0 || thickness > most) {
             return {};
         }
-        // Scaling puts one line of a mixture between a frame and the picture.
+        // Scaling puts one line of a mixture between a frame and the picture; it goes with the frame.
         const int enough = length() * straight / 100;
-        return others(thickness + 1, edgeStep, enough) < enough ? Bar{} : Bar{thickness, m_color};
+        return others(thickness + 1, edgeStep, enough) < enough ? Bar{} : Bar{thickness + 1, m_color};
     }
 
 private:

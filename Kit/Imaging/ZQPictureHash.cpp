@@ -9,34 +9,51 @@
 #include <bit>
 #include <cmath>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace {
 
 constexpr int side = 64;        // of the square that is transformed
-constexpr int frequencies = 16; // each way, without those that do not change along one axis
+constexpr int frequencies = 19; // each way, from 0: none of the lowest 256 of both is beyond
 constexpr float leastRange = 4; // of 255, between the darkest and the lightest part; less shows nothing
 
-// cos(π (2x + 1) u / 2n) for u from 1, one row for each frequency.
-const std::vector<float> &cosines()
+using Values = std::array<float, ZQPictureHash::bitCount>;
+
+// cos(π (2x + 1) u / 2n), one row for each frequency.
+std::vector<float> cosines()
 {
-    static const std::vector<float> table = [] {
-        std::vector<float> values;
-        for (int u = 1; u <= frequencies; ++u) {
-            for (int x = 0; x < side; ++x) {
-                values.push_back(float(std::cos(std::numbers::pi * (2 * x + 1) * u / (2.0 * side))));
-            }
+    std::vector<float> values;
+    for (int u = 0; u < frequencies; ++u) {
+        for (int x = 0; x < side; ++x) {
+            values.push_back(float(std::cos(std::numbers::pi * (2 * x + 1) * u / (2.0 * side))));
         }
-        return values;
-    }();
-    return table;
+    }
+    return values;
 }
 
-// `frequencies` × `frequencies`, the vertical frequency growing by row.
-std::array<float, ZQPictureHash::bitCount> transformed(const std::vector<float> &square)
+// Where the lowest frequencies are among all, the lowest first; without the one that is the mean.
+std::vector<size_t> lowestFrequencies()
 {
-    const std::vector<float> &table = cosines();
-    std::array<float, ZQPictureHash::bitCount> out{};
+    std::vector<std::pair<int, size_t>> places; // by the distance from the mean
+    for (int v = 0; v < frequencies; ++v) {
+        for (int u = 0; u < frequencies; ++u) {
+            places.emplace_back(u * u + v * v, size_t(v * frequencies + u));
+        }
+    }
+    std::sort(places.begin(), places.end());
+    std::vector<size_t> lowest;
+    for (size_t i = 1; i <= ZQPictureHash::bitCount; ++i) {
+        lowest.push_back(places[i].second);
+    }
+    return lowest;
+}
+
+Values transformed(const std::vector<float> &square)
+{
+    static const std::vector<float> table = cosines();
+    static const std::vector<size_t> lowest = lowestFrequencies();
+    std::array<float, size_t(frequencies) * frequencies> all{};
     std::array<float, side> row;
     for (int v = 0; v < frequencies; ++v) {
         row.fill(0);
@@ -51,10 +68,14 @@ std::array<float, ZQPictureHash::bitCount> transformed(const std::vector<float> 
             for (size_t x = 0; x < side; ++x) {
                 sum += table[size_t(u) * side + x] * row[x];
             }
-            out[size_t(v * frequencies + u)] = sum;
+            all[size_t(v * frequencies + u)] = sum;
         }
     }
-    return out;
+    Values values;
+    for (size_t i = 0; i < values.size(); ++i) {
+        values[i] = all[lowest[i]];
+    }
+    return values;
 }
 
 std::optional<ZQPictureHash> hashOnGround(const ZQBitmap &bitmap, quint8 ground)
@@ -65,8 +86,8 @@ std::optional<ZQPictureHash> hashOnGround(const ZQBitmap &bitmap, quint8 ground)
     if (*lightest - *darkest < leastRange) {
         return std::nullopt;
     }
-    const std::array<float, ZQPictureHash::bitCount> values = transformed(square);
-    std::array<float, ZQPictureHash::bitCount> sorted = values;
+    const Values values = transformed(square);
+    Values sorted = values;
     std::nth_element(sorted.begin(), sorted.begin() + sorted.size() / 2, sorted.end());
     const float median = sorted[sorted.size() / 2];
     ZQPictureHash hash;
