@@ -9,6 +9,7 @@ namespace {
 
 constexpr int noise = 12;    // of a channel, what compression does to one colour
 constexpr int edgeStep = 24; // a fade has smaller steps between two lines
+constexpr int mixed = 4;     // lines between a frame and its picture
 constexpr int straight = 25; // percent of a line that differs from the frame at once
 constexpr int thickest = 20; // percent of a side that a bar takes
 
@@ -48,9 +49,14 @@ public:
         if (thickness == 0 || thickness > most) {
             return {};
         }
-        // Scaling puts one line of a mixture between a frame and the picture; it goes with the frame.
+        // Before the picture begins, scaling and compression put some lines of a mixture; they go with the frame.
         const int enough = length() * straight / 100;
-        return others(thickness + 1, edgeStep, enough) < enough ? Bar{} : Bar{thickness + 1, m_color};
+        for (int line = thickness; line <= std::min(thickness + mixed, lines() - 2); ++line) {
+            if (others(line, edgeStep, enough) >= enough) {
+                return {line + 1, m_color};
+            }
+        }
+        return {};
     }
 
 private:

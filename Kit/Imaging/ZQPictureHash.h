@@ -9,16 +9,16 @@
 
 // A perceptual hash of 256 bits, alike for pictures that look alike: the signs, against their median, of the lowest
 // frequencies of a picture's lightness (discrete cosine transform; C. Zauner, "Implementation and Benchmarking of
-// Perceptual Image Hash Functions", 2010), squeezed into a square after margins of one shade are cut off. It hardly
+// Perceptual Image Hash Functions", 2010), squeezed into a square after a frame of one colour is cut off. It hardly
 // changes with size, compression, colour, brightness, borders, sharpness and small marks, a little with crops and turns
 // of a few degrees, and entirely with a mirror or a quarter turn. Any thread.
 struct ZQPictureHash
 {
     static constexpr int bitCount = 256;
     // At most this far apart: the same picture in another form.
-    static constexpr int alikeDistance = 48;
-    // Beyond this nothing is called similar; pictures that have nothing in common are around 128 apart.
-    static constexpr int similarDistance = 96;
+    static constexpr int alikeDistance = 72;
+    // Beyond this nothing is called similar: pictures that have nothing in common are 128 apart, give or take 8.
+    static constexpr int similarDistance = 104;
 
     std::array<quint64, 4> words{};
 
