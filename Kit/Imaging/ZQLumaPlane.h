@@ -12,8 +12,6 @@ class ZQLumaPlane
 public:
     ZQLumaPlane(const ZQBitmap &bitmap, quint8 ground);
 
-    QRect bounds() const { return {0, 0, m_width, m_height}; }
-
     // `size` × `size` means of equal parts of `area`, row by row, whatever its ratio; parts may be less than a pixel.
     std::vector<float> averaged(const QRect &area, int size) const;
 
