@@ -16,7 +16,7 @@ struct ZQPictureHash
 {
     static constexpr int bitCount = 256;
     // At most this far apart: the same picture in another form.
-    static constexpr int alikeDistance = 72;
+    static constexpr int alikeDistance = 70;
     // Beyond this nothing is called similar: pictures that have nothing in common are 128 apart, give or take 8.
     static constexpr int similarDistance = 104;
 
