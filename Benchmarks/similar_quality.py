@@ -27,7 +27,7 @@ PEERS = 24  # pictures that ImageMagick compares with each other
 FORMS = {
     "half size": (["-resize", "50%"], ""),
     "JPEG 40": (["-background", "white", "-flatten", "-quality", "40"], "jpg"),
-    "border": (["-compose", "Copy", "-bordercolor", "#20304a", "-border", "5%", "+compose"], ""),
+    "border": (["-compose", "Copy", "-bordercolor", "#20304a", "-border", "5%", "-compose", "Over"], ""),
     "brightness +15 %": (["-modulate", "115"], ""),
     "brightness -15 %": (["-modulate", "85"], ""),
     "greyscale": (["-colorspace", "Gray"], ""),
