@@ -30,6 +30,13 @@ bool isFaultOfFile(const ZQError &error)
     }
 }
 
+// Otherwise none of the others is read either.
+bool isAboutOneFile(const ZQError &error)
+{
+    return ZQImagingErrorCode(error.code) != ZQImagingErrorCode::NoRenderer &&
+           ZQImagingErrorCode(error.code) != ZQImagingErrorCode::Cancelled;
+}
+
 ZQBitmap pictureAt(const QString &path, bool isThumbnail, ZQError *error)
 {
     return isThumbnail ? ZQImageSource::thumbnailOfFile(path, pictureSize, error)
@@ -127,8 +134,12 @@ bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function
         const ZQBitmap bitmap = pictureAt(picture->path, picture->isThumbnail, &error);
         if (!bitmap.isNull() || isFaultOfFile(error)) {
             picture->fingerprint = ZQPictureFingerprint::of(bitmap);
-        } else {
-            qCInfo(zqLogStore, "no fingerprint yet: %s", qUtf8Printable(error.localizedDescription()));
+            continue;
+        }
+        qCInfo(zqLogStore, "no fingerprint yet: %s", qUtf8Printable(error.localizedDescription()));
+        if (!isAboutOneFile(error)) {
+            pictures.erase(picture, pictures.end());
+            return false;
         }
     }
     return true;

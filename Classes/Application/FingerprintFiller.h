@@ -28,10 +28,10 @@ public:
     };
     struct Result
     {
-        qint64 found = 0;   // have a fingerprint now
-        qint64 nothing = 0; // were looked at: they show nothing, or cannot be read
-        qint64 left = 0;    // are not there now, or nothing draws
-        bool isComplete = false;
+        qint64 found = 0;        // have a fingerprint now
+        qint64 nothing = 0;      // were looked at: they show nothing, or cannot be read
+        qint64 left = 0;         // are not there now
+        bool isComplete = false; // nothing ended it before
     };
 
     explicit FingerprintFiller(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator)
@@ -53,7 +53,7 @@ private:
         std::optional<ZQPictureFingerprint> fingerprint{}; // nothing: it is left
     };
     std::vector<Picture> picturesOf(const QList<ZQObjectID> &items, ZQManagedObjectContext &context) const;
-    // False when the run is to end before the last of them.
+    // False when the run is to end before the last of them, which are left out then.
     bool look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn) const;
     bool store(const std::vector<Picture> &pictures, ZQManagedObjectContext &context, Result &result) const;
 

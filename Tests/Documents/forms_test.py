@@ -111,6 +111,7 @@ class Forms(unittest.TestCase):
         self.world.make("Backups/")
         yield "backup", self.run_json("backup", "Backups")
         yield "statistics", self.run_json("statistics")
+        yield "fingerprints", self.run_json("fingerprints")
         # A file that is missing, so that the export has something to say.
         Path(items[0]["itemPath"]).unlink()
         yield "export", self.run_json("export", *(item["bundleID"] for item in items), "--to", "out", "--format", "jpeg")

@@ -24,7 +24,6 @@ bool LookAlikes::look(LibraryIndex &index, ZQManagedObjectContext &context, cons
     if (!index.waitUntilCurrent()) {
         return false;
     }
-    context.reset(); // what it holds may be from before
     while (m_next < m_arrived.size()) {
         if (!isWanted()) {
             return false;

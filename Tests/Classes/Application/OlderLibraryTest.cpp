@@ -133,7 +133,7 @@ TEST_F(OlderLibrary, OneThatOnlyLacksSmartFoldersHasNothingToBeFilledIn)
 
 TEST_F(OlderLibrary, ALargeOneIsGivenItsIndexesWhileTheWindowAnswers)
 {
-    makeLibrary("Version9", 1);
+    makeLibrary("Version10", 1);
     auto writer = ZQSQLiteConnection::open(store(), ZQSQLiteConnection::Mode::ReadWrite, nullptr);
     ASSERT_TRUE(writer->execute(QStringLiteral("DROP INDEX zq_index_ZQLibraryBaseItem_SHA1; "
                                                "UPDATE ZQLibraryBaseItem SET itemURLData = zeroblob(40000000)")));
