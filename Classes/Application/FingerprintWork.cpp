@@ -157,7 +157,7 @@ void FingerprintWork::didRun(const FingerprintFiller::Result &result)
     m_timer.stop();
     QCoreApplication::instance()->removeEventFilter(this);
     m_progress.reset();
-    if (result.isComplete) {
+    if (result.isComplete && !m_gate->stop.stop_requested()) {
         m_again.start(untilLookedAgain);
     }
 }
@@ -176,6 +176,13 @@ void FingerprintWork::requestStop()
         m_queue->cancelAllOperations();
     }
     m_progress.reset();
+}
+
+void FingerprintWork::letGo()
+{
+    m_again.stop();
+    m_queue.reset();
+    m_filler.reset();
 }
 
 bool FingerprintWork::isEnded() const

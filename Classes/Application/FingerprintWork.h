@@ -30,6 +30,7 @@ public:
     // Asks it to end, and, `isEnded`, soon after that it has. What was saved last is on its way to the main thread.
     void requestStop();
     bool isEnded() const;
+    void letGo(); // of the store, once it has ended
 
     // How long the person has done nothing before it goes on.
     void setQuiet(std::chrono::milliseconds quiet) { m_quiet = quiet; }

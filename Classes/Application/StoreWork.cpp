@@ -77,4 +77,5 @@ void StoreWork::stop()
     zqRunMainLoopUntil([this] { return m_queue->operationCount() == 0 && m_fingerprints->isEnded(); });
     m_queue.reset();
     QCoreApplication::sendPostedEvents();
+    m_fingerprints->letGo();
 }

@@ -28,8 +28,6 @@ public:
     // store closes; no harm where nothing runs.
     void stop();
 
-    FingerprintWork &fingerprints() const { return *m_fingerprints; }
-
 private:
     bool isOtherWorkDone() const;
 

@@ -215,7 +215,11 @@ TEST_F(Fingerprints, BesideTheWindowNothingIsLookedAtWhileOthersWork)
     zqRunMainLoopUntil([&work] { return work.isEnded(); });
     EXPECT_EQ(countToDo(), 0);
     zqRunMainLoopUntil([this] { return looksLike(*item(QStringLiteral("1")), 1); }); // the window's context has it, too
+    const std::weak_ptr<ZQPersistentStoreCoordinator> store = delegate->persistentStoreCoordinator();
     work.requestStop();
+    work.letGo();
+    delegate.reset();
+    EXPECT_TRUE(store.expired()) << "it is closed as it should be";
 }
 
 } // namespace
