@@ -106,12 +106,12 @@ class Forms(unittest.TestCase):
         yield "templates", self.run_json("templates")
         yield "defaults read", self.run_json("defaults", "read", "UseDarkUI")
         yield "verify", self.run_json("verify")
+        yield "fingerprints", self.run_json("fingerprints")
         yield "recover", self.run_json("recover")
         yield "psd", self.run_json("psd", "one.png", "--size", "40x40", "--out", "layers.psd")
         self.world.make("Backups/")
         yield "backup", self.run_json("backup", "Backups")
         yield "statistics", self.run_json("statistics")
-        yield "fingerprints", self.run_json("fingerprints")
         # A file that is missing, so that the export has something to say.
         Path(items[0]["itemPath"]).unlink()
         yield "export", self.run_json("export", *(item["bundleID"] for item in items), "--to", "out", "--format", "jpeg")
