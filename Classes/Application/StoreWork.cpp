@@ -1,8 +1,10 @@
 #include "Classes/Application/StoreWork.h"
 
+#include "Classes/Application/FingerprintWork.h"
 #include "Classes/Application/LeftoverCheck.h"
 #include "Classes/Application/LibraryStore.h"
 #include "Classes/Application/RatingFiller.h"
+#include "Classes/Application/RunningParts.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
@@ -10,8 +12,11 @@
 #include <QCoreApplication>
 #include <QPointer>
 
-StoreWork::StoreWork(LibraryStore &store, LeftoverCheck &leftovers, std::function<void(const QStringList &)> didFind)
-    : m_store(store), m_leftovers(leftovers), m_didFindDamage(std::move(didFind))
+StoreWork::StoreWork(LibraryStore &store, LeftoverCheck &leftovers, RunningParts &running,
+                     std::function<void(const QStringList &)> didFind)
+    : m_store(store), m_leftovers(leftovers), m_running(running), m_didFindDamage(std::move(didFind)),
+      m_fingerprints(
+          std::make_unique<FingerprintWork>(store, running.userInteraction(), [this] { return !isOtherWorkDone(); }))
 {
 }
 
@@ -48,6 +53,15 @@ void StoreWork::start()
             });
         }).run([&stop] { return !stop.stop_requested(); });
     });
+    m_fingerprints->start();
+}
+
+bool StoreWork::isOtherWorkDone() const
+{
+    const auto isIdle = [](const ZQOperationQueue &queue) { return queue.operationCount() == 0; };
+    LiveFolderManaging *const liveFolders = m_running.liveFolderManager();
+    return isIdle(m_running.backgroundQueue()) && isIdle(m_running.editQueue()) && (!m_queue || isIdle(*m_queue)) &&
+           (!liveFolders || isIdle(liveFolders->syncOperationQueue())) && !m_leftovers.isRunning();
 }
 
 void StoreWork::stop()
@@ -57,9 +71,11 @@ void StoreWork::stop()
         return;
     }
     m_stop.request_stop();
+    m_fingerprints->requestStop();
     m_queue->cancelAllOperations();
     // What it saved last is on its way into the main context, whose own save would otherwise meet newer rows.
-    zqRunMainLoopUntil([this] { return m_queue->operationCount() == 0; });
+    zqRunMainLoopUntil([this] { return m_queue->operationCount() == 0 && m_fingerprints->isEnded(); });
     m_queue.reset();
     QCoreApplication::sendPostedEvents();
+    m_fingerprints->letGo();
 }

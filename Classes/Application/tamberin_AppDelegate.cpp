@@ -43,7 +43,7 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
     m_sidebar = std::make_unique<FixedSidebar>(*m_places, *m_store, *m_running);
     m_removals = std::make_unique<LibraryRemovals>(*m_places, *m_store, this);
     m_leftovers = std::make_unique<LeftoverCheck>(*m_running, *m_places, *m_store, *m_removals, launchDate);
-    m_storeWork = std::make_unique<StoreWork>(*m_store, *m_leftovers,
+    m_storeWork = std::make_unique<StoreWork>(*m_store, *m_leftovers, *m_running,
                                               [this](const QStringList &problems) { reportDamage(problems); });
     m_quit = std::make_unique<Quit>(*m_running, *m_places, *m_store, *m_leftovers, *m_storeWork, *m_removals);
     m_switch = std::make_unique<LibrarySwitch>(*m_running, *m_places, *m_store, *m_quit,

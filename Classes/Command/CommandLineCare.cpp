@@ -49,4 +49,12 @@ void CommandLine::defineCare()
     statistics->add_flag("--json", m_json,
                          "Print one object: items, deleted, managed, untagged, unrated, duplicates, duplicateGroups, "
                          "kinds, years, folders, and, with sizes, bytes, thumbnailBytes, missing, largest");
+
+    CLI::App *fingerprints =
+        add("fingerprints",
+            "Look at the pictures that were not looked at yet, so that similar ones and colours are found among all: "
+            "what a window does beside its work, at once; may be ended at any moment, and goes on with the next call; "
+            "exit status 1 when some are not there now",
+            true, zqRunFingerprints);
+    fingerprints->add_flag("--json", m_json, "Print one object: made, nothing, left");
 }

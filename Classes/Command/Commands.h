@@ -180,6 +180,8 @@ struct BackupRequest
 // 1 when something of the library is not in it as it should be.
 int zqRunBackup(const BackupRequest &request, CommandContext &context);
 int zqRunStatistics(bool withSizes, CommandContext &context);
+// 1 when some pictures are not there now.
+int zqRunFingerprints(CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);
 

@@ -15,11 +15,13 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Imaging/ZQImagingError.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQPictureFingerprint.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <QDir>
@@ -62,6 +64,14 @@ void tellThatDrawingIsUnconfined()
                         "desktop. A Linux kernel with Landlock (5.13 or newer) "
                         "changes that.")));
     });
+}
+
+// Null when it was deleted, or the library closed, meanwhile.
+ZQRef<ZQLibraryBaseItem> itemInMainContext(const ZQObjectID &id)
+{
+    tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate();
+    ZQManagedObjectContext *context = delegate ? delegate->managedObjectContext() : nullptr;
+    return context ? zqCast<ZQLibraryBaseItem>(context->existingObjectWithID(id)) : ZQRef<ZQLibraryBaseItem>();
 }
 
 bool isWatchedFolder(const ZQObjectID &target)
@@ -323,9 +333,12 @@ void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
     }
     m_thumbsGenerationQueue.addOperationWithBlock([this, file, bundle, oldThumb, id] {
         QString thumb;
-        if (!ImportQueries::canSkipThumbForPath(file)) {
+        ZQBitmap picture;
+        if (ImportQueries::canSkipThumbForPath(file)) {
+            picture = ZQImageSource::thumbnailOfFile(file, ThumbGenerator::thumbnailSize);
+        } else {
             ZQError error;
-            thumb = ThumbGenerator::thumbPathForImageURL(file, bundle, nullptr, &error);
+            thumb = ThumbGenerator::thumbPathForImageURL(file, bundle, &picture, &error);
             if (thumb.isEmpty()) {
                 qCWarning(zqLogImport).noquote()
                     << zqFormat(QStringLiteral("can't create thumb for %@: %@"), {file, error.localizedDescription()});
@@ -335,22 +348,25 @@ void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
         if (!oldThumb.isEmpty() && oldThumb != thumb) {
             QFile::remove(oldThumb);
         }
-        zqOnMainThread([this, thumb, id] { updateThumbPath(thumb, id); });
+        const ZQPictureFingerprint fingerprint = ZQPictureFingerprint::of(picture);
+        zqOnMainThread([this, thumb, id, fingerprint] {
+            if (const auto there = itemInMainContext(id)) {
+                fingerprint.applyTo(*there);
+            }
+            updateThumbPath(thumb, id);
+        });
     });
 }
 
 void AImportManager::updateThumbPath(const QString &path, const ZQObjectID &forObjectID)
 {
-    tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate();
-    ZQManagedObjectContext *context = delegate ? delegate->managedObjectContext() : nullptr;
-    const ZQRef<ZQLibraryBaseItem> item =
-        context ? zqCast<ZQLibraryBaseItem>(context->existingObjectWithID(forObjectID)) : ZQRef<ZQLibraryBaseItem>();
+    const ZQRef<ZQLibraryBaseItem> item = itemInMainContext(forObjectID);
     if (!item) {
-        return; // deleted, or the library closed, while its thumbnail was made
+        return;
     }
     item->setThumbVersion(item->thumbVersion() + 1);
     item->setThumbName(path.isEmpty() ? QString() : QFileInfo(path).fileName());
-    if (MainWindowControlling *window = delegate->mainWindowController()) {
+    if (MainWindowControlling *window = application().mainWindowController()) {
         window->refreshContent();
     }
 }

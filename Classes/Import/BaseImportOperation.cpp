@@ -129,13 +129,10 @@ void BaseImportOperation::collect()
 {
     using Step = void (BaseImportOperation::*)();
     static constexpr Step steps[] = {
-        &BaseImportOperation::createThumbForItem,
-        &BaseImportOperation::fillCustomMetadata,
-        &BaseImportOperation::importIPTCTags,
-        &BaseImportOperation::importOpenMetaTags,
-        &BaseImportOperation::importOpenMetaNotes,
-        &BaseImportOperation::fillColors,
-        &BaseImportOperation::fillSize,
+        &BaseImportOperation::createThumbForItem,  &BaseImportOperation::fillCustomMetadata,
+        &BaseImportOperation::importIPTCTags,      &BaseImportOperation::importOpenMetaTags,
+        &BaseImportOperation::importOpenMetaNotes, &BaseImportOperation::fillColors,
+        &BaseImportOperation::fillFingerprint,     &BaseImportOperation::fillSize,
         &BaseImportOperation::fillWebURLAsNotes,
     };
     for (const Step step : steps) {
@@ -510,6 +507,13 @@ void BaseImportOperation::fillColors()
     if (!colors.isEmpty()) {
         m_fileData->insert(QStringLiteral("mainColor"), ColorFinder::colorValueForName(colors.first()));
     }
+}
+
+void BaseImportOperation::fillFingerprint()
+{
+    const ZQPictureFingerprint fingerprint = m_picture.fingerprint();
+    m_fileData->insert(
+        {{QStringLiteral("pictureHash"), fingerprint.pictureHash}, {QStringLiteral("palette"), fingerprint.palette}});
 }
 
 void BaseImportOperation::fillWebURLAsNotes()

@@ -73,6 +73,7 @@ protected:
     void importOpenMetaRating();
     void importOpenMetaNotes();
     void fillColors();
+    void fillFingerprint();
     void fillWebURLAsNotes();
 
     void addTags(const QStringList &tags);

@@ -66,6 +66,11 @@ QStringList ItemPicture::colors(const QString &path) const
     return isExact ? ColorFinder::colorsForBitmap(m_thumbnail) : ColorFinder::colorsForImageURL(m_thumbnailPath);
 }
 
+ZQPictureFingerprint ItemPicture::fingerprint() const
+{
+    return ZQPictureFingerprint::of(m_thumbnail);
+}
+
 void ItemPicture::release()
 {
     m_representation = {};

@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Imaging/ZQBitmap.h"
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Models/DataModel/ZQPictureFingerprint.h"
 
 #include <QString>
 #include <QStringList>
@@ -10,7 +11,8 @@
 #include <optional>
 
 // What is drawn of one file that becomes an item: its thumbnail, the picture that stands for a document, and the
-// colours that are found in them. The file is decoded once, by a worker process, however much of this is asked for.
+// colours and the fingerprint that are found in them. The file is decoded once, by a worker process, however much of
+// this is asked for.
 //
 // One thread at a time; touches no store. Errors are those of drawing and of writing into the item directory.
 class ItemPicture
@@ -29,7 +31,8 @@ public:
     bool isIncomplete() const;     // only a part of it could be drawn
     // By name, the main one first.
     QStringList colors(const QString &path) const;
-    void release(); // the pixels
+    ZQPictureFingerprint fingerprint() const; // of the pixels that were drawn
+    void release();                           // the pixels
 
 private:
     void draw(const QString &path, std::optional<ZQImageProperties> *properties);

@@ -12,6 +12,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+
 namespace {
 
 const QString oldPrefix = QStringLiteral("zq_old_");
@@ -72,6 +74,35 @@ QStringList oldNames(const QString &renamingIdentifier, const QString &name)
     return renamingIdentifier.isEmpty() ? QStringList{name} : QStringList{renamingIdentifier, name};
 }
 
+// Whether `to` is `from` with more attributes, which the rows that are there have no value of.
+bool addsAttributesOnly(const ZQEntityDescription &from, const ZQEntityDescription &to)
+{
+    const bool keepsAttributes =
+        std::all_of(to.attributes.begin(), to.attributes.end(), [&](const ZQAttributeDescription &attribute) {
+            const bool mayBeEmpty = attribute.optional && !attribute.defaultValue.isValid();
+            return !from.attribute(attribute.renamingIdentifier) && (mayBeEmpty || from.attribute(attribute.name));
+        });
+    const bool keepsRelationships = std::none_of(
+        to.relationships.begin(), to.relationships.end(), [&](const ZQRelationshipDescription &relationship) {
+            return from.relationship(relationship.renamingIdentifier) != nullptr;
+        });
+    if (!keepsAttributes || !keepsRelationships) {
+        return false;
+    }
+    ZQEntityDescription before = to;
+    std::erase_if(before.attributes, [&from](const auto &attribute) { return !from.attribute(attribute.name); });
+    return before.code == from.code && before.versionHash() == from.versionHash();
+}
+
+bool addsColumnsOnly(const ZQManagedObjectModel &from, const ZQManagedObjectModel &to)
+{
+    return from.entities().size() == to.entities().size() &&
+           std::all_of(to.entities().begin(), to.entities().end(), [&from](const auto &entity) {
+               const ZQEntityDescription *old = from.entity(entity->name);
+               return old && !from.entity(entity->renamingIdentifier) && addsAttributesOnly(*old, *entity);
+           });
+}
+
 class Migration
 {
 public:
@@ -81,16 +112,22 @@ public:
     {
     }
 
-    bool run()
-    {
-        return match() && setOldTablesAside() && zqExecuteAll(m_connection, zqTableStatements(m_to)) &&
-               copyEntities() && copyJoins() && clearDanglingReferences() && dropOldTables() &&
-               zqCreateIndexes(m_connection, m_to) && zqForgetStatistics(m_connection) && notePending() &&
-               zqWriteModelMetadata(m_connection, m_to);
-    }
+    bool run() { return addsColumnsOnly(m_from, m_to) ? addColumns() : match() && copyAll(); }
     QString problem() const { return m_problem; } // empty when the database failed
 
 private:
+    // No row is touched: moments, however large the store is. Its indexes follow when it opens.
+    bool addColumns()
+    {
+        return zqExecuteAll(m_connection, zqNewColumnStatements(m_from, m_to)) && zqForgetStatistics(m_connection) &&
+               notePending() && zqWriteModelMetadata(m_connection, m_to);
+    }
+    bool copyAll()
+    {
+        return setOldTablesAside() && zqExecuteAll(m_connection, zqTableStatements(m_to)) && copyEntities() &&
+               copyJoins() && clearDanglingReferences() && dropOldTables() && zqCreateIndexes(m_connection, m_to) &&
+               zqForgetStatistics(m_connection) && notePending() && zqWriteModelMetadata(m_connection, m_to);
+    }
     bool refuse(const QString &what)
     {
         m_problem = what;

@@ -125,6 +125,24 @@ QStringList zqTableStatements(const ZQManagedObjectModel &model)
     return statements;
 }
 
+QStringList zqNewColumnStatements(const ZQManagedObjectModel &from, const ZQManagedObjectModel &to)
+{
+    QStringList statements;
+    for (const ZQEntityDescription *root : zqRootEntities(to)) {
+        QSet<QString> known;
+        for (const ZQStoreColumn &column : zqColumnsOfFamily(from, from.entity(root->name))) {
+            known.insert(column.name);
+        }
+        for (const ZQStoreColumn &column : zqColumnsOfFamily(to, root)) {
+            if (!known.contains(column.name)) {
+                statements.append(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
+                                      .arg(zqQuoted(root->tableName), zqQuoted(column.name), columnType(column.type)));
+            }
+        }
+    }
+    return statements;
+}
+
 QStringList zqBookkeepingStatements()
 {
     return {QStringLiteral("CREATE TABLE \"zq_metadata\" (\"key\" TEXT PRIMARY KEY, \"value\") WITHOUT ROWID"),

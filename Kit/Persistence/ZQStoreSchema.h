@@ -34,6 +34,8 @@ QList<ZQJoinTable> zqJoinTables(const ZQManagedObjectModel &model);
 QList<const ZQEntityDescription *> zqRootEntities(const ZQManagedObjectModel &model);
 
 QStringList zqTableStatements(const ZQManagedObjectModel &model);
+// Gives the tables of `from` the columns that `to` has beyond them, empty in every row.
+QStringList zqNewColumnStatements(const ZQManagedObjectModel &from, const ZQManagedObjectModel &to);
 QStringList zqBookkeepingStatements(); // metadata and key sequences
 
 bool zqExecuteAll(ZQSQLiteConnection &connection, const QStringList &statements);

@@ -18,6 +18,7 @@
 #include "Models/DataModel/ZQHiddenFile.h"
 #include "Models/DataModel/ZQItemTitle.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
+#include "Models/DataModel/ZQPictureFingerprint.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
@@ -363,6 +364,7 @@ void ZQLibraryBaseItem::updateItemData(const QString &path)
     if (!hasRepresentationBitmap()) {
         readPixelSize(path);
     }
+    ZQPictureFingerprint::removeFrom(*this);
     ZQLibraryEnvironment::current().thumbForLibraryItem(this);
     setThumbVersion(thumbVersion() + 1);
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-const QString currentVersion = QStringLiteral("Version9");
+const QString currentVersion = QStringLiteral("Version10");
 
 std::shared_ptr<const ZQManagedObjectModel> readModel(const QString &identifier)
 {

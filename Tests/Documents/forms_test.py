@@ -106,6 +106,7 @@ class Forms(unittest.TestCase):
         yield "templates", self.run_json("templates")
         yield "defaults read", self.run_json("defaults", "read", "UseDarkUI")
         yield "verify", self.run_json("verify")
+        yield "fingerprints", self.run_json("fingerprints")
         yield "recover", self.run_json("recover")
         yield "psd", self.run_json("psd", "one.png", "--size", "40x40", "--out", "layers.psd")
         self.world.make("Backups/")

@@ -20,13 +20,12 @@ TEST(Model, EveryVersionReadsAndKnowsItsOwnAttributes)
     struct Case
     {
         const char *version;
-        bool hasCreationDate, hasThumbName, hasRating, hasSmartFolders;
+        bool hasCreationDate, hasThumbName, hasRating, hasSmartFolders, hasFingerprints;
     };
-    const Case cases[] = {{"Version5", false, false, false, false},
-                          {"Version6", true, false, false, false},
-                          {"Version7", true, true, false, false},
-                          {"Version8", true, true, true, false},
-                          {"Version9", true, true, true, true}};
+    const Case cases[] = {
+        {"Version5", false, false, false, false, false}, {"Version6", true, false, false, false, false},
+        {"Version7", true, true, false, false, false},   {"Version8", true, true, true, false, false},
+        {"Version9", true, true, true, true, false},     {"Version10", true, true, true, true, true}};
     for (const Case &each : cases) {
         SCOPED_TRACE(each.version);
         const auto model = zqModelVersion(QString::fromLatin1(each.version));
@@ -38,8 +37,10 @@ TEST(Model, EveryVersionReadsAndKnowsItsOwnAttributes)
         EXPECT_EQ(item->attribute(QStringLiteral("thumbName")) != nullptr, each.hasThumbName);
         EXPECT_EQ(item->attribute(QStringLiteral("rating")) != nullptr, each.hasRating);
         EXPECT_EQ(model->entity(QStringLiteral("ZQSidebarSmartFolder")) != nullptr, each.hasSmartFolders);
+        EXPECT_EQ(item->attribute(QStringLiteral("pictureHash")) != nullptr, each.hasFingerprints);
+        EXPECT_EQ(item->attribute(QStringLiteral("palette")) != nullptr, each.hasFingerprints);
     }
-    EXPECT_EQ(zqCurrentModel(), zqModelVersion(QStringLiteral("Version9")));
+    EXPECT_EQ(zqCurrentModel(), zqModelVersion(QStringLiteral("Version10")));
     EXPECT_FALSE(zqModelVersion(QStringLiteral("Version99")));
 }
 

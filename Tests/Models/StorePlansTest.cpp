@@ -146,6 +146,9 @@ const Question questions[] = {
          context.executeFetchRequest(matching(ZQLibraryBaseItem::entityName(), "active == %@", {false}));
      },
      "USING INDEX zq_index_ZQLibraryBaseItem_active_where_active_0 (active=?)"},
+    {"pictures to be looked at",
+     [](auto &context) { context.fetchObjectIDs(matching(ZQLibraryBaseItem::entityName(), "pictureHash == nil", {})); },
+     "USING COVERING INDEX zq_index_ZQLibraryBaseItem_pictureHash_covering_without_pictureHash (pictureHash=?)"},
     {"a live folder",
      [](auto &context) {
          context.fetchObjectIDs(matching(ZQLibraryBaseItem::entityName(), "watchingFolder == %@ AND active == YES",

@@ -37,6 +37,8 @@ constexpr Value itemValues[] = {
     {"modification_date", "1500000000000 + abs(random()) % 200000000000"},
     {"nsfw", "0"},
     {"originalExtension", "'png'"},
+    {"palette", "randomblob(20)"},
+    {"pictureHash", "randomblob(32)"},
     {"pixelDepth", "8"},
     {"pixelDpi", "72"},
     {"pixelHeight", "600 + i % 3000"},

@@ -8,7 +8,7 @@ import struct
 import sys
 from pathlib import Path
 
-KNOWN_VERSIONS = range(5, 10)
+KNOWN_VERSIONS = range(5, 11)
 
 ITEMS = """SELECT id, bundleID, title, extension, originalExtension, managed, thumbName, itemURLData, rating, notes,
                   SHA1, webURL, webPageURL FROM ZQLibraryBaseItem WHERE active ORDER BY id"""

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/ArrivedItems.h"
 
 #include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Content/LookAlikes.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
@@ -59,7 +60,8 @@ std::optional<QList<ZQObjectID>> stillThere(const QList<ZQObjectID> &items, ZQMa
 ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, ProjectsSidebarViewController &sidebar,
                            BrowserViewController &browser, std::function<void()> showEverything, QObject *parent)
     : QObject(parent), m_window(window), m_user(user), m_sidebar(sidebar), m_browser(browser),
-      m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content)
+      m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content),
+      m_alikeTicket(window.fetcher, ContentFetcher::Priority::Summary)
 {
     m_user.onImportEnd = [this](const ImportOutcome &outcome) {
         const ImportOutcome total = withEarlierParts(outcome);
@@ -67,6 +69,7 @@ ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, P
             m_last = total;
             Q_EMIT lastImportChanged();
         }
+        lookForAlike(total);
         tellWhenShown(total, m_toldCount, 0);
     };
     m_user.onShowImport = [this] { showLastImport(); };
@@ -109,10 +112,46 @@ void ArrivedItems::tellWhenShown(const ImportOutcome &outcome, int count, int lo
     }
 }
 
-void ArrivedItems::tell(const ImportOutcome &outcome)
+void ArrivedItems::lookForAlike(const ImportOutcome &outcome)
 {
+    if (outcome.hasMore || outcome.imported.isEmpty()) {
+        return;
+    }
+    const auto looking = std::make_shared<LookAlikes>(outcome.imported);
+    m_alikeTicket.run([this, looking, index = m_alikeTicket.index(), import = outcome.import](
+                          ZQManagedObjectContext &context,
+                          const ContentFetcher::Ticket::IsWanted &isWanted) -> ContentFetcher::Ticket::Answer {
+        if (!index || !looking->look(*index, context, isWanted) || looking->arrived().isEmpty()) {
+            return {};
+        }
+        return [this, looking, import] { didLookForAlike(import, *looking); };
+    });
+}
+
+// Where that took long, the import was told of before.
+void ArrivedItems::didLookForAlike(const QUuid &import, const LookAlikes &looked)
+{
+    m_alike = {import, looked.arrived().size(), looked.arrived() + looked.before()};
+    if (m_saidOf == import) {
+        ImportOutcome outcome;
+        outcome.alike = m_alike.count;
+        m_user.showNotification(outcome.textForAlike(), NotificationPlace::Browser, timeToDecide,
+                                {showingAlike(zqLocalized("Show"))});
+    }
+}
+
+ZQNotificationAction ArrivedItems::showingAlike(const QString &title)
+{
+    return {title, [this, items = m_alike.items] { show(items, {}, Wanted::All); }};
+}
+
+void ArrivedItems::tell(const ImportOutcome &told)
+{
+    ImportOutcome outcome = told;
+    outcome.alike = m_alike.import == told.import ? m_alike.count : 0;
     QString text = outcome.summary.isEmpty() ? outcome.text() : outcome.summary;
     QList<ZQNotificationAction> actions;
+    m_saidOf = outcome.import;
     if (!outcome.imported.isEmpty() && !areInView(outcome.imported)) {
         if (text.isEmpty()) {
             text = zqFormat(zqLocalized("%@ imported"), {QLocale().toString(outcome.imported.size())});
@@ -121,6 +160,10 @@ void ArrivedItems::tell(const ImportOutcome &outcome)
     }
     if (!outcome.refused.isEmpty() && !text.isEmpty()) {
         actions.append({zqLocalized("Reasons…"), [this, outcome] { showRefused(outcome); }});
+    }
+    if (outcome.alike > 0) {
+        text += (text.isEmpty() ? QString() : QStringLiteral("\n")) + outcome.textForAlike();
+        actions.append(showingAlike(actions.isEmpty() ? zqLocalized("Show") : zqLocalized("Show Those Alike")));
     }
     if (!text.isEmpty()) {
         m_user.showNotification(text, NotificationPlace::Browser,
@@ -154,23 +197,28 @@ ZQObjectID ArrivedItems::placeOf(const ZQObjectID &target) const
 
 void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target)
 {
+    show(items, target, Wanted::Some);
+}
+
+void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target, Wanted wanted)
+{
     m_ticket.run(
-        [this, items, target](ZQManagedObjectContext &context, const auto &) -> ContentFetcher::Ticket::Answer {
+        [this, items, target, wanted](ZQManagedObjectContext &context, const auto &) -> ContentFetcher::Ticket::Answer {
             ZQError error;
             const auto left = stillThere(items, context, &error);
-            return [this, left, target, error] {
+            return [this, left, target, wanted, error] {
                 if (!left) {
                     const QString text = zqFormat(zqLocalized("What was imported could not be looked up: %@"),
                                                   {error.localizedDescription()});
                     m_user.showNotificationWithText(text, NotificationPlace::Browser, usualNotificationTime);
                 } else {
-                    showLeft(*left, target);
+                    showLeft(*left, target, wanted);
                 }
             };
         });
 }
 
-void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target)
+void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target, Wanted wanted)
 {
     if (left.isEmpty()) {
         m_user.showNotificationWithText(zqLocalized("What was imported was deleted since."), NotificationPlace::Browser,
@@ -178,7 +226,8 @@ void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &tar
         return;
     }
     m_browser.closeDetail();
-    if (m_browser.content().indexesOfLibraryItems(left).isEmpty()) {
+    const qint64 shown = m_browser.content().indexesOfLibraryItems(left).count();
+    if (shown < (wanted == Wanted::All ? left.size() : 1)) {
         m_showEverything();
         m_sidebar.selectItems({placeOf(target)});
     }

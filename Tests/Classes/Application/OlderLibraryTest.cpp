@@ -131,9 +131,27 @@ TEST_F(OlderLibrary, OneThatOnlyLacksSmartFoldersHasNothingToBeFilledIn)
     EXPECT_EQ(copies(), QStringList());
 }
 
+TEST_F(OlderLibrary, OneWhosePicturesWereNeverLookedAtOpensWithoutWaitingForThat)
+{
+    makeLibrary("Version9", 2);
+    const auto delegate = launched();
+    for (const auto &item : items(*delegate)) {
+        EXPECT_TRUE(item->pictureHash().isNull());
+        item->setPictureHash(QByteArray(""));
+    }
+    EXPECT_EQ(pending(*delegate), QStringList());
+    EXPECT_EQ(copies(), QStringList()) << "nothing of the old form is needed for it";
+    delegate->saveAction();
+    ZQManagedObjectContext again(delegate->persistentStoreCoordinator());
+    const auto left = again.fetchObjectIDs(
+        {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("pictureHash == nil"))});
+    ASSERT_TRUE(left);
+    EXPECT_TRUE(left->isEmpty()) << "what shows nothing is not what was not looked at";
+}
+
 TEST_F(OlderLibrary, ALargeOneIsGivenItsIndexesWhileTheWindowAnswers)
 {
-    makeLibrary("Version9", 1);
+    makeLibrary("Version10", 1);
     auto writer = ZQSQLiteConnection::open(store(), ZQSQLiteConnection::Mode::ReadWrite, nullptr);
     ASSERT_TRUE(writer->execute(QStringLiteral("DROP INDEX zq_index_ZQLibraryBaseItem_SHA1; "
                                                "UPDATE ZQLibraryBaseItem SET itemURLData = zeroblob(40000000)")));

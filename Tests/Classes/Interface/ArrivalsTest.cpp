@@ -19,6 +19,8 @@
 #include <QMimeData>
 #include <QPushButton>
 
+#include <cmath>
+
 namespace {
 
 class ArrivalsTest : public MainWindowTest
@@ -36,6 +38,21 @@ protected:
             QFile file(path);
             EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size());
         }
+        return path;
+    }
+    // Waves, in another direction for each `kind`.
+    QString writeWaves(const QString &name, int kind, QSize size)
+    {
+        QImage picture(600, 400, QImage::Format_RGB32);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const double phase = kind == 0 ? x / 40.0 : y / 25.0;
+                const int value = int(127 + 120 * std::sin(phase + x * y * (kind + 1) / 30000.0));
+                picture.setPixel(x, y, qRgb(value, value / 2, 255 - value));
+            }
+        }
+        const QString path = write(name);
+        EXPECT_TRUE(picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).save(path));
         return path;
     }
     void import(const QStringList &paths, const Item &into)
@@ -290,6 +307,27 @@ TEST_F(ArrivalsTest, PartsOfOneImportAreToldAsOne)
     QStringList chosen = selected();
     chosen.sort();
     EXPECT_EQ(chosen, (QStringList{"good", "x", "y"}));
+}
+
+TEST_F(ArrivalsTest, WhatLooksLikeAPictureThatIsThereIsSaidAndShownBesideIt)
+{
+    import({writeWaves(QStringLiteral("there.png"), 0, {600, 400})}, b);
+    ASSERT_TRUE(waitFor([this] { return button("Show") != nullptr; }));
+    EXPECT_EQ(bubble()->text(), QStringLiteral("1 imported")) << "it is like nothing";
+    QTest::mouseClick(button("Show"), Qt::LeftButton);
+    settle();
+    show(a);
+    import({writeWaves(QStringLiteral("smaller.jpg"), 0, {300, 200}),
+            writeWaves(QStringLiteral("other.png"), 1, {600, 400})},
+           b);
+    ASSERT_TRUE(waitFor([this] { return bubble() && bubble()->text().contains(QStringLiteral("looks like")); }));
+    EXPECT_TRUE(bubble()->text().endsWith(QStringLiteral("1 looks like a picture you have")));
+    auto *way = button("Show Those Alike");
+    QTest::mouseClick(way ? way : button("Show"), Qt::LeftButton); // said later, it is the only one
+    settle();
+    QStringList chosen = selected();
+    chosen.sort();
+    EXPECT_EQ(chosen, (QStringList{"smaller", "there"}));
 }
 
 TEST_F(ArrivalsTest, WhatThisLibraryHasIsLinkedAndNotImportedAgain)

@@ -89,6 +89,62 @@ TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
     EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
 }
 
+// A library of any size is opened in moments then, and a full disk is in nobody's way.
+TEST(ZQStoreLife, WhereOnlyColumnsAreAddedNoRowIsWrittenAnew)
+{
+    constexpr int bytes = 8 << 20;
+    TestStore older(QByteArray(testModelJSON)
+                        .replace("Version2", "Version1")
+                        .replace("{ \"name\": \"large\", \"type\": \"integer64\" },", "")
+                        .replace("\"attributes\": [ { \"name\": \"author\", \"type\": \"string\" } ],", ""));
+    {
+        ZQManagedObjectContext context(older.coordinator());
+        const auto document = context.insertNewObject<TestDocument>();
+        document->setTitle(QStringLiteral("d"));
+        document->setBlob(QByteArray(bytes, 'b'));
+        const auto tag = context.insertNewObject<TestTag>();
+        tag->setName(QStringLiteral("n"));
+        document->addTag(tag.get());
+        ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
+    }
+    older.close();
+    older.model = ZQManagedObjectModel::modelFromJSON(testModelJSON);
+    const auto coordinator = older.coordinator();
+    ASSERT_TRUE(coordinator) << qPrintable(older.error.localizedDescription());
+    EXPECT_LT(QFileInfo(older.path + QStringLiteral("-wal")).size(), bytes / 4);
+    EXPECT_EQ(coordinator->pendingVersions(), QStringList{QStringLiteral("Version2")});
+    EXPECT_EQ(copiesBeside(older), QStringList{QStringLiteral("storedata.before-Version1")});
+    ZQManagedObjectContext context(coordinator);
+    const auto document = context.fetch<TestDocument>({QStringLiteral("TestDocument")})->first();
+    EXPECT_EQ(document->title(), QStringLiteral("d"));
+    EXPECT_EQ(document->blob().size(), bytes);
+    EXPECT_EQ(document->tags().size(), 1);
+    EXPECT_TRUE(document->author().isNull());
+    EXPECT_TRUE(document->valueForKey(QStringLiteral("large")).isNull());
+    document->setAuthor(QStringLiteral("a"));
+    document->setValueForKey(qint64(1) << 40, QStringLiteral("large"));
+    ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
+    EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
+}
+
+// Filled with the default, or the empty value, they are written.
+TEST(ZQStoreLife, AColumnThatMayNotBeEmptyIsFilled)
+{
+    TestStore older(QByteArray(testModelJSON)
+                        .replace("Version2", "Version1")
+                        .replace("{ \"name\": \"medium\", \"type\": \"integer32\", \"default\": 7 },", ""));
+    {
+        ZQManagedObjectContext context(older.coordinator());
+        context.insertNewObject<TestFolder>();
+        ASSERT_TRUE(context.save());
+    }
+    older.close();
+    older.model = ZQManagedObjectModel::modelFromJSON(testModelJSON);
+    ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
+    ZQManagedObjectContext context(older.coordinator());
+    EXPECT_EQ(context.fetch<TestFolder>({QStringLiteral("TestFolder")})->first()->medium(), 7);
+}
+
 TEST(ZQStoreLife, WhatAKilledMigrationWroteOfItsCopyIsWrittenAnew)
 {
     TestStore older(olderModel());

@@ -1,0 +1,87 @@
+#include "Classes/Browsing/Content/LookAlikes.h"
+
+#include "Kit/Imaging/ZQPictureHash.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype itemsPerReading = 16; // changes of the index wait meanwhile
+constexpr qsizetype mostOthers = 8;       // the nearest may be copies of the same file
+
+} // namespace
+
+LookAlikes::LookAlikes(QList<ZQObjectID> arrived)
+    : m_arrived(std::move(arrived)), m_isArrived(m_arrived.begin(), m_arrived.end())
+{
+}
+
+bool LookAlikes::look(LibraryIndex &index, ZQManagedObjectContext &context, const std::function<bool()> &isWanted)
+{
+    if (!index.waitUntilCurrent()) {
+        return false;
+    }
+    while (m_next < m_arrived.size()) {
+        if (!isWanted()) {
+            return false;
+        }
+        const qsizetype end = std::min(m_next + itemsPerReading, m_arrived.size());
+        QList<Candidate> candidates;
+        {
+            const auto reading = index.read();
+            if (!reading) {
+                return false;
+            }
+            for (qsizetype i = m_next; i < end; ++i) {
+                compare(*reading, m_arrived.at(i), candidates);
+            }
+        }
+        take(candidates, context);
+        m_next = end;
+    }
+    return true;
+}
+
+void LookAlikes::compare(const LibraryIndex::Reading &reading, const ZQObjectID &item,
+                         QList<Candidate> &candidates) const
+{
+    const auto hash = reading.pictureHash(item);
+    if (!hash) {
+        return;
+    }
+    // So many that those that came with it cannot keep the others out.
+    const auto limit = static_cast<size_t>(m_arrived.size() + mostOthers);
+    Candidate candidate{.item = item, .others = {}};
+    for (const auto &[other, distance] : reading.similar(*hash, limit, ZQPictureHash::alikeDistance)) {
+        if (!m_isArrived.contains(other) && candidate.others.size() < mostOthers) {
+            candidate.others.append(other);
+        }
+    }
+    if (!candidate.others.isEmpty()) {
+        candidates.append(std::move(candidate));
+    }
+}
+
+void LookAlikes::take(const QList<Candidate> &candidates, ZQManagedObjectContext &context)
+{
+    for (const Candidate &candidate : candidates) {
+        const auto items = ZQLibraryBaseItem::itemsWithIDs(QList{candidate.item} + candidate.others, context);
+        if (items.isEmpty() || items.first()->objectID() != candidate.item) {
+            continue; // deleted meanwhile
+        }
+        const QString digest = items.first()->SHA1();
+        const auto other = std::find_if(items.begin() + 1, items.end(), [&digest](const auto &each) {
+            return each->active() && (digest.isEmpty() || each->SHA1() != digest);
+        });
+        if (other == items.end()) {
+            continue;
+        }
+        m_found.append(candidate.item);
+        if (const ZQObjectID before = (*other)->objectID(); !m_before.contains(before)) {
+            m_before.append(before);
+        }
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Classes/Browsing/Index/LibraryIndex.h"
+
+#include <QSet>
+
+#include <functional>
+
+// Which of the items that just came look like one that was there before, beside plain copies of the same file, which
+// were asked about. A pass over the index for each; may be cut off and goes on with the next call. One thread at a
+// time.
+class LookAlikes
+{
+public:
+    explicit LookAlikes(QList<ZQObjectID> arrived);
+
+    // On the context's thread. True once all were looked at; false when `isWanted` said no, or the index or the store
+    // cannot be read.
+    bool look(LibraryIndex &index, ZQManagedObjectContext &context, const std::function<bool()> &isWanted);
+
+    const QList<ZQObjectID> &arrived() const { return m_found; } // those of them, in their order
+    const QList<ZQObjectID> &before() const { return m_before; } // which they look like, each once
+
+private:
+    struct Candidate
+    {
+        ZQObjectID item;
+        QList<ZQObjectID> others; // the nearest first
+    };
+    void compare(const LibraryIndex::Reading &reading, const ZQObjectID &item, QList<Candidate> &candidates) const;
+    void take(const QList<Candidate> &candidates, ZQManagedObjectContext &context);
+
+    const QList<ZQObjectID> m_arrived;
+    const QSet<ZQObjectID> m_isArrived;
+    qsizetype m_next = 0;
+    QList<ZQObjectID> m_found;
+    QList<ZQObjectID> m_before;
+};
