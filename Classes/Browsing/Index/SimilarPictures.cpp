@@ -1,0 +1,100 @@
+#include "Classes/Browsing/Index/SimilarPictures.h"
+
+#include "Classes/Browsing/Index/IndexItems.h"
+#include "Kit/Foundation/ZQCancellation.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+constexpr size_t blockSize = 65536; // of slots between two looks at the cancellation
+
+// Calls `visit(first slot, end)` for one part of all slots after the other; false when cancelled.
+template <class Visit>
+bool visitBlocks(size_t slots, const Visit &visit)
+{
+    for (size_t first = 0; first < slots; first += blockSize) {
+        if (ZQCancellation::isCurrentCancelled()) {
+            return false;
+        }
+        visit(first, std::min(slots, first + blockSize));
+    }
+    return true;
+}
+
+// Calls `visit(row, distance)` for what is near enough; false when cancelled.
+template <class Visit>
+bool visitNear(const IndexPictures &pictures, const ZQPictureHash &hash, int farthest, const ZQRowSet &among,
+               const Visit &visit)
+{
+    std::vector<quint16> distances(blockSize);
+    const auto rows = pictures.rows();
+    return visitBlocks(rows.size(), [&](size_t first, size_t end) {
+        zqDistances(hash.words, pictures.hashes().subspan(first, end - first), distances);
+        for (size_t slot = first; slot < end; ++slot) {
+            const int distance = distances[slot - first];
+            if (distance <= farthest && pictures.hasHash(slot) && among.contains(rows[slot])) {
+                visit(rows[slot], distance);
+            }
+        }
+    });
+}
+
+} // namespace
+
+std::vector<SimilarPicture> zqNearestPictures(const IndexPictures &pictures, const ZQPictureHash &hash,
+                                              const ZQRowSet &among, size_t limit, int farthest)
+{
+    // Distances are few different numbers: counted first, each picture then goes to its place at once.
+    std::vector<size_t> counts(ZQPictureHash::bitCount + 2);
+    std::vector<SimilarPicture> near;
+    visitNear(pictures, hash, farthest, among, [&](quint32 row, int distance) {
+        near.push_back({row, distance});
+        ++counts[size_t(distance) + 1];
+    });
+    std::partial_sum(counts.begin(), counts.end(), counts.begin()); // now the first place of each distance
+    const auto isBefore = [](const SimilarPicture &a, const SimilarPicture &b) { return a.row < b.row; };
+    if (!std::is_sorted(near.begin(), near.end(), isBefore)) { // slots that were used again
+        std::sort(near.begin(), near.end(), isBefore);
+    }
+    std::vector<SimilarPicture> nearest(std::min(limit, near.size()));
+    for (const SimilarPicture &each : near) {
+        const size_t place = counts[size_t(each.distance)]++;
+        if (place < nearest.size()) {
+            nearest[place] = each;
+        }
+    }
+    return nearest;
+}
+
+std::vector<SimilarPicture> zqNearestPictures(const IndexItems &items, const ZQPictureHash &hash, const ZQRowSet &among,
+                                              size_t limit, int farthest)
+{
+    return zqNearestPictures(items.pictures, hash, among, limit, farthest);
+}
+
+std::optional<ZQRowSet> zqPicturesWithin(const IndexPictures &pictures, const ZQPictureHash &hash, int farthest,
+                                         const ZQRowSet &among)
+{
+    ZQRowSet found(among.rowCount());
+    const bool isWhole = visitNear(pictures, hash, farthest, among, [&found](quint32 row, int) { found.insert(row); });
+    return isWhole ? std::optional(std::move(found)) : std::nullopt;
+}
+
+std::optional<ZQRowSet> zqPicturesWithColor(const IndexPictures &pictures, const ColorNearness &color,
+                                            const ZQRowSet &among)
+{
+    ZQRowSet found(among.rowCount());
+    const auto rows = pictures.rows();
+    const auto palettes = pictures.palettes();
+    const bool isWhole = visitBlocks(rows.size(), [&](size_t first, size_t end) {
+        for (size_t slot = first; slot < end; ++slot) {
+            if (color(palettes[slot])) {
+                found.insert(rows[slot]);
+            }
+        }
+    });
+    found &= among;
+    return isWhole ? std::optional(std::move(found)) : std::nullopt;
+}
