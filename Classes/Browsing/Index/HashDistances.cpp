@@ -18,19 +18,22 @@ namespace {
 constexpr size_t blockSize = 256;
 using Places = std::array<quint32, blockSize>;
 
-ZQ_INLINED int distance(const HashWords &a, const HashWords &b)
+// Of one half: words 0 and 1, or 2 and 3.
+ZQ_INLINED int halfDistance(const HashWords &a, const HashWords &b, size_t first)
 {
-    return __builtin_popcountll(a[0] ^ b[0]) + __builtin_popcountll(a[1] ^ b[1]) + __builtin_popcountll(a[2] ^ b[2]) +
-           __builtin_popcountll(a[3] ^ b[3]);
+    return __builtin_popcountll(a[first] ^ b[first]) + __builtin_popcountll(a[first + 1] ^ b[first + 1]);
 }
 
-// Without a branch, which would be guessed wrong just where something is near.
+// One half tells of nearly all that they are far.
 ZQ_INLINED size_t nearOf(const HashWords &hash, std::span<const HashWords> others, int farthest, Places &places)
 {
     size_t count = 0;
     for (size_t i = 0; i < others.size(); ++i) {
-        places[count] = quint32(i);
-        count += distance(hash, others[i]) <= farthest ? 1 : 0;
+        const int half = halfDistance(hash, others[i], 0);
+        if (half <= farthest) {
+            places[count] = quint32(i);
+            count += half + halfDistance(hash, others[i], 2) <= farthest ? 1 : 0;
+        }
     }
     return count;
 }
@@ -38,8 +41,32 @@ ZQ_INLINED size_t nearOf(const HashWords &hash, std::span<const HashWords> other
 ZQ_INLINED void distancesOf(const HashWords &hash, std::span<const HashWords> others, std::span<quint16> distances)
 {
     for (size_t i = 0; i < others.size(); ++i) {
-        distances[i] = quint16(distance(hash, others[i]));
+        distances[i] = quint16(halfDistance(hash, others[i], 0) + halfDistance(hash, others[i], 2));
     }
+}
+
+ZQ_INLINED void pairsOf(std::span<const HashWords> a, std::span<const HashWords> b, int farthest, HashPairs &found)
+{
+    for (size_t i = 0; i < a.size(); ++i) {
+        const HashWords hash = a[i];
+        for (size_t j = 0; j < b.size(); ++j) {
+            const int half = halfDistance(hash, b[j], 0);
+            if (half <= farthest && half + halfDistance(hash, b[j], 2) <= farthest) [[unlikely]] {
+                found.emplace_back(quint32(i), quint32(j));
+            }
+        }
+    }
+}
+
+using Pairs = void (*)(std::span<const HashWords>, std::span<const HashWords>, int, HashPairs &);
+ZQ_COUNTING void pairsCounting(std::span<const HashWords> a, std::span<const HashWords> b, int farthest,
+                               HashPairs &found)
+{
+    pairsOf(a, b, farthest, found);
+}
+void pairsPlainly(std::span<const HashWords> a, std::span<const HashWords> b, int farthest, HashPairs &found)
+{
+    pairsOf(a, b, farthest, found);
 }
 
 using Near = size_t (*)(const HashWords &, std::span<const HashWords>, int, Places &);
@@ -76,6 +103,12 @@ void zqAddNear(const HashWords &hash, std::span<const HashWords> others, int far
             found.push_back(quint32(first + places[i]));
         }
     }
+}
+
+void zqAddNearPairs(std::span<const HashWords> a, std::span<const HashWords> b, int farthest, HashPairs &found)
+{
+    static const Pairs pairs = ZQ_IS_COUNTING ? pairsCounting : pairsPlainly;
+    pairs(a, b, farthest, found);
 }
 
 void zqDistances(const HashWords &hash, std::span<const HashWords> others, std::span<quint16> distances)

@@ -12,6 +12,8 @@ namespace {
 constexpr int partCount = 16;
 constexpr int partBits = ZQPictureHash::bitCount / partCount;
 constexpr size_t bucketCount = size_t(1) << partBits;
+constexpr quint32 blockBuckets = 16; // those whose values differ in the lowest bits only
+constexpr quint32 blockCount = bucketCount / blockBuckets;
 constexpr size_t comparisonsBetweenLooks = size_t(1) << 22;
 
 // Every sixteenth bit: neighbouring bits of a hash say much the same, and would leave a part few different values.
@@ -26,11 +28,11 @@ quint32 partOf(const HashWords &hash, int part)
     return result;
 }
 
-// What parts may differ in, fewest bits first.
+// In what the numbers of blocks may differ.
 std::vector<quint32> masksWithin(int bits)
 {
     std::vector<quint32> masks;
-    for (quint32 mask = 0; mask < bucketCount; ++mask) {
+    for (quint32 mask = 0; mask < blockCount; ++mask) {
         if (std::popcount(mask) <= bits) {
             masks.push_back(mask);
         }
@@ -80,6 +82,7 @@ private:
     void gatherEqual();
     bool joinByPart(int part);
     void sortByPart(int part);
+    bool joinBlocks(quint32 a, quint32 b, int differing);
     bool joinBuckets(const Bucket &a, const Bucket &b);
     Bucket bucket(quint32 value) const
     {
@@ -110,6 +113,7 @@ private:
     ZQPagedVector<quint32> m_order;
     std::vector<quint32> m_starts;
     std::vector<quint32> m_found;
+    HashPairs m_pairs;
     size_t m_comparisons = 0;
 
     size_t differentCount() const { return m_firsts.size() - 1; }
@@ -164,16 +168,33 @@ void Search::sortByPart(int part)
 
 bool Search::joinBuckets(const Bucket &a, const Bucket &b)
 {
-    const bool isSame = a.first == b.first;
-    for (size_t i = 0; i < a.hashes.size(); ++i) {
-        const size_t skipped = isSame ? i + 1 : 0; // each pair once
-        m_found.clear();
-        zqAddNear(a.hashes[i], b.hashes.subspan(skipped), m_farthest, m_found);
-        for (const quint32 found : m_found) {
-            m_joined.join(m_order[a.first + i], m_order[b.first + skipped + found]);
+    constexpr size_t mostPairs = size_t(1) << 22; // that may all be found
+    const size_t atOnce = std::max<size_t>(1, mostPairs / (b.hashes.size() + 1));
+    for (size_t first = 0; first < a.hashes.size(); first += atOnce) {
+        const auto some = a.hashes.subspan(first, std::min(atOnce, a.hashes.size() - first));
+        // Within one bucket each pair comes once, but for those of one part, and each hash with itself.
+        const size_t skipped = a.first == b.first ? first : 0;
+        m_pairs.clear();
+        zqAddNearPairs(some, b.hashes.subspan(skipped), m_farthest, m_pairs);
+        for (const auto &[own, other] : m_pairs) {
+            m_joined.join(m_order[a.first + first + own], m_order[b.first + skipped + other]);
         }
-        if (isStopped(b.hashes.size() - skipped + 1)) {
+        if (isStopped(some.size() * b.hashes.size())) {
             return false;
+        }
+    }
+    return true;
+}
+
+// What differs in the lowest bits lies side by side: buckets are compared by blocks of them, which stay in the cache.
+bool Search::joinBlocks(quint32 a, quint32 b, int differing)
+{
+    for (quint32 i = 0; i < blockBuckets; ++i) {
+        const Bucket own = bucket(a * blockBuckets + i);
+        for (quint32 j = a == b ? i : 0; j < blockBuckets && !own.hashes.empty(); ++j) {
+            if (std::popcount(i ^ j) <= differing && !joinBuckets(own, bucket(b * blockBuckets + j))) {
+                return false;
+            }
         }
     }
     return true;
@@ -181,6 +202,7 @@ bool Search::joinBuckets(const Bucket &a, const Bucket &b)
 
 bool Search::joinByPart(int part)
 {
+    constexpr double workOfPairs = 0.95; // of all
     // When every part of two hashes differed in more than this, they would differ in more than `farthest` bits.
     const int differing = m_farthest / partCount - (part <= m_farthest % partCount ? 0 : 1);
     if (differing < 0) {
@@ -188,18 +210,15 @@ bool Search::joinByPart(int part)
     }
     sortByPart(part);
     const std::vector<quint32> masks = masksWithin(differing);
-    for (quint32 value = 0; value < bucketCount; ++value) {
-        const Bucket own = bucket(value);
+    for (quint32 block = 0; block < blockCount; ++block) {
         for (const quint32 mask : masks) {
-            if (const quint32 other = value ^ mask; !own.hashes.empty() && other >= value) {
-                if (const Bucket near = bucket(other); !near.hashes.empty() && !joinBuckets(own, near)) {
-                    return false;
-                }
+            const quint32 other = block ^ mask;
+            if (other >= block && !joinBlocks(block, other, differing - std::popcount(mask))) {
+                return false;
             }
         }
-        if (value % (bucketCount / 16) == 0) {
-            constexpr double share = 0.95; // of the whole work
-            report(share * (part + double(value) / bucketCount) / partCount);
+        if (block % 64 == 0) {
+            report(workOfPairs * (part + double(block) / blockCount) / partCount);
         }
     }
     return true;
