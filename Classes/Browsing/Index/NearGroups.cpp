@@ -80,6 +80,7 @@ private:
     };
 
     void gatherEqual();
+    bool joinEach();
     bool joinByPart(int part);
     void sortByPart(int part);
     bool joinBlocks(quint32 a, quint32 b, int differing);
@@ -306,7 +307,7 @@ bool Search::cutAll(NearGroups::Groups &groups)
         roots[i] = m_joined.root(i);
     }
     std::stable_sort(order.begin(), order.end(), [&roots](quint32 a, quint32 b) { return roots[a] < roots[b]; });
-    for (size_t first = 0; first < count;) {
+    for (size_t first = 0; first < count;) { // most hang together with nothing
         size_t end = first + 1;
         while (end < count && roots[order[end]] == roots[order[first]]) {
             ++end;
@@ -319,13 +320,27 @@ bool Search::cutAll(NearGroups::Groups &groups)
     return true;
 }
 
+// Of few it is quicker to look at each pair than at each bucket.
+bool Search::joinEach()
+{
+    m_order.resize(differentCount());
+    std::iota(m_order.begin(), m_order.end(), 0U);
+    std::transform(m_order.begin(), m_order.end(), std::back_inserter(m_sorted),
+                   [this](quint32 each) { return hash(each); });
+    return joinBuckets({0, m_sorted}, {0, m_sorted});
+}
+
 std::optional<NearGroups::Groups> Search::groups()
 {
+    constexpr size_t few = 1024;
     gatherEqual();
-    for (int part = 0; part < partCount; ++part) {
+    for (int part = 0; part < partCount && differentCount() > few; ++part) {
         if (ZQCancellation::isCurrentCancelled() || !joinByPart(part)) {
             return std::nullopt;
         }
+    }
+    if (ZQCancellation::isCurrentCancelled() || (differentCount() <= few && !joinEach())) {
+        return std::nullopt;
     }
     ZQPagedVector<HashWords>().swap(m_sorted);
     NearGroups::Groups groups;

@@ -12,13 +12,13 @@ constexpr size_t blockSize = 65536; // of slots between two looks at the cancell
 
 // Calls `visit(first slot, end)` for one part of all slots after the other; false when cancelled.
 template <class Visit>
-bool visitBlocks(size_t slots, const Visit &visit)
+bool visitBlocks(size_t slotCount, const Visit &visit)
 {
-    for (size_t first = 0; first < slots; first += blockSize) {
+    for (size_t first = 0; first < slotCount; first += blockSize) {
         if (ZQCancellation::isCurrentCancelled()) {
             return false;
         }
-        visit(first, std::min(slots, first + blockSize));
+        visit(first, std::min(slotCount, first + blockSize));
     }
     return true;
 }
