@@ -90,6 +90,10 @@ private:
         const size_t first = m_starts[value];
         return {first, std::span(m_sorted).subspan(first, m_starts[value + 1] - first)};
     }
+    bool holds(quint32 block) const
+    {
+        return m_starts[size_t(block) * blockBuckets] != m_starts[(size_t(block) + 1) * blockBuckets];
+    }
     bool cutAll(NearGroups::Groups &groups);
     bool cut(std::vector<quint32> linked, NearGroups::Groups &groups);
     void addGroup(const std::vector<quint32> &different, NearGroups::Groups &groups) const;
@@ -214,7 +218,8 @@ bool Search::joinByPart(int part)
     for (quint32 block = 0; block < blockCount; ++block) {
         for (const quint32 mask : masks) {
             const quint32 other = block ^ mask;
-            if (other >= block && !joinBlocks(block, other, differing - std::popcount(mask))) {
+            const bool isWorth = other >= block && holds(block) && holds(other);
+            if (isWorth && !joinBlocks(block, other, differing - std::popcount(mask))) {
                 return false;
             }
         }

@@ -128,7 +128,7 @@ TEST_F(SimilarPicturesTest, JoinedColumnsHoldWhatBothHeld)
 
 TEST_F(SimilarPicturesTest, EveryPairThatIsNearIsFoundWhereverItsBitsDiffer)
 {
-    for (const int farthest : {0, 15, 16, 31, 48, 70}) {
+    for (const int farthest : {0, 16, 31, 48}) {
         SCOPED_TRACE(farthest);
         std::vector<HashWords> hashes;
         for (int i = 0; i < 600; ++i) {
