@@ -80,6 +80,14 @@ void IndexPictures::appendAll(const IndexPictures &other)
     append(m_unused, other.m_unused, firstSlot);
 }
 
+void IndexPictures::reserve(size_t rows)
+{
+    m_slots.reserve(rows);
+    m_hashes.reserve(rows);
+    m_colors.reserve(rows);
+    m_rows.reserve(rows);
+}
+
 void IndexPictures::shrink()
 {
     zqShrink(m_slots);
@@ -90,7 +98,7 @@ void IndexPictures::shrink()
 
 size_t IndexPictures::bytes() const
 {
-    return m_slots.capacity() * sizeof(quint32) + m_hashes.capacity() * sizeof(HashWords) +
-           m_colors.capacity() * sizeof(PictureColors) + m_rows.capacity() * sizeof(quint32) + m_hashed.bytes() +
+    return m_slots.capacity() * sizeof(quint32) + m_hashes.size() * sizeof(HashWords) +
+           m_colors.size() * sizeof(PictureColors) + m_rows.size() * sizeof(quint32) + m_hashed.bytes() +
            m_unused.capacity() * sizeof(quint32);
 }

@@ -30,7 +30,7 @@ public:
     void append(const Value &value);
     void set(size_t row, const Value &value);
     void appendAll(const IndexPictures &other);
-    void reserve(size_t rows) { m_slots.reserve(rows); }
+    void reserve(size_t rows); // as if all had pictures: room that nothing is written to takes no memory
     void shrink();
     size_t bytes() const;
 
