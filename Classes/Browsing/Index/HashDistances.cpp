@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 
-// The same loops for two processors, chosen when they run: the program is built for those that cannot count bits, too.
+// The same loops for two processors, chosen when they run: the program is built for those that cannot count bits,
+// too.
 #if defined(__x86_64__)
 #define ZQ_COUNTING __attribute__((target("popcnt")))
 #define ZQ_IS_COUNTING __builtin_cpu_supports("popcnt")

@@ -23,7 +23,7 @@ bool visitBlocks(size_t slotCount, const Visit &visit)
     return true;
 }
 
-// Calls `visit(row, distance)` for what is near enough; false when cancelled.
+// Calls `visit(slot, distance)` for what is near enough; false when cancelled.
 template <class Visit>
 bool visitNear(const IndexPictures &pictures, const ZQPictureHash &hash, int farthest, const ZQRowSet &among,
                const Visit &visit)
@@ -35,7 +35,7 @@ bool visitNear(const IndexPictures &pictures, const ZQPictureHash &hash, int far
         for (size_t slot = first; slot < end; ++slot) {
             const int distance = distances[slot - first];
             if (distance <= farthest && pictures.hasHash(slot) && among.contains(rows[slot])) {
-                visit(rows[slot], distance);
+                visit(slot, distance);
             }
         }
     });
@@ -46,26 +46,29 @@ bool visitNear(const IndexPictures &pictures, const ZQPictureHash &hash, int far
 std::vector<SimilarPicture> zqNearestPictures(const IndexPictures &pictures, const ZQPictureHash &hash,
                                               const ZQRowSet &among, size_t limit, int farthest)
 {
-    // Distances are few different numbers: counted first, each picture then goes to its place at once.
+    // Distances are few different numbers: they are counted, then only those that are near enough for the limit are
+    // taken and sorted.
     std::vector<size_t> counts(ZQPictureHash::bitCount + 2);
-    std::vector<SimilarPicture> near;
-    visitNear(pictures, hash, farthest, among, [&](quint32 row, int distance) {
-        near.push_back({row, distance});
+    std::vector<quint16> distances(pictures.rows().size(), ZQPictureHash::bitCount + 1);
+    visitNear(pictures, hash, farthest, among, [&](size_t slot, int distance) {
+        distances[slot] = quint16(distance);
         ++counts[size_t(distance) + 1];
     });
     std::partial_sum(counts.begin(), counts.end(), counts.begin()); // now the first place of each distance
-    const auto isBefore = [](const SimilarPicture &a, const SimilarPicture &b) { return a.row < b.row; };
-    if (!std::is_sorted(near.begin(), near.end(), isBefore)) { // slots that were used again
-        std::sort(near.begin(), near.end(), isBefore);
-    }
-    std::vector<SimilarPicture> nearest(std::min(limit, near.size()));
-    for (const SimilarPicture &each : near) {
-        const size_t place = counts[size_t(each.distance)]++;
-        if (place < nearest.size()) {
-            nearest[place] = each;
+    const auto first = std::lower_bound(counts.begin(), counts.end(), limit);
+    const auto tooFar = first - counts.begin(); // from here on, all places are beyond the limit
+    std::vector<SimilarPicture> near;
+    near.reserve(std::min(counts.back(), 2 * limit));
+    for (size_t slot = 0; slot < distances.size(); ++slot) {
+        if (distances[slot] < tooFar) {
+            near.push_back({pictures.rows()[slot], distances[slot]});
         }
     }
-    return nearest;
+    std::sort(near.begin(), near.end(), [](const SimilarPicture &a, const SimilarPicture &b) {
+        return a.distance != b.distance ? a.distance < b.distance : a.row < b.row;
+    });
+    near.resize(std::min(limit, near.size()));
+    return near;
 }
 
 std::vector<SimilarPicture> zqNearestPictures(const IndexItems &items, const ZQPictureHash &hash, const ZQRowSet &among,
@@ -78,7 +81,8 @@ std::optional<ZQRowSet> zqPicturesWithin(const IndexPictures &pictures, const ZQ
                                          const ZQRowSet &among)
 {
     ZQRowSet found(among.rowCount());
-    const bool isWhole = visitNear(pictures, hash, farthest, among, [&found](quint32 row, int) { found.insert(row); });
+    const bool isWhole =
+        visitNear(pictures, hash, farthest, among, [&](size_t slot, int) { found.insert(pictures.rows()[slot]); });
     return isWhole ? std::optional(std::move(found)) : std::nullopt;
 }
 

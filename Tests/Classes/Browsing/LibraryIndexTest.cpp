@@ -94,7 +94,7 @@ protected:
             return oneIn(2) ? QByteArray() : QByteArray("");
         }
         ZQPictureHash hash = picture(random() % 3);
-        for (unsigned i = random() % (2 * apart); i > 0; --i) {
+        for (auto i = random() % (2 * apart); i > 0; --i) {
             const unsigned bit = random() % ZQPictureHash::bitCount;
             hash.words[bit / 64] ^= quint64(1) << (bit % 64);
         }
@@ -104,7 +104,7 @@ protected:
     {
         const std::vector<QRgb> colors = {0x3366cc, 0x3a6ad0, 0x204080, 0xcc3333, 0xffffff, 0x000000, 0x808080};
         ZQPalette palette;
-        for (unsigned i = random() % (ZQPalette::maximum + 1); i > 0; --i) {
+        for (auto i = random() % (ZQPalette::maximum + 1); i > 0; --i) {
             palette.colors.append({oneOf(colors), quint8(1 + random() % 60)});
         }
         return palette.bytes();
@@ -416,10 +416,12 @@ TEST_F(LibraryIndexTest, KnowsWhatPicturesLookLikeAsTheirItemsSay)
     const auto similar = reading.similar(picture(0), 10, 2 * apart);
     ASSERT_EQ(similar.size(), 10U);
     for (size_t i = 0; i < similar.size(); ++i) {
-        const auto &[id, distance] = similar[i];
-        const auto item = library.context().libraryItem(id);
-        EXPECT_TRUE(item->active());
-        EXPECT_EQ(ZQPictureHash::fromBytes(item->pictureHash())->distance(picture(0)), distance);
+        const ZQObjectID id = similar[i].first;
+        const int distance = similar[i].second;
+        const auto item = std::find_if(items.begin(), items.end(),
+                                       [&id](const auto &candidate) { return candidate->objectID() == id; });
+        ASSERT_TRUE(item != items.end() && (*item)->active());
+        EXPECT_EQ(ZQPictureHash::fromBytes((*item)->pictureHash())->distance(picture(0)), distance);
         EXPECT_TRUE(i == 0 || similar[i - 1].second <= distance);
     }
     // As far as a store can tell without an index.

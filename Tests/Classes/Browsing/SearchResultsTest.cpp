@@ -1,3 +1,4 @@
+#include "Kit/Imaging/ZQPalette.h"
 #include "Tests/Classes/Browsing/SearchFixture.h"
 
 namespace {

@@ -58,7 +58,9 @@ TEST(ZQPredicateSQL, AsksATestThatWasRegisteredWhatDataResemble)
     PredicateDatabase database;
     const QVariant blobs[] = {QByteArray("abc"), QByteArray("a"), QByteArray(""), QVariant()};
     for (qint64 key = 1; key <= 4; ++key) {
-        database.addNode(key, {.values = {{text("blob"), blobs[key - 1]}, {text("title"), text("longer 0")}}});
+        PredicateDatabase::Node node;
+        node.values = {{text("blob"), blobs[key - 1]}, {text("title"), text("longer 0")}};
+        database.addNode(key, node);
     }
     const std::pair<const char *, QVariantList> cases[] = {
         {"blob RESEMBLES \"longer 1\"", {1, 0, 0, 0}},
