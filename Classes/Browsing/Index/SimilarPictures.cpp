@@ -49,14 +49,15 @@ std::vector<SimilarPicture> zqNearestPictures(const IndexPictures &pictures, con
     // Distances are few different numbers: they are counted, then only those that are near enough for the limit are
     // taken and sorted.
     std::vector<size_t> counts(ZQPictureHash::bitCount + 2);
-    std::vector<quint16> distances(pictures.rows().size(), ZQPictureHash::bitCount + 1);
+    constexpr int notNear = ZQPictureHash::bitCount + 1;
+    std::vector<quint16> distances(pictures.rows().size(), notNear);
     visitNear(pictures, hash, farthest, among, [&](size_t slot, int distance) {
         distances[slot] = quint16(distance);
         ++counts[size_t(distance) + 1];
     });
     std::partial_sum(counts.begin(), counts.end(), counts.begin()); // now the first place of each distance
     const auto first = std::lower_bound(counts.begin(), counts.end(), limit);
-    const auto tooFar = first - counts.begin(); // from here on, all places are beyond the limit
+    const auto tooFar = std::min<qsizetype>(first - counts.begin(), notNear); // all places are beyond the limit
     std::vector<SimilarPicture> near;
     near.reserve(std::min(counts.back(), 2 * limit));
     for (size_t slot = 0; slot < distances.size(); ++slot) {
