@@ -3,6 +3,7 @@
 #include "Classes/Browsing/Index/KindNames.h"
 #include "Classes/Browsing/Index/PictureConditions.h"
 #include "Classes/Browsing/Search/ColorArgument.h"
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Browsing/Search/SearchQueries.h"
 #include "Classes/Browsing/Search/SearchSpan.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -164,10 +165,12 @@ SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &contex
 // Without a function that knows the pictures nothing is found: the text alone does not say what one looks like.
 SearchClause likeClause(const SearchLexeme &lexeme, const SearchContext &context)
 {
+    const LikeArgument like = LikeArgument::of(lexeme.text);
+    const int farthest = std::min(like.farthestBits(), ZQPictureHash::similarDistance);
     QStringList conditions;
     for (const ZQPictureHash &hash :
-         context.picturesNamed ? context.picturesNamed(lexeme.text) : QList<ZQPictureHash>()) {
-        conditions.append(PictureCondition{hash, ZQPictureHash::similarDistance}.text());
+         context.picturesNamed ? context.picturesNamed(like.name) : QList<ZQPictureHash>()) {
+        conditions.append(PictureCondition{hash, farthest}.text());
     }
     const QString query = SearchQueries::resemblanceQuery(QStringLiteral("pictureHash"), conditions, context.rows);
     const bool isUnknown = context.picturesNamed && conditions.isEmpty();

@@ -110,6 +110,8 @@ TEST_F(SearchResultsTest, PicturesAreFoundByWhatTheyLookLike)
         {"#like \"logo brand\"", "CL"},
         {"#like \"LOGO BRAND.png\"", "CL"},
         {"-#like \"logo brand\"", "Pdsw"},
+        {"#like \"logo brand~50\"", "CL"},
+        {"#like \"logo brand~0\"", "L"},
         {"#like seal", "s"},
         {"#like dot", ""},  // shows nothing
         {"#like wide", ""}, // nobody looked at it yet
