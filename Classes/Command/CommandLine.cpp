@@ -102,6 +102,7 @@ CommandLine::CommandLine()
     defineDownload();
     defineItems();
     defineSearch();
+    definePictures();
     defineSmartFolder();
     defineExport();
     defineShare();

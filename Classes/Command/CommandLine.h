@@ -65,6 +65,7 @@ private:
     void defineImport();
     void defineItems();
     void defineSearch();
+    void definePictures(); // in CommandLinePictures.cpp
     void defineSmartFolder();
     void defineExport(); // in CommandLineExport.cpp
     void defineShare();  // in CommandLineShare.cpp

@@ -45,6 +45,11 @@ struct SearchRequest
 };
 int zqRunSearch(const SearchRequest &request, CommandContext &context);
 
+// The items that look most like one, nearest first.
+int zqRunSimilar(const QString &item, int limit, CommandContext &context);
+// Groups of items that look alike, each with the one that is best to keep.
+int zqRunNearDuplicates(CommandContext &context);
+
 struct SmartFolderRequest
 {
     QStringList words; // the title and behind it the text; only the text for one that is changed

@@ -46,24 +46,34 @@ QByteArray asElements(const QJsonArray &array)
     return text.sliced(2, text.size() - 5); // without "[\n" and "\n]\n"
 }
 
-QByteArray textOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+using Distances = QHash<ZQObjectID, int>;
+
+QByteArray textOf(const QList<ZQRef<ZQLibraryBaseItem>> &items, const Distances &distances)
 {
     QByteArray text;
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         const QString extension = item->extension().isEmpty() ? QString() : u'.' + item->extension();
-        text += (item->bundleID() + u'\t' + item->title() + extension).toUtf8() + '\n';
+        text += (item->bundleID() + u'\t' + item->title() + extension).toUtf8();
+        if (const auto distance = distances.constFind(item->objectID()); distance != distances.cend()) {
+            text += '\t' + QByteArray::number(*distance);
+        }
+        text += '\n';
     }
     return text;
 }
 
-QByteArray jsonOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+QByteArray jsonOf(const QList<ZQRef<ZQLibraryBaseItem>> &items, const Distances &distances)
 {
     const auto tags = zqPrefetch(items, QStringLiteral("tags"));
     const auto projects = zqPrefetch(items, QStringLiteral("projectsItems.project"));
     ZQLibraryBaseItem::lookForFiles(items);
     QJsonArray array;
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        array.append(itemObject(*item));
+        QJsonObject object = itemObject(*item);
+        if (const auto distance = distances.constFind(item->objectID()); distance != distances.cend()) {
+            object.insert(QStringLiteral("distance"), *distance);
+        }
+        array.append(object);
     }
     return asElements(array);
 }
@@ -71,6 +81,11 @@ QByteArray jsonOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 } // namespace
 
 bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context)
+{
+    return zqPrintItems(items, {}, context);
+}
+
+bool zqPrintItems(const QList<ZQObjectID> &items, const QHash<ZQObjectID, int> &distances, CommandContext &context)
 {
     constexpr qsizetype atATime = 200; // takes a few milliseconds
     const bool isServed = bool(context.isAbandoned);
@@ -88,7 +103,7 @@ bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context)
         }
         const QByteArray text = [&] { // no object is held while the loop runs
             const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, atATime), context.store());
-            return batch.isEmpty() ? QByteArray() : context.json ? jsonOf(batch) : textOf(batch);
+            return batch.isEmpty() ? QByteArray() : context.json ? jsonOf(batch, distances) : textOf(batch, distances);
         }();
         if (context.json && !text.isEmpty()) {
             context.output += std::exchange(hasElements, true) ? ",\n" : "[\n";

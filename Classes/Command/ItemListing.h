@@ -3,7 +3,11 @@
 #include "Classes/Command/CommandContext.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
+#include <QHash>
+
 // Prints items: a line each with bundleID and name, or an array of objects where JSON was asked for. Some at a time, so
 // that many take no more memory than their text; in the process of a window its loop runs in between. False, with a
 // message, when nobody waits for it any more.
 bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context);
+// The same, each with how far it is from what was asked for: a last column, or "distance".
+bool zqPrintItems(const QList<ZQObjectID> &items, const QHash<ZQObjectID, int> &distances, CommandContext &context);

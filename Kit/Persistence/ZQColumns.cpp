@@ -44,6 +44,14 @@ struct ScalarOf
     ZQScalar operator()(const std::shared_ptr<const ZQListColumn> &) const { return {}; }
 };
 
+// Of one row's data a text; columns keep data only in the form that this needs.
+bool isResemblance(const ZQComparison &comparison)
+{
+    return comparison.op == ZQComparisonOperator::Resembles && comparison.left.kind == ZQExpression::Kind::KeyPath &&
+           !comparison.left.isCount && comparison.right.kind == ZQExpression::Kind::Constant &&
+           std::holds_alternative<QString>(comparison.right.constant);
+}
+
 class Evaluation
 {
 public:
@@ -69,6 +77,7 @@ private:
     std::optional<ZQRowSet> all(const ZQPredicateNode &node, const ZQRowSet &among) const;
     std::optional<ZQRowSet> any(const ZQPredicateNode &node, const ZQRowSet &among) const;
     std::optional<ZQRowSet> comparison(const ZQComparison &comparison, const ZQRowSet &among) const;
+    std::optional<ZQRowSet> resembling(const ZQComparison &comparison, const ZQRowSet &among) const;
     std::vector<ZQPredicateNodePtr> cheapFirst(const ZQPredicateNode &node) const;
 
     const ZQColumnSource &m_source;
@@ -119,6 +128,9 @@ bool Evaluation::canAnswer(const ZQPredicateNode &node)
                            [this](const ZQPredicateNodePtr &child) { return canAnswer(*child); });
     }
     const ZQComparison &comparison = node.comparison;
+    if (isResemblance(comparison) && m_source.hasResemblances(comparison.left.keys)) {
+        return true;
+    }
     const bool takesFolded = ZQColumnScan::isFor(comparison) && ZQColumnScan::looksAtFolded(comparison);
     return canAnswer(comparison.left, takesFolded) && canAnswer(comparison.right, false);
 }
@@ -132,6 +144,9 @@ int Evaluation::cost(const ZQPredicateNode &node, const Evaluation &evaluation)
             sum += cost(*child, evaluation);
         }
         return sum;
+    }
+    if (isResemblance(node.comparison)) {
+        return 15;
     }
     if (!ZQColumnScan::isFor(node.comparison)) {
         return node.comparison.left.kind == ZQExpression::Kind::Constant ? 50 : 100;
@@ -177,8 +192,23 @@ std::optional<ZQRowSet> Evaluation::any(const ZQPredicateNode &node, const ZQRow
     return found;
 }
 
+// A single value: ALL of it is the value, too.
+std::optional<ZQRowSet> Evaluation::resembling(const ZQComparison &comparison, const ZQRowSet &among) const
+{
+    auto found = m_source.resembling(comparison.left.keys, std::get<QString>(comparison.right.constant), among);
+    if (!found || comparison.modifier != ZQComparisonModifier::None) {
+        return found;
+    }
+    ZQRowSet others = among;
+    others -= *found;
+    return others;
+}
+
 std::optional<ZQRowSet> Evaluation::comparison(const ZQComparison &comparison, const ZQRowSet &among) const
 {
+    if (isResemblance(comparison) && m_source.hasResemblances(comparison.left.keys)) {
+        return resembling(comparison, among);
+    }
     if (ZQColumnScan::isFor(comparison)) {
         return ZQColumnScan(comparison).rows(column(comparison.left.keys), among);
     }
@@ -218,6 +248,16 @@ std::optional<ZQRowSet> Evaluation::rows(const ZQPredicateNode &node, const ZQRo
 ZQScalar zqColumnScalar(const ZQColumn &column, size_t row)
 {
     return std::visit(ScalarOf{row}, column);
+}
+
+bool ZQColumnSource::hasResemblances(const QStringList &) const
+{
+    return false;
+}
+
+std::optional<ZQRowSet> ZQColumnSource::resembling(const QStringList &, const QString &, const ZQRowSet &) const
+{
+    return std::nullopt;
 }
 
 std::optional<ZQRowSet> zqRowsMatching(const ZQPredicate &predicate, const ZQColumnSource &source,

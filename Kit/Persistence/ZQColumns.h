@@ -75,6 +75,11 @@ public:
     virtual size_t rowCount() const = 0;
     // Nothing when there is none for this path; no keys: the row itself.
     virtual std::optional<ZQColumn> column(const QStringList &keys) const = 0;
+    // Whether it has columns for RESEMBLES of the data there, and the rows among `among` whose data do (of a text that
+    // describes nothing, none). Nothing when cancelled.
+    virtual bool hasResemblances(const QStringList &keys) const;
+    virtual std::optional<ZQRowSet> resembling(const QStringList &keys, const QString &text,
+                                               const ZQRowSet &among) const;
 };
 
 // Those of `among` that match. Nothing when the source lacks a column, or when the thread's ZQCancellation was

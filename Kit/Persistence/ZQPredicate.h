@@ -17,8 +17,8 @@ struct ZQPredicateNode;
 // evaluation over objects in memory, and translation into SQL.
 //
 // Language: comparisons (= == != <> < <= > >= and their [c] [d] [cd] options), BEGINSWITH, ENDSWITH, CONTAINS, LIKE
-// (with ? and *), MATCHES, IN, BETWEEN; ANY, ALL, NONE, SOME; AND OR NOT && || !; key paths ("item.title"),
-// "tags.@count",
+// (with ? and *), MATCHES, IN, BETWEEN, RESEMBLES (data, and a text that `ZQResemblance` knows); ANY, ALL, NONE, SOME;
+// AND OR NOT && || !; key paths ("item.title"), "tags.@count",
 // "@distinctUnionOfObjects"; CAST(x, "NSDate") with x in seconds since 2001-01-01T00:00Z; SELF; literals in single or
 // double quotes, numbers, YES NO TRUE FALSE, nil NULL, {a, b}; arguments %@ %d %ld %f %K. Keywords ignore case.
 //

@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQPredicateNode.h"
 
 #include "Kit/Persistence/ZQPredicate.h"
+#include "Kit/Persistence/ZQResemblance.h"
 
 #include <algorithm>
 #include <utility>
@@ -26,6 +27,7 @@ const std::vector<ZQSpelling<Op>> zqOperatorSpellings = {
     {"MATCHES", Op::Matches},
     {"IN", Op::In},
     {"BETWEEN", Op::Between},
+    {"RESEMBLES", Op::Resembles},
 };
 
 const std::vector<ZQSpelling<Modifier>> zqModifierSpellings = {
@@ -139,6 +141,14 @@ std::vector<ZQPredicateNodePtr> withEqualitiesMerged(const std::vector<ZQPredica
     return result;
 }
 
+bool resembles(const ZQScalar &data, const ZQScalar &described)
+{
+    const QByteArray *bytes = std::get_if<QByteArray>(&data);
+    const QString *text = std::get_if<QString>(&described);
+    const auto test = bytes && text ? zqResemblanceFor(*text) : nullptr;
+    return test && (*test)({bytes->constData(), size_t(bytes->size())});
+}
+
 bool containsScalar(const ZQScalar &text, const ZQScalar &part)
 {
     const QString *whole = std::get_if<QString>(&text);
@@ -240,6 +250,8 @@ bool zqCompareScalars(const ZQScalar &left, const ZQScalar &right, ZQComparisonO
         return containsScalar(left, right);
     case Op::In:
         return rightIsElement ? left == right : containsScalar(right, left);
+    case Op::Resembles:
+        return resembles(left, right);
     case Op::Less:
     case Op::LessOrEqual:
     case Op::Greater:

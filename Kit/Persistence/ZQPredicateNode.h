@@ -28,7 +28,8 @@ enum class ZQComparisonOperator {
     Like,
     Matches,
     In,
-    Between
+    Between,
+    Resembles
 };
 
 // How an operator or modifier is written. The first spelling of each is the one `predicateFormat` uses.

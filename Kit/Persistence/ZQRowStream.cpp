@@ -43,6 +43,11 @@ std::string_view ZQRowStream::Row::text(int property) const
     return m_statement->utf8(property + 2);
 }
 
+std::string_view ZQRowStream::Row::data(int property) const
+{
+    return m_statement->bytes(property + 2);
+}
+
 ZQRowStream::ZQRowStream(ZQManagedObjectContext &context) : m_context(ZQObjectAccess::parts(context))
 {
     m_context.store.assertThread();

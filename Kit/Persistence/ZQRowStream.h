@@ -28,6 +28,7 @@ public:
         bool isNull(int property) const;
         qint64 number(int property) const;         // booleans 0 and 1, dates in milliseconds since 1970 UTC; 0 for null
         std::string_view text(int property) const; // UTF-8 as the store holds it; empty for null
+        std::string_view data(int property) const; // empty for null
 
     private:
         friend class ZQRowStream;

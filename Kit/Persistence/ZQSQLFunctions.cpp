@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQCollator.h"
 #include "Kit/Persistence/ZQPredicate.h"
 #include "Kit/Persistence/ZQPredicateNode.h"
+#include "Kit/Persistence/ZQResemblance.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 
 #include <sqlite3.h>
@@ -42,6 +43,16 @@ void compareTexts(sqlite3_context *context, int count, sqlite3_value **values)
     const ZQFoldOptions options = ZQFoldOptions::fromFlags(count > 2 ? sqlite3_value_int(values[2]) : 0);
     const bool holds = left && right && zqCompareScalars(*left, *right, op, options, false);
     sqlite3_result_int(context, holds ? 1 : 0);
+}
+
+void resembles(sqlite3_context *context, int, sqlite3_value **values)
+{
+    const std::optional<QString> text = textOf(values[1]);
+    const bool isData = sqlite3_value_type(values[0]) == SQLITE_BLOB;
+    const auto test = text && isData ? zqResemblanceFor(*text) : nullptr;
+    const auto *bytes = static_cast<const char *>(sqlite3_value_blob(values[0]));
+    const auto size = static_cast<size_t>(sqlite3_value_bytes(values[0]));
+    sqlite3_result_int(context, test && (*test)(bytes ? std::string_view(bytes, size) : std::string_view()) ? 1 : 0);
 }
 
 // The inverse of the encoding in ZQSQLList.cpp.
@@ -91,6 +102,7 @@ constexpr Function functions[] = {
     {"zq_is_in", 2, compareTexts<Op::In>},
     {"zq_like", 3, compareTexts<Op::Like>},
     {"zq_matches", 3, compareTexts<Op::Matches>},
+    {"zq_resembles", 2, resembles},
 };
 
 } // namespace

@@ -186,6 +186,10 @@ ZQSQLFragment sqlForScalars(Op op, const Operand &a, const Operand &b, ZQFoldOpt
         return sqlForText("zq_like", a, b, 0);
     case Op::Matches:
         return sqlForText("zq_matches", a, b, options.flags());
+    case Op::Resembles:
+        return a.type == ZQSQLType::Binary && b.type == ZQSQLType::Text
+                   ? joined(QStringLiteral("zq_resembles(%1, %2)"), a.sql, b.sql)
+                   : never();
     case Op::Contains:
         return sqlForContains(a, b, false);
     case Op::In:

@@ -252,6 +252,13 @@ std::string_view ZQSQLiteStatement::utf8(int column) const
                  : std::string_view();
 }
 
+std::string_view ZQSQLiteStatement::bytes(int column) const
+{
+    const void *bytes = m_statement ? sqlite3_column_blob(m_statement, column) : nullptr;
+    return bytes ? std::string_view(static_cast<const char *>(bytes), size_t(sqlite3_column_bytes(m_statement, column)))
+                 : std::string_view();
+}
+
 QByteArray ZQSQLiteStatement::blob(int column) const
 {
     if (isNull(column)) {

@@ -16,6 +16,7 @@ enum class ZQSortValue {
     ListKind = 101,
     ListRating = 102,
     ListTags = 103,
+    ListHue = 104,
 };
 
 // What the rows of a list are: library items, or the memberships through which a project holds them.

@@ -1231,6 +1231,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Alle Tabs</translation>
     </message>
     <message>
+        <source>All that is akin to it</source>
+        <translation>Alles, was ihr verwandt ist</translation>
+    </message>
+    <message>
         <source>All the child projects and their items will be also deleted.</source>
         <translation>Alle Unterprojekte und ihre Objekte werden ebenfalls gelöscht.</translation>
     </message>
@@ -1384,6 +1388,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Aufzunehmender Bereich</translation>
     </message>
     <message>
+        <source>As %@ it is sharp in any size</source>
+        <translation>Als %@ ist es in jeder Größe scharf</translation>
+    </message>
+    <message>
         <source>As Grid</source>
         <translation>Als Raster</translation>
     </message>
@@ -1400,8 +1408,20 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Zum Beispiel `zelto.*.debug=true`, was das Protokoll aller Teilsysteme einschaltet.</translation>
     </message>
     <message>
+        <source>As good as the others, and in the library for longest</source>
+        <translation>So gut wie die anderen und am längsten in der Bibliothek</translation>
+    </message>
+    <message>
+        <source>As good as the others, and rated highest</source>
+        <translation>So gut wie die anderen und am höchsten bewertet</translation>
+    </message>
+    <message>
         <source>As it is</source>
         <translation>Unverändert</translation>
+    </message>
+    <message>
+        <source>As large as the others, and %@ keeps more of a picture</source>
+        <translation>So groß wie die anderen, und %@ bewahrt mehr von einem Bild</translation>
     </message>
     <message>
         <source>Ascending</source>
@@ -2426,6 +2446,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>HTML-Dokument</translation>
     </message>
     <message>
+        <source>Has a color near %@ (%d)</source>
+        <translation>Hat eine Farbe nahe %@ (%d)</translation>
+    </message>
+    <message>
         <source>Has no tag at all</source>
         <translation>Hat gar kein Schlagwort</translation>
     </message>
@@ -2480,6 +2504,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>How often a backup is made by itself</source>
         <translation>Wie oft automatisch gesichert wird</translation>
+    </message>
+    <message>
+        <source>Hue</source>
+        <translation>Farbton</translation>
     </message>
     <message>
         <source>IN FILES</source>
@@ -3290,6 +3318,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Änderungen werden ermittelt</translation>
     </message>
     <message>
+        <source>Looks like the picture of this name</source>
+        <translation>Sieht aus wie das Bild dieses Namens</translation>
+    </message>
+    <message>
+        <source>Looks like “%@”</source>
+        <translation>Sieht aus wie „%@“</translation>
+    </message>
+    <message>
         <source>Lower, as high or higher</source>
         <translation>Niedriger, genauso hoch oder höher</translation>
     </message>
@@ -3378,8 +3414,8 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Geändert vor (&lt;), an (=) oder seit (&gt;) dem Datum, dieser Tag eingeschlossen</translation>
     </message>
     <message>
-        <source>Mostly of this color</source>
-        <translation>Überwiegend in dieser Farbe</translation>
+        <source>Mostly of this color; with a code, or ~ and a number behind it, near to it</source>
+        <translation>Überwiegend in dieser Farbe; mit einem Code oder mit ~ und einer Zahl dahinter: nahe daran</translation>
     </message>
     <message>
         <source>Move</source>
@@ -3548,6 +3584,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>No picture can be made of it. Open it in another program to see whether it is damaged.</source>
         <translation>Davon kann kein Bild erstellt werden. Öffnen Sie die Datei in einem anderen Programm, um zu sehen, ob sie beschädigt ist.</translation>
+    </message>
+    <message>
+        <source>No picture named “%@” is there to look like</source>
+        <translation>Es gibt kein Bild namens „%@“, dem etwas gleichen könnte</translation>
     </message>
     <message>
         <source>No rating</source>
@@ -3736,6 +3776,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Only the first frame of it. Export it as it is to keep all.</source>
         <translation>Nur das erste Einzelbild davon. Exportieren Sie das Original, um alle zu behalten.</translation>
+    </message>
+    <message>
+        <source>Only this shade</source>
+        <translation>Nur dieser Ton</translation>
     </message>
     <message>
         <source>Open</source>
@@ -4404,6 +4448,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Set up…</source>
         <translation>Einrichten…</translation>
+    </message>
+    <message>
+        <source>Shades near to it</source>
+        <translation>Töne nahe daran</translation>
     </message>
     <message>
         <source>Share</source>
@@ -5176,6 +5224,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The keyring with your passwords is locked.</source>
         <translation>Der Schlüsselbund mit Ihren Passwörtern ist gesperrt.</translation>
+    </message>
+    <message>
+        <source>The largest: %ld × %ld pixels</source>
+        <translation>Das größte: %ld × %ld Pixel</translation>
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
@@ -6694,8 +6746,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Klammer zu</translation>
     </message>
     <message>
-        <source>color</source>
-        <translation>Farbe</translation>
+        <source>color or #3366cc</source>
+        <translation>Farbe oder #3366cc</translation>
     </message>
     <message>
         <source>copy files</source>
@@ -6972,6 +7024,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>name at least one item, and after the items the text of the note</source>
         <translation>mindestens ein Objekt angeben und nach den Objekten den Text der Notiz</translation>
+    </message>
+    <message>
+        <source>name or bundleID</source>
+        <translation>Name oder bundleID</translation>
     </message>
     <message>
         <source>name the addresses of the images</source>
@@ -7394,6 +7450,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>was gesendet wurde, ist zu groß</translation>
     </message>
     <message>
+        <source>what “%@” looks like is not known yet; a window finds it out, beside other work</source>
+        <translation>wie „%@“ aussieht, ist noch nicht bekannt; ein Fenster findet es neben anderer Arbeit heraus</translation>
+    </message>
+    <message>
         <source>white</source>
         <translation>weiß</translation>
     </message>
@@ -7698,8 +7758,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>„%@“ ist keine Adresse, die Zelto kennt; es gibt zelto:import: und zelto:snap:</translation>
     </message>
     <message>
-        <source>“%@” is no color; there are %@.</source>
-        <translation>„%@“ ist keine Farbe; es gibt %@.</translation>
+        <source>“%@” is no color; there are %@, or one as #3366cc, and behind it how near: ~0 to ~100.</source>
+        <translation>„%@“ ist keine Farbe; es gibt %@ oder eine wie #3366cc, und dahinter, wie nahe: ~0 bis ~100.</translation>
     </message>
     <message>
         <source>“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.</source>
@@ -7868,6 +7928,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL</source>
         <translation>„%@“ setzt nichts; schreiben Sie --set KEY=VALUE mit einem Attribut wie license, notes oder webURL</translation>
+    </message>
+    <message>
+        <source>“%@” shows nothing that another picture could look like</source>
+        <translation>„%@“ zeigt nichts, dem ein anderes Bild gleichen könnte</translation>
     </message>
     <message>
         <source>“%@” stays as it is.</source>

@@ -1231,6 +1231,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Tous les onglets</translation>
     </message>
     <message>
+        <source>All that is akin to it</source>
+        <translation>Tout ce qui s’en rapproche</translation>
+    </message>
+    <message>
         <source>All the child projects and their items will be also deleted.</source>
         <translation>Tous les projets enfants et leurs éléments seront également supprimés.</translation>
     </message>
@@ -1384,6 +1388,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Zone à capturer</translation>
     </message>
     <message>
+        <source>As %@ it is sharp in any size</source>
+        <translation>En %@, elle est nette à toute taille</translation>
+    </message>
+    <message>
         <source>As Grid</source>
         <translation>En grille</translation>
     </message>
@@ -1400,8 +1408,20 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Par exemple `zelto.*.debug=true`, qui active le journal de tous les sous-systèmes.</translation>
     </message>
     <message>
+        <source>As good as the others, and in the library for longest</source>
+        <translation>Aussi bonne que les autres, et depuis le plus longtemps dans la bibliothèque</translation>
+    </message>
+    <message>
+        <source>As good as the others, and rated highest</source>
+        <translation>Aussi bonne que les autres, et la mieux notée</translation>
+    </message>
+    <message>
         <source>As it is</source>
         <translation>Inchangé</translation>
+    </message>
+    <message>
+        <source>As large as the others, and %@ keeps more of a picture</source>
+        <translation>Aussi grande que les autres, et %@ garde davantage d’une image</translation>
     </message>
     <message>
         <source>Ascending</source>
@@ -2426,6 +2446,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Document HTML</translation>
     </message>
     <message>
+        <source>Has a color near %@ (%d)</source>
+        <translation>A une couleur proche de %@ (%d)</translation>
+    </message>
+    <message>
         <source>Has no tag at all</source>
         <translation>N’a aucun mot-clé</translation>
     </message>
@@ -2480,6 +2504,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>How often a backup is made by itself</source>
         <translation>Fréquence des sauvegardes automatiques</translation>
+    </message>
+    <message>
+        <source>Hue</source>
+        <translation>Teinte</translation>
     </message>
     <message>
         <source>IN FILES</source>
@@ -3290,6 +3318,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Examen des modifications</translation>
     </message>
     <message>
+        <source>Looks like the picture of this name</source>
+        <translation>Ressemble à l’image de ce nom</translation>
+    </message>
+    <message>
+        <source>Looks like “%@”</source>
+        <translation>Ressemble à « %@ »</translation>
+    </message>
+    <message>
         <source>Lower, as high or higher</source>
         <translation>Moins haut, aussi haut ou plus haut</translation>
     </message>
@@ -3378,8 +3414,8 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Modifié avant (&lt;), à (=) ou depuis (&gt;) la date, jour compris</translation>
     </message>
     <message>
-        <source>Mostly of this color</source>
-        <translation>Surtout de cette couleur</translation>
+        <source>Mostly of this color; with a code, or ~ and a number behind it, near to it</source>
+        <translation>Surtout de cette couleur ; avec un code, ou ~ et un nombre derrière : proche d’elle</translation>
     </message>
     <message>
         <source>Move</source>
@@ -3548,6 +3584,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>No picture can be made of it. Open it in another program to see whether it is damaged.</source>
         <translation>Impossible d’en créer une image. Ouvrez-le dans un autre programme pour voir s’il est endommagé.</translation>
+    </message>
+    <message>
+        <source>No picture named “%@” is there to look like</source>
+        <translation>Aucune image nommée « %@ » n’est là pour qu’on lui ressemble</translation>
     </message>
     <message>
         <source>No rating</source>
@@ -3736,6 +3776,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Only the first frame of it. Export it as it is to keep all.</source>
         <translation>Seulement sa première image. Exportez-le tel quel pour tout conserver.</translation>
+    </message>
+    <message>
+        <source>Only this shade</source>
+        <translation>Seulement cette nuance</translation>
     </message>
     <message>
         <source>Open</source>
@@ -4404,6 +4448,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Set up…</source>
         <translation>Configurer…</translation>
+    </message>
+    <message>
+        <source>Shades near to it</source>
+        <translation>Les nuances proches</translation>
     </message>
     <message>
         <source>Share</source>
@@ -5176,6 +5224,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The keyring with your passwords is locked.</source>
         <translation>Le trousseau contenant vos mots de passe est verrouillé.</translation>
+    </message>
+    <message>
+        <source>The largest: %ld × %ld pixels</source>
+        <translation>La plus grande : %ld × %ld pixels</translation>
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
@@ -6694,8 +6746,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>parenthèse fermante</translation>
     </message>
     <message>
-        <source>color</source>
-        <translation>couleur</translation>
+        <source>color or #3366cc</source>
+        <translation>couleur ou #3366cc</translation>
     </message>
     <message>
         <source>copy files</source>
@@ -6972,6 +7024,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>name at least one item, and after the items the text of the note</source>
         <translation>indiquez au moins un élément, et après les éléments le texte de la remarque</translation>
+    </message>
+    <message>
+        <source>name or bundleID</source>
+        <translation>nom ou bundleID</translation>
     </message>
     <message>
         <source>name the addresses of the images</source>
@@ -7394,6 +7450,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>ce qui a été envoyé est trop grand</translation>
     </message>
     <message>
+        <source>what “%@” looks like is not known yet; a window finds it out, beside other work</source>
+        <translation>on ne sait pas encore à quoi « %@ » ressemble ; une fenêtre le découvre, à côté d’autres travaux</translation>
+    </message>
+    <message>
         <source>white</source>
         <translation>blanc</translation>
     </message>
@@ -7698,8 +7758,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>« %@ » n’est pas une adresse connue de Zelto ; il y a zelto:import: et zelto:snap:</translation>
     </message>
     <message>
-        <source>“%@” is no color; there are %@.</source>
-        <translation>« %@ » n’est pas une couleur ; il y a %@.</translation>
+        <source>“%@” is no color; there are %@, or one as #3366cc, and behind it how near: ~0 to ~100.</source>
+        <translation>« %@ » n’est pas une couleur ; il y a %@, ou une comme #3366cc, et derrière la proximité : ~0 à ~100.</translation>
     </message>
     <message>
         <source>“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.</source>
@@ -7868,6 +7928,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL</source>
         <translation>« %@ » ne définit rien ; écrivez --set KEY=VALUE avec un attribut comme license, notes ou webURL</translation>
+    </message>
+    <message>
+        <source>“%@” shows nothing that another picture could look like</source>
+        <translation>« %@ » ne montre rien à quoi une autre image puisse ressembler</translation>
     </message>
     <message>
         <source>“%@” stays as it is.</source>

@@ -112,6 +112,13 @@ class Forms(unittest.TestCase):
         self.world.make("Backups/")
         yield "backup", self.run_json("backup", "Backups")
         yield "statistics", self.run_json("statistics")
+        for width in (90, 180): # one drawing in two sizes
+            (self.world.home / f"drawing {width}.svg").write_text(
+                f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{width * 2 // 3}" viewBox="0 0 90 60"><rect x="5" y="9" '
+                'width="50" height="30" fill="#2a7"/><circle cx="66" cy="41" r="13" fill="#c35"/></svg>')
+        drawn = self.run_json("import", "drawing 90.svg", "drawing 180.svg")["imported"]
+        yield "similar", self.run_json("similar", drawn[0])
+        yield "near-duplicates", self.run_json("near-duplicates")
         # A file that is missing, so that the export has something to say.
         Path(items[0]["itemPath"]).unlink()
         yield "export", self.run_json("export", *(item["bundleID"] for item in items), "--to", "out", "--format", "jpeg")

@@ -44,6 +44,22 @@ std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading
     return counts;
 }
 
+// What the pictures of this title look like; nothing where the index has no answer.
+std::optional<QList<ZQPictureHash>> picturesTitled(const LibraryIndex::Reading &reading, const QString &title)
+{
+    const auto rows = reading.matching(StoreSearch::titledPictures(title), ZQListRows::LibraryItems, reading.items());
+    if (!rows) {
+        return std::nullopt;
+    }
+    QList<ZQPictureHash> found;
+    for (const HashWords &words : reading.pictures(*rows).hashes) {
+        if (found.size() < StoreSearch::mostPictures) {
+            found.append(ZQPictureHash{words});
+        }
+    }
+    return found;
+}
+
 // What leads from items to the entries of one kind, as `contentRequest` has it for each.
 struct Together
 {
@@ -88,6 +104,12 @@ SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetc
             const auto reading = index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
             const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
             return repeated ? *repeated : ofStore();
+        };
+        result.picturesNamed = [index = m_index, ofStore = result.picturesNamed](const QString &name) {
+            const auto reading =
+                index->isReady() && index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
+            const auto titled = reading ? picturesTitled(*reading, name) : std::nullopt;
+            return titled && !titled->isEmpty() ? *titled : ofStore(name); // a bundleID only the store knows
         };
     }
     return result;

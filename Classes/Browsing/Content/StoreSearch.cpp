@@ -28,6 +28,7 @@ SearchContext StoreSearch::context(ZQListRows rows, const QList<ZQFetchRequest> 
     result.rows = rows;
     result.hashCounts = [requests, &context] { return hashCounts(requests, context); };
     result.liveFolderDepth = [&context] { return liveFolderDepth(context); };
+    result.picturesNamed = [&context](const QString &name) { return picturesNamed(name, context); };
     return result;
 }
 
@@ -58,6 +59,39 @@ QMap<QString, qint64> StoreSearch::hashCounts(const QList<ZQFetchRequest> &reque
                   context, counts);
     }
     return counts;
+}
+
+ZQPredicate StoreSearch::titledPictures(const QString &name)
+{
+    const qsizetype dot = name.lastIndexOf(u'.');
+    const QString stem = dot > 0 ? name.first(dot) : QString();
+    const ZQPredicate titled = ZQPredicate::predicateWithFormat(QStringLiteral("title ==[cd] %@"), {name});
+    const ZQPredicate withExtension = ZQPredicate::predicateWithFormat(
+        QStringLiteral("title ==[cd] %@ AND extension ==[cd] %@"), {stem, name.mid(dot + 1)});
+    return ZQPredicate::andPredicate({ZQPredicate::predicateWithFormat(QStringLiteral("active == YES")),
+                                      stem.isEmpty() ? titled : ZQPredicate::orPredicate({titled, withExtension})});
+}
+
+QList<ZQPictureHash> StoreSearch::picturesNamed(const QString &name, ZQManagedObjectContext &context)
+{
+    static const QString hash = QStringLiteral("pictureHash");
+    const ZQPredicate identified =
+        ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND bundleID == %@"), {name});
+    for (const ZQPredicate &predicate : {identified, titledPictures(name)}) { // the first has an index
+        const auto items = context.fetchDictionaries(
+            {.entityName = ZQLibraryBaseItem::entityName(), .predicate = predicate, .fetchLimit = mostPictures},
+            {hash});
+        QList<ZQPictureHash> found;
+        for (const QVariantMap &item : items.value_or(QList<QVariantMap>())) {
+            if (const auto read = ZQPictureHash::fromBytes(item.value(hash).toByteArray())) {
+                found.append(*read);
+            }
+        }
+        if (!found.isEmpty()) {
+            return found;
+        }
+    }
+    return {};
 }
 
 int StoreSearch::liveFolderDepth(ZQManagedObjectContext &context)

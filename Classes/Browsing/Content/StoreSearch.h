@@ -16,6 +16,11 @@ public:
     // How many items of the content have each SHA-1; an item that is in it twice is one.
     static QMap<QString, qint64> hashCounts(const QList<ZQFetchRequest> &requests,
                                             ZQManagedObjectContext &inManagedObjectContext);
+    // What the active pictures look like whose bundleID or title, with or without the extension, is `name`; at most
+    // `mostPictures`.
+    static QList<ZQPictureHash> picturesNamed(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQPredicate titledPictures(const QString &name); // the condition on those of this title
+    static constexpr int mostPictures = 16;
     // How many active live folders lie in each other at most; 1 for none.
     static int liveFolderDepth(ZQManagedObjectContext &inManagedObjectContext);
 };

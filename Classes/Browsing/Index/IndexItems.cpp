@@ -23,7 +23,9 @@ enum Property {
     ImportDate,
     ModificationDate,
     CreationDate,
-    WatchingFolder
+    WatchingFolder,
+    PictureHash,
+    Palette
 };
 
 // Null reads as 0 and as an empty text, and nearly nothing is either.
@@ -67,7 +69,9 @@ const QStringList &IndexItems::properties()
                                       QStringLiteral("import_date"),
                                       QStringLiteral("modification_date"),
                                       QStringLiteral("creation_date"),
-                                      QStringLiteral("watchingFolder")};
+                                      QStringLiteral("watchingFolder"),
+                                      QStringLiteral("pictureHash"),
+                                      QStringLiteral("palette")};
     return names;
 }
 
@@ -84,6 +88,7 @@ void IndexItems::forEachPlain(const IndexItems &other, const Visit &visit)
     visit(importDate, other.importDate);
     visit(modificationDate, other.modificationDate);
     visit(creationDate, other.creationDate);
+    visit(pictures, other.pictures);
 }
 
 quint8 IndexItems::kindOf(const ZQEntityDescription *entity)
@@ -144,6 +149,7 @@ void IndexItems::append(const ZQRowStream::Row &row)
     importDate.append(numberOf(row, ImportDate));
     modificationDate.append(numberOf(row, ModificationDate));
     creationDate.append(numberOf(row, CreationDate));
+    pictures.append(IndexPictures::valueOf(row.data(PictureHash), row.data(Palette)));
     folderKeys.push_back(row.number(WatchingFolder));
 }
 
@@ -219,6 +225,7 @@ void IndexItems::reserve(size_t rows)
     importDate.reserve(rows);
     modificationDate.reserve(rows);
     creationDate.reserve(rows);
+    pictures.reserve(rows);
 }
 
 // A vector that grows by itself would take twice the memory for one more item.
@@ -288,6 +295,7 @@ void IndexItems::shrink()
     importDate.shrink();
     modificationDate.shrink();
     creationDate.shrink();
+    pictures.shrink();
     zqShrink(folders);
 }
 
@@ -296,5 +304,6 @@ size_t IndexItems::bytes() const
     return keys.bytes() + present.bytes() + kinds.capacity() + active.bytes() + managed.bytes() + title.bytes() +
            foldedTitle.bytes() + foldedNotes.bytes() + digests.bytes() + extensions.capacity() * sizeof(quint32) +
            pixelWidth.bytes() + pixelHeight.bytes() + pixelTotal.bytes() + rating.bytes() + mainColor.bytes() +
-           importDate.bytes() + modificationDate.bytes() + creationDate.bytes() + folders.capacity() * sizeof(quint32);
+           importDate.bytes() + modificationDate.bytes() + creationDate.bytes() + pictures.bytes() +
+           folders.capacity() * sizeof(quint32);
 }

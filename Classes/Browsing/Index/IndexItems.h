@@ -3,6 +3,7 @@
 #include "Classes/Browsing/Index/IndexFlags.h"
 #include "Classes/Browsing/Index/IndexKeys.h"
 #include "Classes/Browsing/Index/IndexNumbers.h"
+#include "Classes/Browsing/Index/IndexPictures.h"
 #include "Classes/Browsing/Index/IndexSidebar.h"
 #include "Kit/Persistence/ZQRowStream.h"
 
@@ -52,6 +53,7 @@ public:
     IndexNumbers<qint64> importDate;
     IndexNumbers<qint64> modificationDate;
     IndexNumbers<qint64> creationDate;
+    IndexPictures pictures;
     ZQPagedVector<quint32> folders;   // numbers of the sidebar
     ZQPagedVector<qint64> folderKeys; // of the rows beyond those of `folders`
 
@@ -62,7 +64,7 @@ private:
     void assignFrom(const IndexItems &other, size_t otherRow, size_t row);
 
     QHash<QString, quint32> m_extensions;
-    // Calls `visit(column, other's)` for each column of numbers or flags.
+    // Calls `visit(column, other's)` for each column of numbers, flags or pictures.
     template <class Visit>
     void forEachPlain(const IndexItems &other, const Visit &visit);
     void makeRoom(size_t rows);

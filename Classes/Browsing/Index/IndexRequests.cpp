@@ -20,6 +20,15 @@ public:
     {
         return !keys.isEmpty() && keys.first() == itemKey ? m_columns.column(keys.mid(1)) : std::nullopt;
     }
+    bool hasResemblances(const QStringList &keys) const override
+    {
+        return !keys.isEmpty() && keys.first() == itemKey && m_columns.hasResemblances(keys.mid(1));
+    }
+    std::optional<ZQRowSet> resembling(const QStringList &keys, const QString &text,
+                                       const ZQRowSet &among) const override
+    {
+        return m_columns.resembling(keys.mid(1), text, among);
+    }
 
 private:
     const LibraryColumns &m_columns;

@@ -254,6 +254,29 @@ private:
     int m_count;
 };
 
+class HueKey : public IndexSorter::Key
+{
+public:
+    explicit HueKey(const IndexPictures &pictures) : m_pictures(pictures) {}
+    void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
+    {
+        for (size_t i = 0; i < rows.size(); ++i) {
+            numbers[i] = quint64(place(rows[i])) + 1; // none is no null, but the last place
+        }
+    }
+    bool isWhole() const override { return true; }
+    int compare(quint32 a, quint32 b) const override { return place(a) - place(b); }
+
+private:
+    int place(quint32 row) const
+    {
+        const PictureColors *colors = m_pictures.colors(row);
+        return colors ? colors->huePlace() : PictureColors::lastPlace;
+    }
+
+    const IndexPictures &m_pictures;
+};
+
 class DigestKey : public IndexSorter::Key
 {
 public:
@@ -389,6 +412,9 @@ std::shared_ptr<const IndexSorter::Key> IndexSorter::keyFor(const LibraryColumns
     }
     if (name == ListOrder::kindKey) {
         return kindKey(items);
+    }
+    if (name == ListOrder::hueKey) {
+        return std::make_shared<HueKey>(items.pictures);
     }
     if (name == QStringLiteral("SHA1") && comparison == ZQSortDescriptor::Comparison::Standard) {
         return std::make_shared<DigestKey>(items.digests);

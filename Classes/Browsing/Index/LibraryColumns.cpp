@@ -1,8 +1,13 @@
 #include "Classes/Browsing/Index/LibraryColumns.h"
 
 #include "Classes/Browsing/Index/LibraryLists.h"
+#include "Classes/Browsing/Index/PictureConditions.h"
+#include "Classes/Browsing/Index/SimilarPictures.h"
 
 namespace {
+
+const QString pictureHashKey = QStringLiteral("pictureHash");
+const QString paletteKey = QStringLiteral("palette");
 
 std::optional<std::string> copyAt(const ZQTextBlocks &texts, size_t row)
 {
@@ -70,6 +75,23 @@ std::optional<ZQColumn> LibraryColumns::column(const QStringList &keys) const
                       : std::nullopt;
     }
     return keys.size() == 1 ? attribute(first) : std::nullopt;
+}
+
+bool LibraryColumns::hasResemblances(const QStringList &keys) const
+{
+    return keys == QStringList{pictureHashKey} || keys == QStringList{paletteKey};
+}
+
+std::optional<ZQRowSet> LibraryColumns::resembling(const QStringList &keys, const QString &text,
+                                                   const ZQRowSet &among) const
+{
+    const bool isOfHash = keys.first() == pictureHashKey;
+    const auto picture = isOfHash ? PictureCondition::fromText(text) : std::nullopt;
+    const auto color = isOfHash ? std::nullopt : ColorCondition::fromText(text);
+    if (picture) {
+        return zqPicturesWithin(items.pictures, picture->hash, picture->farthest, among);
+    }
+    return color ? zqPicturesWithColor(items.pictures, color->nearness(), among) : ZQRowSet(among.rowCount());
 }
 
 std::optional<IndexTitles> LibraryColumns::titlesAfter(const Changes &changes) const

@@ -30,6 +30,9 @@ public:
 
     size_t rowCount() const override { return items.size(); }
     std::optional<ZQColumn> column(const QStringList &keys) const override;
+    bool hasResemblances(const QStringList &keys) const override;
+    std::optional<ZQRowSet> resembling(const QStringList &keys, const QString &text,
+                                       const ZQRowSet &among) const override;
 
     // The places of titles after `changes`, which are not in yet; nothing when they stay. Long, and only reads.
     std::optional<IndexTitles> titlesAfter(const Changes &changes) const;

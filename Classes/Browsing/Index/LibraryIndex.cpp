@@ -3,6 +3,8 @@
 #include "Classes/Browsing/Index/IndexCounts.h"
 #include "Classes/Browsing/Index/IndexReader.h"
 #include "Classes/Browsing/Index/IndexRequests.h"
+#include "Classes/Browsing/Index/NearGroups.h"
+#include "Classes/Browsing/Index/SimilarPictures.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQSignalStack.h"
@@ -70,6 +72,7 @@ struct LibraryIndex::Reading::State
     quint64 generation;
 
     IndexRequests requests() const { return {columns, index->orders, generation}; }
+    std::optional<quint32> rowOf(const ZQObjectID &item) const; // of one that is there
 };
 
 LibraryIndex::LibraryIndex(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent)
@@ -400,6 +403,77 @@ std::vector<qint64> LibraryIndex::Reading::importedBetween(const std::vector<qin
 QStringList LibraryIndex::Reading::repeatedDigests(const ZQRowSet &rows) const
 {
     return IndexCounts(d->columns, {}).repeatedDigests(rows);
+}
+
+std::optional<quint32> LibraryIndex::Reading::State::rowOf(const ZQObjectID &item) const
+{
+    const bool isItem = !item.isNull() && !item.isTemporary() && item.rootEntity() == columns.itemEntity;
+    const auto row = isItem ? columns.items.keys.rowOf(item.key) : std::nullopt;
+    return row && columns.items.present.contains(*row) ? row : std::nullopt;
+}
+
+std::optional<ZQPictureHash> LibraryIndex::Reading::pictureHash(const ZQObjectID &item) const
+{
+    const auto row = d->rowOf(item);
+    const auto words = row ? d->columns.items.pictures.value(*row).hash : std::nullopt;
+    return words ? std::optional(ZQPictureHash{*words}) : std::nullopt;
+}
+
+std::vector<std::pair<ZQObjectID, int>> LibraryIndex::Reading::similar(const ZQPictureHash &hash, size_t limit,
+                                                                       int farthest) const
+{
+    const IndexItems &items = d->columns.items;
+    std::vector<std::pair<ZQObjectID, int>> result;
+    for (const SimilarPicture &each : zqNearestPictures(items, hash, active(), limit, farthest)) {
+        result.emplace_back(items.id(each.row), each.distance);
+    }
+    return result;
+}
+
+std::optional<ZQRowSet> LibraryIndex::Reading::near(const ZQOklab &color, float tolerance, const ZQRowSet &among) const
+{
+    return zqPicturesWithColor(d->columns.items.pictures, ColorNearness(color, tolerance), among);
+}
+
+PictureSet LibraryIndex::Reading::pictures(const ZQRowSet &among) const
+{
+    const IndexItems &items = d->columns.items;
+    PictureSet result;
+    result.items.reserve(items.pictures.rows().size());
+    result.hashes.reserve(items.pictures.rows().size());
+    among.forEach([&](size_t row) {
+        if (const auto hash = items.pictures.value(row).hash; hash && items.present.contains(row)) {
+            result.add(items.id(quint32(row)), *hash);
+        }
+    });
+    return result;
+}
+
+std::vector<QList<ZQObjectID>> LibraryIndex::Reading::nearDuplicates(const ZQRowSet &among, int farthest,
+                                                                     const std::function<void(double)> &progress) const
+{
+    const PictureSet pictures = this->pictures(among);
+    std::vector<QList<ZQObjectID>> result;
+    for (const std::vector<quint32> &group :
+         NearGroups::of(pictures.hashes, farthest, progress).value_or(NearGroups::Groups())) {
+        QList<ZQObjectID> &ids = result.emplace_back();
+        for (const quint32 place : group) {
+            ids.append(pictures.items[place]);
+        }
+    }
+    return result;
+}
+
+ZQRowSet LibraryIndex::Reading::rowsOf(const QList<ZQObjectID> &items) const
+{
+    ZQRowSet rows(rowCount());
+    for (const ZQObjectID &item : items) {
+        if (const auto row = d->rowOf(item)) {
+            rows.insert(*row);
+        }
+    }
+    rows &= d->columns.items.active.rows();
+    return rows;
 }
 
 ZQRowSet LibraryIndex::Reading::setOf(const IndexRows &rows, size_t rowCount)

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Classes/Browsing/Index/IndexRows.h"
+#include "Classes/Browsing/Index/PictureSet.h"
 #include "Classes/Browsing/Index/SizeClasses.h"
+#include "Kit/Imaging/ZQOklab.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQRowSet.h"
 #include "Models/DataModel/ZQListRows.h"
@@ -11,11 +13,13 @@
 #include <QObject>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
-// What is searched, sorted and counted of all items of a library, as columns in memory: under 300 bytes an item.
+// What is searched, sorted and counted of all items of a library, as columns in memory: under 300 bytes an item,
+// and 60 more for one whose picture is known.
 //
 // Built by one pass over the store on threads of its own, and kept by reading again, on its own thread, the rows that
 // saves announce. It is never a second truth: it answers what the saved store would answer, a moment later, and says
@@ -96,6 +100,22 @@ public:
         std::vector<qint64> importedBetween(const std::vector<qint64> &bounds, const ZQRowSet &rows) const;
         // The digests that more than one of the rows have, "0" left out.
         QStringList repeatedDigests(const ZQRowSet &rows) const;
+
+        // What the picture of an item looks like; nothing for one that shows nothing, or was not yet looked at.
+        std::optional<ZQPictureHash> pictureHash(const ZQObjectID &item) const;
+        // The active items that look most like it, with how many bits they are apart: nearest first.
+        std::vector<std::pair<ZQObjectID, int>> similar(const ZQPictureHash &hash, size_t limit, int farthest) const;
+        // Those among `among` whose palette has a colour at most so far from it, in Oklab; less far where it has only
+        // little of it.
+        std::optional<ZQRowSet> near(const ZQOklab &color, float tolerance, const ZQRowSet &among) const;
+        // The pictures of rows, to be looked at for longer than an answer may take.
+        PictureSet pictures(const ZQRowSet &among) const;
+        // Groups of `among` that look alike, as NearGroups finds them. Of a million this takes seconds, in which
+        // nothing can change: for few; for many, of `pictures`.
+        std::vector<QList<ZQObjectID>> nearDuplicates(const ZQRowSet &among, int farthest,
+                                                      const std::function<void(double)> &progress) const;
+        // The rows of active items; others are left out.
+        ZQRowSet rowsOf(const QList<ZQObjectID> &items) const;
 
         static ZQRowSet setOf(const IndexRows &rows, size_t rowCount);
 

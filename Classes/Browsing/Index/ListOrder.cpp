@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Index/ListOrder.h"
 
+#include "Classes/Browsing/Index/PictureColors.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModelFetch.h"
@@ -18,7 +19,7 @@ constexpr auto localized = ZQSortDescriptor::Comparison::LocalizedStandard;
 bool isOfItems(const ZQSortDescriptor &descriptor)
 {
     const QString key = zqItemKey(descriptor.keyPath);
-    return key == ListOrder::kindKey || key == ListOrder::tagsKey;
+    return key == ListOrder::kindKey || key == ListOrder::tagsKey || key == ListOrder::hueKey;
 }
 
 struct Value
@@ -26,6 +27,7 @@ struct Value
     QVariantList leading; // of the descriptors before
     QString kind;
     QStringList tags;
+    int hue = 0;
 };
 
 int compare(const Value &a, const Value &b)
@@ -53,7 +55,8 @@ int compare(const Value &a, const Value &b, const QList<ZQSortDescriptor> &leadi
         }
     }
     const int byTags = compare(a, b);
-    const int order = byTags != 0 ? byTags : QString::compare(a.kind, b.kind);
+    const int byHue = a.hue - b.hue;
+    const int order = byTags != 0 ? byTags : byHue != 0 ? byHue : QString::compare(a.kind, b.kind);
     return own.ascending ? order : -order;
 }
 
@@ -66,6 +69,9 @@ Value valueOf(const ZQLibraryBaseItem &item, const QList<ZQSortDescriptor> &lead
     }
     if (key == ListOrder::kindKey) {
         value.kind = item.extension().toLower();
+    } else if (key == ListOrder::hueKey) {
+        const QByteArray palette = item.palette();
+        value.hue = PictureColors::of({palette.constData(), size_t(palette.size())}).huePlace();
     } else {
         value.tags = item.userTagTitles();
     }
@@ -101,7 +107,7 @@ std::optional<std::vector<Value>> valuesOf(const QList<ZQObjectID> &items, ZQMan
 bool ListOrder::isKnown(int value)
 {
     return (value >= int(ZQSortValue::Manual) && value <= int(ZQSortValue::CreationDate)) ||
-           (value >= int(byKind) && value <= int(byTags));
+           (value >= int(byKind) && value <= int(byHue));
 }
 
 QList<ZQSortDescriptor> ListOrder::descriptors(ZQSortValue value, bool isAscending, ZQListRows rows)
@@ -116,6 +122,8 @@ QList<ZQSortDescriptor> ListOrder::descriptors(ZQSortValue value, bool isAscendi
                 {path(QStringLiteral("import_date")), isAscending, standard}};
     case int(byTags):
         return {{path(tagsKey), isAscending, standard}, byTitle};
+    case int(byHue):
+        return {{path(hueKey), isAscending, standard}, byTitle};
     default:
         return ZQSidebarBaseItem::sortDescriptorsForSortValue(value, isAscending, rows);
     }

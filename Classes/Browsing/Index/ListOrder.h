@@ -16,6 +16,7 @@ namespace ListOrder {
 inline constexpr auto byKind = ZQSortValue::ListKind; // extensions, upper and lower case alike
 inline constexpr auto byRating = ZQSortValue::ListRating;
 inline constexpr auto byTags = ZQSortValue::ListTags; // a person's, by the titles that are shown first; none come last
+inline constexpr auto byHue = ZQSortValue::ListHue;   // of the palette: as a rainbow, then greys, then no picture
 
 bool isKnown(int value); // the number of an order
 
@@ -23,6 +24,7 @@ bool isKnown(int value); // the number of an order
 QList<ZQSortDescriptor> descriptors(ZQSortValue value, bool isAscending, ZQListRows rows);
 
 inline const QString kindKey = QStringLiteral("lowercaseExtension");
+inline const QString hueKey = QStringLiteral("hue");
 inline const QString tagsKey = QStringLiteral("tagTitles");
 
 // Titles are compared by their letters, upper and lower case alike, and so many of an item.

@@ -1,6 +1,9 @@
 #include "Classes/Browsing/Search/SearchClause.h"
 
 #include "Classes/Browsing/Index/KindNames.h"
+#include "Classes/Browsing/Index/PictureConditions.h"
+#include "Classes/Browsing/Search/ColorArgument.h"
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Browsing/Search/SearchQueries.h"
 #include "Classes/Browsing/Search/SearchSpan.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -59,6 +62,7 @@ QString sentenceForText(SearchField field, const QString &text)
         {SearchField::Size, zqKey("Size class is “%@”")},
         {SearchField::Color, zqKey("Color is “%@”")},
         {SearchField::Hash, zqKey("Digest is %@")},
+        {SearchField::Like, zqKey("Looks like “%@”")},
     };
     for (const Sentence &each : sentences) {
         if (each.field == field) {
@@ -134,38 +138,48 @@ SearchClause dateClause(const SearchLexeme &lexeme, const QString &method, const
     return clause;
 }
 
-// 0 for "none", nothing for what is no colour.
-std::optional<int> colorForName(const QString &text)
-{
-    const QString name = zqFold(text);
-    if (name == u"none" || name == zqFold(zqLocalized("none"))) {
-        return 0;
-    }
-    const int known = ZQSidebarTag::colorValueForName(name == u"grey" ? QStringLiteral("gray") : name);
-    if (known != -1) {
-        return known;
-    }
-    for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
-        if (name == QString::number(code) || name == zqFold(ZQSidebarTag::colorNameForValue(code))) {
-            return code;
-        }
-    }
-    return std::nullopt;
-}
-
 SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &context)
 {
-    const auto color = colorForName(lexeme.text);
+    const auto color = ColorArgument::of(lexeme.text);
     if (!color) {
         QStringList names;
         for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
             names.append(ZQSidebarTag::colorNameForValue(code));
         }
-        return wrong(SearchProblem::BadColor, zqKey("“%@” is no color; there are %@."),
+        return wrong(SearchProblem::BadColor,
+                     zqKey("“%@” is no color; there are %@, or one as #3366cc, and behind it how near: ~0 to ~100."),
                      {shown(lexeme.text), names.join(QStringLiteral(", "))});
     }
-    const QString name = *color != 0 ? ZQSidebarTag::colorNameForValue(*color) : zqLocalized("none");
-    return plainClause(SearchQueries::colorQuery(*color, context.rows), sentenceForText(SearchField::Color, name));
+    const QString name = color->code
+                             ? *color->code != 0 ? ZQSidebarTag::colorNameForValue(*color->code) : zqLocalized("none")
+                             : ColorArgument::textFor(*color->rgb);
+    if (!color->isNearness()) {
+        return plainClause(SearchQueries::colorQuery(*color->code, context.rows),
+                           sentenceForText(SearchField::Color, name));
+    }
+    const ColorCondition condition{*color->rgb, color->tolerance.value_or(ColorCondition::usualTolerance)};
+    return plainClause(SearchQueries::resemblanceQuery(QStringLiteral("palette"), {condition.text()}, context.rows),
+                       zqFormat(zqLocalized("Has a color near %@ (%d)"), {name, condition.tolerance}));
+}
+
+// Without a function that knows the pictures nothing is found: the text alone does not say what one looks like.
+SearchClause likeClause(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    const LikeArgument like = LikeArgument::of(lexeme.text);
+    const int farthest = std::min(like.farthestBits(), ZQPictureHash::similarDistance);
+    QStringList conditions;
+    for (const ZQPictureHash &hash :
+         context.picturesNamed ? context.picturesNamed(like.name) : QList<ZQPictureHash>()) {
+        conditions.append(PictureCondition{hash, farthest}.text());
+    }
+    const QString query = SearchQueries::resemblanceQuery(QStringLiteral("pictureHash"), conditions, context.rows);
+    const bool isUnknown = context.picturesNamed && conditions.isEmpty();
+    SearchClause clause = plainClause(
+        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is there to look like"), {shown(lexeme.text)})
+                         : sentenceForText(SearchField::Like, lexeme.text));
+    clause.cost = 1 + int(conditions.size());
+    clause.normalized = lexeme.token->name() + u' ' + zqFold(lexeme.text);
+    return clause;
 }
 
 SearchClause sizeClause(const SearchLexeme &lexeme, const SearchContext &context)
@@ -260,6 +274,8 @@ SearchClause clauseOfToken(const SearchLexeme &lexeme, const QString &method, co
     switch (lexeme.token->field) {
     case SearchField::Folder:
         return folderClause(lexeme, context);
+    case SearchField::Like:
+        return likeClause(lexeme, context);
     case SearchField::Duplicates:
     case SearchField::DuplicatesHashes:
         return duplicatesClause(lexeme, context);

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Search/SearchCompletion.h"
 
+#include "Classes/Browsing/Search/ColorArgument.h"
 #include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Browsing/Search/SearchTokenizer.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -20,6 +21,27 @@ QList<SearchCompletion> dateOptions(const QDate &today)
             value(QStringLiteral("7d"), zqLocalized("The last seven days")),
             value(today.toString(QStringLiteral("yyyy-MM")), zqLocalized("This month")),
             value(today.toString(QStringLiteral("yyyy")), zqLocalized("This year"))};
+}
+
+// How near, behind a colour that is typed out.
+QList<SearchCompletion> nearnesses(const QString &typed)
+{
+    const QString color = typed.section(u'~', 0, 0);
+    const auto argument = ColorArgument::of(color);
+    QList<SearchCompletion> options;
+    if (!argument || !argument->rgb || argument->tolerance) {
+        return options;
+    }
+    const std::pair<int, const char *> choices[] = {
+        {4, zqKey("Only this shade")}, {10, zqKey("Shades near to it")}, {20, zqKey("All that is akin to it")}};
+    for (const auto &[tolerance, meaning] : choices) {
+        const QString text = ColorArgument::textFor(color, tolerance);
+        if (text.startsWith(typed, Qt::CaseInsensitive)) {
+            options.append(value(text, zqLocalized(meaning)));
+            options.last().color = argument->code.value_or(0);
+        }
+    }
+    return options;
 }
 
 QList<SearchCompletion> optionsForArgument(SearchArgument argument, const QDate &today)
@@ -88,6 +110,9 @@ SearchCompletions forArgument(const SearchLexeme &lexeme, const QString &text, q
     result.options.removeIf([&result](const SearchCompletion &option) {
         return !option.text.startsWith(result.typed, Qt::CaseInsensitive);
     });
+    if (lexeme.token->argument == SearchArgument::Color) {
+        result.options += nearnesses(result.typed);
+    }
     return result;
 }
 

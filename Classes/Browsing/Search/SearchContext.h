@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Classes/Browsing/Index/SizeClasses.h"
+#include "Kit/Imaging/ZQPictureHash.h"
 #include "Models/DataModel/ZQListRows.h"
 
 #include <QDate>
+#include <QList>
 #include <QMap>
 #include <QString>
 
@@ -20,6 +22,9 @@ struct SearchContext
     bool leavesOutDigests = false;
     // How many live folders lie in each other at most; 1 when none holds another. Null: 1.
     std::function<int()> liveFolderDepth = nullptr;
+    // What the pictures look like that a name or bundleID means; those without a picture are left out. Null: none is
+    // known.
+    std::function<QList<ZQPictureHash>(const QString &name)> picturesNamed = nullptr;
     QDate today = QDate::currentDate();
     SizeClasses::Limits sizes = SizeClasses::Limits::current();
 };

@@ -107,6 +107,19 @@ QString SearchQueries::colorQuery(int color, ZQListRows rows)
                      : QStringLiteral("NOT ( %1 BETWEEN {1000, 1009} )").arg(field);
 }
 
+QString SearchQueries::resemblanceQuery(const QString &key, const QStringList &texts, ZQListRows rows)
+{
+    if (texts.isEmpty()) {
+        return QStringLiteral("FALSEPREDICATE");
+    }
+    const QString before = zqItemKeyPath(rows, key) + QStringLiteral(" RESEMBLES \"");
+    QStringList parts;
+    for (const QString &text : texts) {
+        parts.append(before + safeSearchString(text) + u'"');
+    }
+    return parts.join(either);
+}
+
 QString SearchQueries::kindQuery(const QString &kind, ZQListRows rows)
 {
     QStringList extensions = KindNames::extensionsOfKind(kind);

@@ -21,6 +21,8 @@ public:
     static QString numberQuery(const QString &field, const QString &method, qint64 value);
     // Of a main colour's code; 0: those that are none.
     static QString colorQuery(int color, ZQListRows rows);
+    // Items whose data at `key` resemble one of these texts. None: a condition that nothing meets.
+    static QString resemblanceQuery(const QString &key, const QStringList &texts, ZQListRows rows);
     static QString kindQuery(const QString &kind, ZQListRows rows);
 
     // `date` as `SearchSpan` reads it; an empty text when it is none.

@@ -20,6 +20,7 @@ enum class SearchField {
     Created,
     Rating,
     Color,
+    Like,
     Kind,
     Size,
     Folder,

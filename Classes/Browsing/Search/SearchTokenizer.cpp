@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Search/SearchTokenizer.h"
 
+#include "Classes/Browsing/Search/ColorArgument.h"
 #include "Classes/Browsing/Search/SearchSpan.h"
 
 #include <algorithm>
@@ -176,6 +177,15 @@ void SearchTokenizer::readArgument(SearchLexeme &lexeme)
         return;
     }
     const QStringView rest = m_text.mid(start);
+    const QStringView typed = rest.startsWith(u'#') ? chunkAt(start) : QStringView();
+    const bool isColor = lexeme.token->argument == SearchArgument::Color && typed.startsWith(u'#') &&
+                         ColorArgument::isHex(typed.first(std::find(typed.begin(), typed.end(), u'~') - typed.begin()));
+    if (isColor) {
+        lexeme.text = typed.toString();
+        lexeme.hasArgument = true;
+        m_position = start + typed.size();
+        return;
+    }
     if (rest.startsWith(u'#') || rest.startsWith(u"-#") || rest.startsWith(u"+#")) { // before a look at all of it
         return;
     }

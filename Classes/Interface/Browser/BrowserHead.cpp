@@ -28,6 +28,7 @@ constexpr SortChoice sortChoices[] = {
     {ListOrder::byKind, zqKey("Kind")},
     {ListOrder::byRating, zqKey("Rating")},
     {ListOrder::byTags, zqKey("Tags")},
+    {ListOrder::byHue, zqKey("Hue")},
     {ZQSortValue::None, zqKey("Sidebar order")},
 };
 

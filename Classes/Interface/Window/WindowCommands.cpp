@@ -158,7 +158,7 @@ QMenu *WindowCommands::makeOrderMenu(CommandID first, QWidget *parent)
     const bool isGroups = first == CommandID::GroupPlain;
     auto *menu = new QMenu(isGroups ? zqLocalized("Group") : zqLocalized("Sort"), parent);
     menu->setObjectName(isGroups ? QStringLiteral("Group") : QStringLiteral("Sort"));
-    const CommandID last = isGroups ? CommandID::GroupBySize : CommandID::SortByTags;
+    const CommandID last = isGroups ? CommandID::GroupBySize : CommandID::SortByHue;
     for (int id = int(first); id <= int(last); ++id) {
         menu->addAction(action(CommandID(id)));
     }

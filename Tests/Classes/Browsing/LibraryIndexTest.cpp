@@ -1,6 +1,7 @@
 #include "Classes/Browsing/Index/LibraryIndex.h"
 
 #include "Classes/Browsing/Index/ListOrder.h"
+#include "Classes/Browsing/Index/PictureConditions.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryPDF.h"
@@ -41,6 +42,16 @@ const std::vector<QString> digests = {{},
                                       QStringLiteral("DA39A3EE5E6B4B0D3255BFEF95601890AFD80709"),
                                       QStringLiteral("ffffffffffffffffffffffffffffffffffffffff")};
 
+// Three pictures that look like nothing of each other.
+ZQPictureHash picture(size_t number)
+{
+    std::mt19937_64 bits(number);
+    ZQPictureHash hash;
+    std::generate(hash.words.begin(), hash.words.end(), bits);
+    return hash;
+}
+constexpr int apart = 20; // bits, at most, of those that are made of one
+
 // A library that is filled and changed at random, and what follows it.
 class LibraryIndexTest : public BrowsingFixture
 {
@@ -76,8 +87,32 @@ protected:
         const QDateTime start(QDate(2024, 1, 30), QTime(23, 59, 59), Qt::UTC);
         return oneIn(5) ? std::nullopt : std::optional(start.addSecs(qint64(random() % 8) * 86400 * 11));
     }
+    // Now and then nobody looked at it yet, or it shows nothing.
+    QByteArray pictureHash()
+    {
+        if (oneIn(4)) {
+            return oneIn(2) ? QByteArray() : QByteArray("");
+        }
+        ZQPictureHash hash = picture(random() % 3);
+        for (auto i = random() % (2 * apart); i > 0; --i) {
+            const unsigned bit = random() % ZQPictureHash::bitCount;
+            hash.words[bit / 64] ^= quint64(1) << (bit % 64);
+        }
+        return hash.bytes();
+    }
+    QByteArray palette()
+    {
+        const std::vector<QRgb> colors = {0x3366cc, 0x3a6ad0, 0x204080, 0xcc3333, 0xffffff, 0x000000, 0x808080};
+        ZQPalette palette;
+        for (auto i = random() % (ZQPalette::maximum + 1); i > 0; --i) {
+            palette.colors.append({oneOf(colors), quint8(1 + random() % 60)});
+        }
+        return palette.bytes();
+    }
     void change(ZQLibraryBaseItem &item)
     {
+        item.setPictureHash(pictureHash());
+        item.setPalette(palette());
         item.setTitle(oneOf(texts));
         item.setNotes(oneIn(3) ? oneOf(texts) : QString());
         item.setExtension(oneOf(extensions));
@@ -202,6 +237,11 @@ protected:
                                "( item.watchingFolder.father.title contains[cd] \"liv\" )"),
                 QStringLiteral("item.rating >= 3 AND NOT (item.mainColor == 1003)"),
                 QStringLiteral("item.watchingFolder == nil"),
+                QStringLiteral("item.pictureHash RESEMBLES \"%1\"").arg(PictureCondition{picture(1), apart}.text()),
+                QStringLiteral("NONE item.pictureHash RESEMBLES \"%1\" AND item.rating > 1")
+                    .arg(PictureCondition{picture(2), apart}.text()),
+                QStringLiteral("item.palette RESEMBLES \"%1\"").arg(ColorCondition{0x3366cc, 8}.text()),
+                QStringLiteral("NOT (item.palette RESEMBLES \"%1\")").arg(ColorCondition{0xfefefe, 0}.text()),
                 QStringLiteral("NONE item.tags.title ==[cd] \"final\" AND item.title != nil")};
     }
     void expectTheStoresAnswers(LibraryIndex &of);
@@ -342,7 +382,7 @@ TEST_F(LibraryIndexTest, OrdersByColumnsOfAListAsTheItemsThemselvesSay)
     }
     tags.last()->setActive(false);
     fill(250);
-    compareColumnOrders({ListOrder::byKind, ListOrder::byRating, ListOrder::byTags});
+    compareColumnOrders({ListOrder::byKind, ListOrder::byRating, ListOrder::byTags, ListOrder::byHue});
 }
 
 TEST_F(LibraryIndexTest, OrdersByTagsAlsoWhereTheyAreMoreThanANumberHasRoomForFourOf)
@@ -359,6 +399,42 @@ TEST_F(LibraryIndexTest, OrdersByTagsAlsoWhereTheyAreMoreThanANumberHasRoomForFo
     }
     fill(250);
     compareColumnOrders({ListOrder::byTags});
+}
+
+TEST_F(LibraryIndexTest, KnowsWhatPicturesLookLikeAsTheirItemsSay)
+{
+    fill(200);
+    const auto reading = current(index);
+    int pictures = 0;
+    for (const auto &item : items) {
+        const auto hash = ZQPictureHash::fromBytes(item->pictureHash());
+        EXPECT_EQ(reading.pictureHash(item->objectID()), hash);
+        pictures += hash && item->active() ? 1 : 0;
+    }
+    EXPECT_EQ(reading.pictures(reading.active()).items.size(), size_t(pictures));
+    EXPECT_FALSE(reading.pictureHash({}).has_value());
+    const auto similar = reading.similar(picture(0), 10, 2 * apart);
+    ASSERT_EQ(similar.size(), 10U);
+    for (size_t i = 0; i < similar.size(); ++i) {
+        const ZQObjectID id = similar[i].first;
+        const int distance = similar[i].second;
+        const auto item = std::find_if(items.begin(), items.end(),
+                                       [&id](const auto &candidate) { return candidate->objectID() == id; });
+        ASSERT_TRUE(item != items.end() && (*item)->active());
+        EXPECT_EQ(ZQPictureHash::fromBytes((*item)->pictureHash())->distance(picture(0)), distance);
+        EXPECT_TRUE(i == 0 || similar[i - 1].second <= distance);
+    }
+    // As far as a store can tell without an index.
+    ZQError error;
+    ZQManagedObjectContext context(library.coordinator());
+    const auto stored = PictureSet::ofStore(context, &error);
+    ASSERT_TRUE(stored.has_value()) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(stored->nearest(picture(0).words, 10, 2 * apart), similar);
+    const auto blue = reading.near(ZQOklab::of(0x3366cc), 0.05F, reading.active());
+    ASSERT_TRUE(blue.has_value());
+    EXPECT_EQ(*blue, *reading.matching(ZQPredicate::predicateWithFormat(QStringLiteral("palette RESEMBLES %@"),
+                                                                        {ColorCondition{0x3366cc, 5}.text()}),
+                                       ZQListRows::LibraryItems, reading.active()));
 }
 
 TEST_F(LibraryIndexTest, LeavesToTheStoreWhatItHasNoColumnFor)

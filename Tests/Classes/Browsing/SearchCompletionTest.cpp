@@ -51,6 +51,8 @@ TEST(SearchCompletionTest, OptionsFitWhatIsTypedBeforeTheCursor)
     EXPECT_EQ(options("#live |"), "");
     EXPECT_EQ(options("#color b|"), "black blue");
     EXPECT_EQ(options("#color = b|"), "black blue");
+    EXPECT_EQ(options("#color #3366cc|"), "#3366cc~4 #3366cc~10 #3366cc~20");
+    EXPECT_EQ(options("#color blue~1|"), "blue~10");
     EXPECT_EQ(options("#size |"), "none icon small medium large vector");
     EXPECT_EQ(options("#size vec|"), "vector");
     EXPECT_EQ(options("#d=|"), "today yesterday 7d 2026-03 2026");

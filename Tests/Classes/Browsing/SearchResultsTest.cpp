@@ -1,3 +1,4 @@
+#include "Kit/Imaging/ZQPalette.h"
 #include "Tests/Classes/Browsing/SearchFixture.h"
 
 namespace {
@@ -86,6 +87,49 @@ TEST_F(SearchResultsTest, WordsAndTokensFindWhatTheySay)
     for (const Case &each : cases) {
         EXPECT_EQ(found(each.text), each.found) << each.text;
     }
+}
+
+TEST_F(SearchResultsTest, PicturesAreFoundByWhatTheyLookLike)
+{
+    ZQPictureHash logo;
+    logo.words = {1, 2, 3, 4};
+    ZQPictureHash like = logo;
+    like.words[0] ^= 0xff00;
+    ZQPictureHash other = logo;
+    other.words = {~quint64(1), ~quint64(2), ~quint64(3), ~quint64(4)};
+    const auto palette = [](QRgb most, QRgb little) { return ZQPalette{{{most, 200}, {little, 6}}}.bytes(); };
+    items[0]->setPictureHash(logo.bytes());
+    items[0]->setPalette(palette(0x3366cc, 0xff0000));
+    items[1]->setPictureHash(like.bytes());
+    items[1]->setPalette(palette(0x2f60c4, 0xffffff));
+    items[2]->setPictureHash(other.bytes());
+    items[2]->setPalette(palette(0xffffff, 0x2f60c4));
+    items[3]->setPictureHash(QByteArray(""));
+    library.context().save();
+    const Case cases[] = {
+        {"#like \"logo brand\"", "CL"},
+        {"#like \"LOGO BRAND.png\"", "CL"},
+        {"-#like \"logo brand\"", "Pdsw"},
+        {"#like \"logo brand~50\"", "CL"},
+        {"#like \"logo brand~0\"", "L"},
+        {"#like seal", "s"},
+        {"#like dot", ""},  // shows nothing
+        {"#like wide", ""}, // nobody looked at it yet
+        {"#like nobody", ""},
+        {"#color #3366cc", "CL"}, // of another shade, a little is not enough
+        {"#color #2f60c4", "CLs"},
+        {"#color #3366cc~0", "L"},
+        {"#c #f00", "L"},
+        {"#c blue~30", "CLs"},
+        {"#c blue #c #3366cc", "L"},
+    };
+    for (const Case &each : cases) {
+        EXPECT_EQ(found(each.text), each.found) << each.text;
+    }
+    EXPECT_EQ(found(QStringLiteral("#like ") + items[0]->bundleID()), "CL");
+    items[0]->setActive(false);
+    library.context().save();
+    EXPECT_EQ(found("#like \"logo brand\""), "") << "what is deleted is no example";
 }
 
 TEST_F(SearchResultsTest, DatesAreWholeSpansToTheirLastMoment)

@@ -1,4 +1,5 @@
 #include "Kit/Persistence/ZQPredicateNode.h"
+#include "Kit/Persistence/ZQResemblance.h"
 #include "Tests/Kit/Persistence/RandomPredicates.h"
 
 #include <gtest/gtest.h>
@@ -44,6 +45,42 @@ RC_GTEST_PROP(ZQPredicateSQL, AgreesWithEvaluationInMemory, ())
                      << zqSQLForPredicate(predicate, database.document(), text("t0"))->text.toStdString();
         }
         RC_ASSERT(found == expected);
+    }
+}
+
+TEST(ZQPredicateSQL, AsksATestThatWasRegisteredWhatDataResemble)
+{
+    zqRegisterResemblance(text("longer"), [](const QString &wanted) -> ZQResemblance {
+        bool isNumber = false;
+        const size_t size = wanted.section(u' ', 1).toUInt(&isNumber);
+        return isNumber ? ZQResemblance([size](std::string_view data) { return data.size() > size; }) : nullptr;
+    });
+    PredicateDatabase database;
+    const QVariant blobs[] = {QByteArray("abc"), QByteArray("a"), QByteArray(""), QVariant()};
+    for (qint64 key = 1; key <= 4; ++key) {
+        PredicateDatabase::Node node;
+        node.values = {{text("blob"), blobs[key - 1]}, {text("title"), text("longer 0")}};
+        database.addNode(key, node);
+    }
+    const std::pair<const char *, QVariantList> cases[] = {
+        {"blob RESEMBLES \"longer 1\"", {1, 0, 0, 0}},
+        {"blob resembles \"longer 0\"", {1, 1, 0, 0}},
+        {"NOT blob RESEMBLES \"longer 0\"", {0, 0, 1, 1}},
+        {"NONE blob RESEMBLES \"longer 0\"", {0, 0, 1, 1}},
+        {"blob RESEMBLES title", {1, 1, 0, 0}},
+        {"blob RESEMBLES \"longer\"", {0, 0, 0, 0}}, // describes nothing
+        {"blob RESEMBLES \"unknown 1\"", {0, 0, 0, 0}},
+        {"title RESEMBLES \"longer 0\"", {0, 0, 0, 0}}, // no data
+        {"blob RESEMBLES nil", {0, 0, 0, 0}},
+    };
+    for (const auto &[format, expected] : cases) {
+        const ZQPredicate predicate = parsed(format);
+        EXPECT_EQ(ZQPredicate::predicateWithFormat(predicate.predicateFormat()), predicate) << format;
+        for (qint64 key = 1; key <= 4; ++key) {
+            EXPECT_EQ(predicate.evaluateWithObject(QVariant(database.mapOf(key))), expected[key - 1].toBool())
+                << format << key;
+        }
+        EXPECT_EQ(database.results(predicate), expected) << format;
     }
 }
 
