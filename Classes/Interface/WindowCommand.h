@@ -81,6 +81,7 @@ enum class CommandID {
     SmallerThumbnails,
     QuickLook,
     Open,
+    Compare,
     ZoomToFit,
     ZoomToActualSize,
     ZoomIn,

@@ -22,6 +22,7 @@ struct TabViewState
     ZQIndexSet selectionIndexes;
     QList<ZQObjectID> selectedRows; // the same by row while the program runs; none of a large selection
     ZQObjectID detailItem;          // open in the detail view; null for none
+    QList<ZQObjectID> comparedItems; // while the program runs; none: they are not compared
     std::optional<double> detailZoom;
     std::optional<QPointF> detailScroll;
     std::optional<bool> infoPanelOpen;

@@ -470,6 +470,9 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
     const auto add = [&](CommandID id) { menu.addAction(command(id)); };
     if (m_browser->selectionCount() > 0) {
         add(CommandID::Open);
+        if (m_browser->selectionCount() > 1) {
+            add(CommandID::Compare);
+        }
         const QString path = m_browser->firstSelected() ? m_browser->firstSelected()->itemURL() : QString();
         if (!path.isEmpty()) {
             menu.addAction(zqLocalized("Open with Default Program"), this, [this, path] { handOut(path, path); });
