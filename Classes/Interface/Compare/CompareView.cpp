@@ -501,8 +501,9 @@ void CompareView::setShowsDifference(bool shows)
         if (showsNow) {
             m_difference->setFocus(Qt::OtherFocusReason);
             updateDifference();
-        } else if (ComparePane *pane = currentPane()) {
-            pane->canvas().setFocus(Qt::OtherFocusReason);
+        } else {
+            ComparePane *pane = currentPane();
+            pane ? pane->canvas().setFocus(Qt::OtherFocusReason) : setFocus(Qt::OtherFocusReason);
         }
     }
     updateTexts();
