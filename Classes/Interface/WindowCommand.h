@@ -57,6 +57,8 @@ enum class CommandID {
     Rate0, // to 5, one after the other
     Rate5 = Rate0 + 5,
     Find,
+    FindSimilar,
+    FindNearDuplicates,
     SaveSearch,
     EditSearch,
     UpdateSearch,
@@ -69,6 +71,7 @@ enum class CommandID {
     SortManually, // and the other orders, one after the other
     SortByKind = SortManually + 8,
     SortByTags = SortByKind + 2,
+    SortByHue,
     SortAscending,
     SortDescending,
     ShowAsGrid,

@@ -107,6 +107,12 @@ void BrowserContent::setSort(ZQSortValue value, bool isAscending)
     reload();
 }
 
+void BrowserContent::setSortByNearness()
+{
+    m_tab->setSortKeys(std::nullopt);
+    reload();
+}
+
 void BrowserContent::setDisplayStyle(BrowserDisplayStyle style)
 {
     m_tab->setBrowserDisplayStyle(style);

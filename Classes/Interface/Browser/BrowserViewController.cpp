@@ -3,12 +3,13 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
+#include "Classes/Interface/Browser/CompareController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
+#include "Classes/Interface/Browser/NearnessSlider.h"
 #include "Classes/Interface/Browser/RefineBar.h"
 #include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Browser/SearchChips.h"
-#include "Classes/Interface/Compare/CompareController.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/TextFields.h"
@@ -61,6 +62,9 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->addWidget(m_head);
     m_savedSearch = new SavedSearchButtons(m_head);
     m_head->addButton(m_savedSearch);
+    m_nearness = new NearnessSlider(m_head);
+    m_head->addButton(m_nearness);
+    connect(m_nearness, &NearnessSlider::searchRequested, this, &BrowserViewController::searchRequested);
     m_style = new BrowserListStyle(*m_content, *m_head, *m_grid, this);
     makeSearchRows(page);
     column->addWidget(m_chips);

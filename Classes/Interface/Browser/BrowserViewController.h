@@ -16,6 +16,7 @@ class CompareController;
 class DetailView;
 class EmptyState;
 class HiddenItems;
+class NearnessSlider;
 class QLabel;
 class QSlider;
 class QStackedWidget;
@@ -126,6 +127,7 @@ private:
     QLabel *m_status;
     SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;
+    NearnessSlider *m_nearness;
     RefineBar *m_refine;
     HiddenItems *m_hidden;
     QWidget *m_recovery;

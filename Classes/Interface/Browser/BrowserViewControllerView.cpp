@@ -1,7 +1,7 @@
 // How a tab was left, and is shown again.
 
 #include "Classes/Interface/Browser/BrowserViewController.h"
-#include "Classes/Interface/Compare/CompareController.h"
+#include "Classes/Interface/Browser/CompareController.h"
 #include "Classes/Interface/Detail/DetailView.h"
 
 #include <QScopedValueRollback>

@@ -1,6 +1,6 @@
 #include "Classes/Interface/Compare/ComparePane.h"
 
-#include "Classes/Interface/InfoPanel/RatingField.h"
+#include "Classes/Interface/RatingField.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 

@@ -54,9 +54,28 @@ const std::vector<MenuPlan> &menuPlans()
           separator,
           Quit}},
         {zqKey("Edit"),
-         {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
-          Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,
-          EditSearch, UpdateSearch, separator,         Preferences}},
+         {Undo,
+          Redo,
+          separator,
+          Copy,
+          Paste,
+          SelectAll,
+          separator,
+          CommandID::Rename,
+          Duplicate,
+          Remove,
+          DeleteFromLibrary,
+          separator,
+          Rate0,
+          separator,
+          Find,
+          FindSimilar,
+          FindNearDuplicates,
+          SaveSearch,
+          EditSearch,
+          UpdateSearch,
+          separator,
+          Preferences}},
         {zqKey("View"), {Sidebar,   InfoPanel,        CommandID::RefineBar,
                          separator, ShowAsGrid,       ShowAsList,
                          separator, GroupPlain,       SortManually,
@@ -158,7 +177,7 @@ QMenu *WindowCommands::makeOrderMenu(CommandID first, QWidget *parent)
     const bool isGroups = first == CommandID::GroupPlain;
     auto *menu = new QMenu(isGroups ? zqLocalized("Group") : zqLocalized("Sort"), parent);
     menu->setObjectName(isGroups ? QStringLiteral("Group") : QStringLiteral("Sort"));
-    const CommandID last = isGroups ? CommandID::GroupBySize : CommandID::SortByTags;
+    const CommandID last = isGroups ? CommandID::GroupBySize : CommandID::SortByHue;
     for (int id = int(first); id <= int(last); ++id) {
         menu->addAction(action(CommandID(id)));
     }

@@ -1,7 +1,7 @@
 // Several pictures beside each other, compared with keys and pointer.
 
 #include "Classes/Import/ImportDoor.h"
-#include "Classes/Interface/Compare/CompareController.h"
+#include "Classes/Interface/Browser/CompareController.h"
 #include "Classes/Interface/Compare/CompareView.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 

@@ -1,10 +1,13 @@
-#include "Classes/Interface/Compare/CompareController.h"
+#include "Classes/Interface/Browser/CompareController.h"
 
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/KeepOne.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/Compare/CompareView.h"
 #include "Classes/Interface/ItemPictures.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPictureHash.h"
 
 #include <QSet>
 #include <QStackedWidget>
@@ -16,6 +19,15 @@ namespace {
 constexpr int standInSide = 512;
 constexpr qint64 mostPixels = 200'000'000; // of all of them together
 constexpr int followDelay = 50;            // milliseconds; several changes in a row are one
+
+// Of two; empty where what they look like is not known.
+QString likenessOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    const auto first = items.size() == 2 ? ZQPictureHash::fromBytes(items.first()->pictureHash()) : std::nullopt;
+    const auto second = first ? ZQPictureHash::fromBytes(items.last()->pictureHash()) : std::nullopt;
+    return second ? zqFormat(zqLocalized("Likeness %d %%"), {LikeArgument::likeness(first->distance(*second))})
+                  : QString();
+}
 
 } // namespace
 
@@ -157,6 +169,7 @@ void CompareController::follow()
         return;
     }
     m_view->setFacts(zqCompareFacts(items));
+    m_view->setNote(likenessOf(items));
 }
 
 void CompareController::keep(const ZQObjectID &item)
