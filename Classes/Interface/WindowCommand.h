@@ -59,6 +59,7 @@ enum class CommandID {
     Find,
     FindSimilar,
     FindNearDuplicates,
+    FindColor,
     SaveSearch,
     EditSearch,
     UpdateSearch,

@@ -71,6 +71,7 @@ const std::vector<MenuPlan> &menuPlans()
           Find,
           FindSimilar,
           FindNearDuplicates,
+          FindColor,
           SaveSearch,
           EditSearch,
           UpdateSearch,

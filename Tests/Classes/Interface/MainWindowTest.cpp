@@ -22,13 +22,15 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                   "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
                   "Open Library…\nMove Library…\nShow Library in Files\n"
                   "Back Up Library…\nVerify Library…\nLibrary Statistics…\n-\nQuit Ctrl+Q"));
-    EXPECT_EQ(commandsOf(menuOf("Edit")),
-              QStringLiteral("Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"
-                             "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
-                             "Find Ctrl+F\nFind Similar Ctrl+Shift+F\nFind Near-Duplicates…\nSave Search… Ctrl+S\nEdit "
-                             "Search…\nUpdate Search "
-                             "Ctrl+Shift+S\n-\nPreferences… "
-                             "Ctrl+,"));
+    EXPECT_EQ(
+        commandsOf(menuOf("Edit")),
+        QStringLiteral(
+            "Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"
+            "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
+            "Find Ctrl+F\nFind Similar Ctrl+Shift+F\nFind Near-Duplicates…\nFind Color…\nSave Search… Ctrl+S\nEdit "
+            "Search…\nUpdate Search "
+            "Ctrl+Shift+S\n-\nPreferences… "
+            "Ctrl+,"));
     EXPECT_EQ(
         commandsOf(menuOf("View")),
         QStringLiteral(

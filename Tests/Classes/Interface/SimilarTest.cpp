@@ -1,9 +1,11 @@
 // What looks like a picture, and what looks alike.
 
+#include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Sheets/NearDuplicatesSheet.h"
 #include "Kit/Imaging/ZQPictureHash.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
