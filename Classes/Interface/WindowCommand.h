@@ -71,8 +71,7 @@ enum class CommandID {
     GroupBySize = GroupPlain + 4,
     SortManually, // and the other orders, one after the other
     SortByKind = SortManually + 8,
-    SortByTags = SortByKind + 2,
-    SortByHue,
+    SortByHue = SortByKind + 3,
     SortAscending,
     SortDescending,
     ShowAsGrid,
