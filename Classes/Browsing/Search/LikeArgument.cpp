@@ -1,7 +1,7 @@
 #include "Classes/Browsing/Search/LikeArgument.h"
 
-#include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Browsing/Search/SearchTokenizer.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 #include <QRegularExpression>
 
@@ -27,7 +27,7 @@ int LikeArgument::likeness(int distance)
 
 std::optional<LikeArgument::Place> LikeArgument::in(const QString &searchText)
 {
-    if (searchText.size() > SearchManager::longestText) {
+    if (searchText.size() > ZQSidebarSmartFolder::longestSearchText) {
         return std::nullopt;
     }
     SearchTokenizer tokenizer(searchText, QDate::currentDate());
