@@ -11,7 +11,7 @@
 
 QHash<ZQObjectID, int> NearnessOrder::distances(const QList<ZQPictureHash> &pictures) const
 {
-    constexpr size_t all = std::numeric_limits<size_t>::max();
+    constexpr size_t all = std::numeric_limits<quint32>::max(); // rows
     QHash<ZQObjectID, int> result;
     const auto take = [&result](const std::vector<std::pair<ZQObjectID, int>> &found) {
         for (const auto &[item, distance] : found) {

@@ -585,6 +585,10 @@ void CompareView::focusInEvent(QFocusEvent *event)
 
 void CompareView::keyPressEvent(QKeyEvent *event)
 {
+    if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) {
+        QWidget::keyPressEvent(event); // of commands, or of nobody
+        return;
+    }
     const bool isShifted = event->modifiers() & Qt::ShiftModifier;
     const qsizetype index = m_panes.indexOf(currentPane());
     const qsizetype columns = columnsFor(m_panes.size());
