@@ -189,8 +189,9 @@ void DetailDocument::drawPage()
 {
     m_queue->cancelAllOperations();
     const int most = largestSideOf(m_natural);
-    // What is larger than it was read is read as large as may be: each step of a zoom would read it anew.
-    const int least = m_isVector ? 1 : m_source.mostPixels > 0 && m_wantedSide <= m_drawnSide ? m_drawnSide : most;
+    // Twice what is wanted: each step of a zoom would read it anew.
+    const int amongSeveral = m_wantedSide > m_drawnSide ? 2 * m_wantedSide : m_drawnSide;
+    const int least = m_isVector ? 1 : m_source.mostPixels > 0 ? amongSeveral : most;
     const int side = std::clamp(std::max(m_wantedSide, least), 1, most);
     const QPointer<DetailDocument> self(this);
     m_queue->addOperationWithBlock([self, generation = m_generation, path = m_drawn, side, page = m_page] {
