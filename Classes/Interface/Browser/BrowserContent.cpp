@@ -107,12 +107,6 @@ void BrowserContent::setSort(ZQSortValue value, bool isAscending)
     reload();
 }
 
-void BrowserContent::setSortByNearness()
-{
-    m_tab->setSortKeys(std::nullopt);
-    reload();
-}
-
 void BrowserContent::setDisplayStyle(BrowserDisplayStyle style)
 {
     m_tab->setBrowserDisplayStyle(style);
