@@ -57,6 +57,9 @@ enum class CommandID {
     Rate0, // to 5, one after the other
     Rate5 = Rate0 + 5,
     Find,
+    FindSimilar,
+    FindNearDuplicates,
+    FindColor,
     SaveSearch,
     EditSearch,
     UpdateSearch,
@@ -81,6 +84,7 @@ enum class CommandID {
     SmallerThumbnails,
     QuickLook,
     Open,
+    Compare,
     ZoomToFit,
     ZoomToActualSize,
     ZoomIn,

@@ -23,7 +23,8 @@ struct ContentQuery
     ZQSortValue sortValue = ZQSortValue::Manual;
     bool isAscending = false;
     BrowserDisplayStyle displayStyle = BrowserDisplayStyle::BySidebarItem;
-    bool editsSearch = false; // of the one smart folder that is shown: `filter` stands in the place of its text
+    bool editsSearch = false;  // of the one smart folder that is shown: `filter` stands in the place of its text
+    bool isByNearness = false; // to the picture that the filter names, before the order
     // Only so many rows, where the store has the first ones at once; 0 for all.
     int firstRows = 0;
 

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Content/ContentBuilder.h"
 
+#include "Classes/Browsing/Content/NearnessOrder.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Browsing/Index/ListOrder.h"
 #include "Classes/Browsing/Search/SearchManager.h"
@@ -226,11 +227,17 @@ std::optional<Content> ContentBuilder::content(const IsWanted &isWanted) const
     if (!found) {
         return ZQCancellation::isCurrentCancelled() ? std::nullopt : std::optional(Content{{}, {}, error});
     }
+    const QList<ZQFetchRequest> requests = m_query.isByNearness ? requestsOf(*found) : QList<ZQFetchRequest>();
     ContentRows wanted = rows(std::move(*found));
     if (m_query.firstRows > 0 && m_query.filter.isEmpty()) {
         wanted.stopAfter(m_query.firstRows, m_query.sortValue);
     }
-    return wanted.content(isWanted);
+    auto content = wanted.content(isWanted);
+    if (content && m_query.isByNearness) {
+        NearnessOrder(m_context, m_index)
+            .apply(*content, m_query.filter, m_contents.searchContext(ZQListRows::LibraryItems, requests));
+    }
+    return content;
 }
 
 std::optional<QList<ZQObjectID>> ContentBuilder::rowsWithTitleBeginning(const QString &text,

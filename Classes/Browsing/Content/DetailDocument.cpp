@@ -71,7 +71,8 @@ void DetailDocument::open(const Source &source, int canvasSide)
     m_drawn = source.path;
     m_state = source.path.isEmpty() || !QFileInfo::exists(source.path) ? State::Missing : State::Loading;
     if (m_state == State::Loading) {
-        readFile(std::clamp(std::max(longerSide(m_natural), canvasSide), 1, largestSide));
+        const int wanted = source.mostPixels > 0 ? canvasSide : std::max(longerSide(m_natural), canvasSide);
+        readFile(std::clamp(wanted, 1, largestSide));
     }
     Q_EMIT changed();
 }
@@ -89,6 +90,28 @@ QSizeF DetailDocument::naturalSize() const
 double DetailDocument::sharpestScale() const
 {
     return m_isVector && longerSide(m_natural) > 0 ? double(largestDrawnSide) / longerSide(m_natural) : 0;
+}
+
+// In which it has no more pixels than it may.
+int DetailDocument::largestSideOf(QSizeF natural) const
+{
+    const int most = m_isVector ? largestDrawnSide : std::clamp(longerSide(natural), 1, largestSide);
+    const double pixels = natural.width() * natural.height();
+    if (m_source.mostPixels <= 0 || pixels <= 0) {
+        return m_isVector ? largestDrawnSide : largestSide;
+    }
+    const double side = longerSide(natural) * std::sqrt(double(m_source.mostPixels) / pixels);
+    return int(std::clamp(side, 1.0, double(most)));
+}
+
+bool DetailDocument::isWhole() const
+{
+    return m_state == State::Shown && (m_source.mostPixels <= 0 || m_drawnSide >= largestSideOf(m_natural));
+}
+
+void DetailDocument::readWhole()
+{
+    setWantedSide(largestSideOf(m_natural));
 }
 
 void DetailDocument::readFile(int side)
@@ -125,7 +148,8 @@ void DetailDocument::take(const Answer &answer)
         if (answer.properties) {
             m_isVector = answer.properties->isVector;
             m_pageCount = answer.properties->frameCount;
-            m_durations = m_pageCount > 1 ? answer.properties->frameDurations : QList<int>();
+            m_durations =
+                m_pageCount > 1 && m_source.mostPixels <= 0 ? answer.properties->frameDurations : QList<int>();
         }
         if (isAnimation()) {
             m_pageCount = std::min(m_pageCount, mostFrames);
@@ -141,7 +165,8 @@ void DetailDocument::take(const Answer &answer)
 void DetailDocument::setWantedSide(int pixels)
 {
     m_wantedSide = pixels;
-    if (m_isVector && std::min(pixels, largestDrawnSide) > m_drawnSide) {
+    const bool isReadAgain = m_isVector || m_source.mostPixels > 0;
+    if (isReadAgain && m_state != State::Loading && std::min(pixels, largestSideOf(m_natural)) > m_drawnSide) {
         m_redraw.start();
     }
 }
@@ -163,8 +188,11 @@ void DetailDocument::setPage(int page)
 void DetailDocument::drawPage()
 {
     m_queue->cancelAllOperations();
-    const int least = m_isVector ? 1 : longerSide(m_natural);
-    const int side = std::clamp(std::max(m_wantedSide, least), 1, m_isVector ? largestDrawnSide : largestSide);
+    const int most = largestSideOf(m_natural);
+    // Twice what is wanted: each step of a zoom would read it anew.
+    const int amongSeveral = m_wantedSide > m_drawnSide ? 2 * m_wantedSide : m_drawnSide;
+    const int least = m_isVector ? 1 : m_source.mostPixels > 0 ? amongSeveral : most;
+    const int side = std::clamp(std::max(m_wantedSide, least), 1, most);
     const QPointer<DetailDocument> self(this);
     m_queue->addOperationWithBlock([self, generation = m_generation, path = m_drawn, side, page = m_page] {
         ZQError error;

@@ -23,6 +23,9 @@ public:
         QString picture; // what stands for a file that is no picture itself
         QSize pixelSize; // as the library knows it; empty: unknown
         QImage standIn;  // shown until the file was read
+        // Of one picture among several that are shown at once: it is read no larger than it is seen, with no more
+        // pixels than that, and does not move. 0: all of it.
+        qint64 mostPixels = 0;
     };
     void open(const Source &source, int canvasSide); // canvasSide: device pixels
 
@@ -31,6 +34,10 @@ public:
     QString reason() const { return m_reason; } // why it failed, for a person
     const QImage &image() const;
     QSizeF naturalSize() const; // pixels at 100 %
+    // Whether it is read as large as it is going to be, of what was asked for.
+    bool isWhole() const;
+    // Has it read as large as it may be.
+    void readWhole();
     // Beyond this scale a drawing would need more pixels than are drawn; 0: any.
     double sharpestScale() const;
     // The longer side, in device pixels, at which the picture is seen.
@@ -48,6 +55,7 @@ Q_SIGNALS:
 
 private:
     struct Answer;
+    int largestSideOf(QSizeF natural) const;
     void readFile(int side);
     void take(const Answer &answer);
     void drawPage();
@@ -64,7 +72,7 @@ private:
     bool m_isVector = false;
     int m_pageCount = 1;
     int m_page = 0;
-    int m_drawnSide = 0; // of `m_image`, when it is a drawing
+    int m_drawnSide = 0; // of `m_image`, when it was read for the size at which it is seen
     int m_wantedSide = 0;
     QList<int> m_durations;
     QList<QImage> m_frames; // those read so far, in order

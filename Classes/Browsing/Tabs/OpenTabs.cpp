@@ -113,13 +113,19 @@ void OpenTabs::insertBesideCurrent(const std::shared_ptr<TabState> &tab)
 
 void OpenTabs::newTab()
 {
+    const QList<ZQObjectID> items = current()->sidebarSelectedItems();
+    openTab(items, {});
+}
+
+void OpenTabs::openTab(const QList<ZQObjectID> &sidebarItems, const QString &searchText)
+{
     if (count() >= OpenTabsFile::mostTabs) {
         return;
     }
     const auto tab = std::make_shared<TabState>(m_edits);
     adopt(tab);
-    const QList<ZQObjectID> items = current()->sidebarSelectedItems();
-    tab->goToSidebarItems(items);
+    tab->goToSidebarItems(sidebarItems);
+    tab->setSearchString(searchText);
     insertBesideCurrent(tab);
 }
 

@@ -27,6 +27,7 @@ public:
     void selectNext(int step);
     void selectTabForState(const TabState &state);
     void newTab(); // beside the one in front, with the same sidebar items
+    void openTab(const QList<ZQObjectID> &sidebarItems, const QString &searchText); // beside the one in front
     // Who closes the one in front comes back to the one it was opened from, unless a third one was chosen since;
     // else to the next one.
     void closeTab(int index);

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Tabs/TabState.h"
 
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
@@ -107,6 +108,16 @@ ZQRef<ZQSidebarBaseItem> TabState::singleSidebarElement() const
 {
     return m_sidebarSelectedItems.size() == 1 ? m_edits.sidebarItem(m_sidebarSelectedItems.first())
                                               : ZQRef<ZQSidebarBaseItem>();
+}
+
+QString TabState::tabName() const
+{
+    const auto like = LikeArgument::in(filter());
+    if (!like) {
+        return generateTabTitleForItems(m_sidebarSelectedItems);
+    }
+    const auto item = ZQLibraryBaseItem::libraryItemsForBundleID(like->argument.name, m_edits.context);
+    return zqFormat(zqLocalized("Like %@"), {item ? item->title() : like->argument.name});
 }
 
 QString TabState::generateTabTitleForItems(const QList<ZQObjectID> &items) const

@@ -20,8 +20,9 @@ struct TabViewState
 {
     std::optional<QPointF> scroll; // of the browser, in its pixels
     ZQIndexSet selectionIndexes;
-    QList<ZQObjectID> selectedRows; // the same by row while the program runs; none of a large selection
-    ZQObjectID detailItem;          // open in the detail view; null for none
+    QList<ZQObjectID> selectedRows;  // the same by row while the program runs; none of a large selection
+    ZQObjectID detailItem;           // open in the detail view; null for none
+    QList<ZQObjectID> comparedItems; // while the program runs; none: they are not compared
     std::optional<double> detailZoom;
     std::optional<QPointF> detailScroll;
     std::optional<bool> infoPanelOpen;
@@ -47,7 +48,7 @@ public:
     ZQRef<ZQSidebarBaseItem> singleSidebarElement() const; // null unless exactly one is selected
     QList<ZQRef<ZQSidebarBaseItem>> selectedSidebarElements() const;
 
-    QString tabName() const { return generateTabTitleForItems(m_sidebarSelectedItems); }
+    QString tabName() const; // of the sidebar items, or of the picture to whose likeness things are searched
     QString generateTabTitleForItems(const QList<ZQObjectID> &items) const;
 
     const QString &searchString() const { return m_searchString; } // as it was typed
@@ -87,6 +88,8 @@ public:
     ZQSortValue sortKeysValue() const;
     bool sortDirectionValue() const; // ascending
     double zoomValue() const;        // 0 to 1
+    // Nobody chose another order for what is found by the likeness to a picture.
+    bool isByNearness() const;
     BrowserDisplayStyle browserDisplayStyleValue() const;
     // Writes the tab's own zoom and order into the single element, saved, if that differs. When the tab is left or
     // closed.

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Content/ContentBuilder.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Browsing/Tabs/TabState.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -23,6 +24,11 @@ bool isOf(const ZQObjectID &id, const QString &rootEntity)
 
 } // namespace
 
+bool TabState::isByNearness() const
+{
+    return !m_sortKeys && LikeArgument::in(filter());
+}
+
 ContentQuery TabState::contentQuery()
 {
     ContentQuery query{.sidebarItems = m_sidebarSelectedItems,
@@ -31,7 +37,8 @@ ContentQuery TabState::contentQuery()
                        .isAscending = sortDirectionValue(),
                        .displayStyle = browserDisplayStyleValue(),
                        .editsSearch = m_editsSearch};
-    if (query.settleOrder()) {
+    query.isByNearness = isByNearness();
+    if (!query.isByNearness && query.settleOrder()) {
         m_sortKeys = query.sortValue;
         m_sortDirection = query.isAscending;
     }

@@ -33,6 +33,11 @@ public:
     const QList<ZQObjectID> &sidebarItems() const { return m_tab->sidebarSelectedItems(); }
     ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }
     void setSort(ZQSortValue value, bool isAscending);
+    void setSortByNearness() // of what is found by likeness
+    {
+        m_tab->setSortKeys(std::nullopt);
+        reload();
+    }
     void setDisplayStyle(BrowserDisplayStyle style);
     void setShowsValues(bool showsValues);        // of a list, which are read for the rows that are shown
     void reload();                                // fetches again

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Browser/BrowserHead.h"
 
 #include "Classes/Browsing/Index/ListOrder.h"
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -175,7 +176,9 @@ void BrowserHead::showTab(const QString &count)
     const ZQSortValue value = tab.sortKeysValue();
     // What has no order of its own is listed by title.
     const bool isByTitle = value == ZQSortValue::Manual && tab.hasWatchedFolders();
-    m_sort->setText(titleOf(sortChoices, &SortChoice::value, isByTitle ? ZQSortValue::Title : value));
+    m_sort->setText(tab.isByNearness()
+                        ? zqLocalized("Nearness")
+                        : titleOf(sortChoices, &SortChoice::value, isByTitle ? ZQSortValue::Title : value));
     m_sort->setAccessibleName(zqFormat(zqLocalized("Sort: %@"), {m_sort->text()}));
     const bool ascending = tab.sortDirectionValue();
     m_direction->setVisible(m_showsOrder && hasDirection());
@@ -197,7 +200,7 @@ bool BrowserHead::canSortBy(ZQSortValue value) const
 bool BrowserHead::hasDirection() const
 {
     const ZQSortValue value = m_content.tab().sortKeysValue();
-    return value != ZQSortValue::Manual && value != ZQSortValue::None;
+    return value != ZQSortValue::Manual && value != ZQSortValue::None && !m_content.tab().isByNearness();
 }
 
 void BrowserHead::showSortMenu()
@@ -210,9 +213,19 @@ void BrowserHead::showSortMenu()
         action->setCheckable(true);
         action->setChecked(isChecked);
     };
+    const bool isByNearness = tab.isByNearness();
+    if (LikeArgument::in(tab.filter())) {
+        QAction *action = menu.addAction(zqLocalized("Nearness"), this, [this] {
+            m_content.setSortByNearness();
+            Q_EMIT orderChanged();
+        });
+        action->setCheckable(true);
+        action->setChecked(isByNearness);
+    }
     for (const SortChoice &choice : sortChoices) {
         if (canSortBy(choice.value)) {
-            add(zqLocalized(choice.title), choice.value, ascending, choice.value == tab.sortKeysValue());
+            add(zqLocalized(choice.title), choice.value, ascending,
+                choice.value == tab.sortKeysValue() && !isByNearness);
         }
     }
     if (hasDirection()) {

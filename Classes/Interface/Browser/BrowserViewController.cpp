@@ -3,8 +3,10 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
+#include "Classes/Interface/Browser/CompareController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
+#include "Classes/Interface/Browser/NearnessSlider.h"
 #include "Classes/Interface/Browser/RefineBar.h"
 #include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Browser/SearchChips.h"
@@ -29,7 +31,6 @@
 namespace {
 
 constexpr double sliderSteps = 1000;
-constexpr qsizetype mostKeptRows = 20000; // a larger selection is kept by index
 
 // Whether any of them is not among the rows; of many, some stand for all.
 bool areNewTo(const QList<ZQObjectID> &rows, const QList<ZQObjectID> &items)
@@ -61,6 +62,9 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->addWidget(m_head);
     m_savedSearch = new SavedSearchButtons(m_head);
     m_head->addButton(m_savedSearch);
+    m_nearness = new NearnessSlider(m_head);
+    m_head->addButton(m_nearness);
+    connect(m_nearness, &NearnessSlider::searchRequested, this, &BrowserViewController::searchRequested);
     m_style = new BrowserListStyle(*m_content, *m_head, *m_grid, this);
     makeSearchRows(page);
     column->addWidget(m_chips);
@@ -74,6 +78,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->addWidget(makeStatus());
     m_stack->addWidget(page);
     m_stack->addWidget(m_detail);
+    m_compare = new CompareController(m_window, *m_content, *m_grid, *m_stack);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_stack);
@@ -126,6 +131,11 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     connect(m_detail, &DetailView::closed, this, &BrowserViewController::closeDetail);
     connect(m_detail, &DetailView::stepRequested, this,
             [this](int step) { showDetailAt(m_grid->currentIndex() + step); });
+    connect(m_compare, &CompareController::openChanged, this, [this] {
+        Q_EMIT selectionChanged();
+        Q_EMIT viewChanged();
+    });
+    connect(this, &BrowserViewController::rated, m_compare, &CompareController::setRating);
 }
 
 QWidget *BrowserViewController::makeStatus()
@@ -345,76 +355,6 @@ void BrowserViewController::endWaiting(quint64 fetch)
     }
 }
 
-void BrowserViewController::restoreView()
-{
-    if (!m_restoresView || m_isShowingOther || m_content->isLoading()) {
-        return;
-    }
-    const QScopedValueRollback selecting(m_isSelecting, true);
-    m_restoresView = false;
-    m_keepsScroll = true;
-    const TabViewState view = m_content->tab().view;
-    ZQIndexSet selection = m_content->indexesOfRows(view.selectedRows);
-    if (selection.isEmpty()) {
-        selection = view.selectionIndexes;
-    }
-    const bool selectsOther = selectWhatIsWanted(selection);
-    if (selectsOther) {
-        m_grid->scrollToIndex(m_grid->selection().first());
-    } else {
-        m_grid->setScrollOffset(view.scroll ? qint64(view.scroll->y()) : 0);
-        m_scrollsWhenLaidOut = true;
-        QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
-    }
-    const qint64 detail =
-        view.detailItem.isNull() || selectsOther ? -1 : m_content->indexOfLibraryItem(view.detailItem);
-    if (detail >= 0) {
-        m_grid->setCurrentIndex(detail);
-        openDetail(false);
-        m_detail->setView(view.detailZoom.value_or(0), view.detailScroll.value_or(QPointF()));
-    }
-}
-
-// The grid gets its size with the window, and another one when its scroll bar comes or goes.
-void BrowserViewController::scrollWhenLaidOut()
-{
-    if (!m_grid->isVisible() && !isDetailOpen()) {
-        return; // when it is shown
-    }
-    if (const auto scroll = m_content->tab().view.scroll; std::exchange(m_scrollsWhenLaidOut, false) && scroll) {
-        m_grid->setScrollOffset(qint64(scroll->y()));
-    }
-}
-
-void BrowserViewController::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
-}
-
-void BrowserViewController::keepViewState()
-{
-    if (m_restoresView || m_content->isLoading()) {
-        return; // what was kept has yet to be shown
-    }
-    TabViewState &view = m_content->tab().view;
-    if (!m_scrollsWhenLaidOut) {
-        view.scroll = QPointF(0, double(m_grid->scrollOffset()));
-    }
-    view.selectionIndexes = m_grid->selection();
-    view.selectedRows =
-        m_grid->selection().count() > mostKeptRows ? QList<ZQObjectID>() : m_content->rowIDs(m_grid->selection());
-    const bool isOpen = isDetailOpen() && !m_detail->isQuickLook();
-    const auto item = isOpen ? m_content->libraryItem(m_grid->currentIndex()) : ZQRef<ZQLibraryBaseItem>();
-    view.detailItem = item ? item->objectID() : ZQObjectID();
-    view.detailZoom.reset();
-    view.detailScroll.reset();
-    if (item && m_detail->isZoomed()) {
-        view.detailZoom = m_detail->scale();
-        view.detailScroll = m_detail->center();
-    }
-}
-
 void BrowserViewController::setFilter(const QString &text)
 {
     m_keepsScroll = false;
@@ -442,17 +382,24 @@ void BrowserViewController::changeZoom(double by)
 
 qint64 BrowserViewController::selectionCount() const
 {
+    if (m_compare->isOpen()) {
+        return m_compare->currentItem() ? 1 : 0;
+    }
     return m_grid->selection().count();
 }
 
 QList<ZQObjectID> BrowserViewController::selectedItems() const
 {
+    if (m_compare->isOpen()) {
+        const auto current = m_compare->currentItem();
+        return current ? QList<ZQObjectID>{current->objectID()} : QList<ZQObjectID>();
+    }
     return m_content->libraryItemIDs(m_grid->selection());
 }
 
 ZQRef<ZQLibraryBaseItem> BrowserViewController::firstSelected() const
 {
-    return m_content->libraryItem(m_grid->selection().first());
+    return m_compare->isOpen() ? m_compare->currentItem() : m_content->libraryItem(m_grid->selection().first());
 }
 
 void BrowserViewController::selectLibraryItems(const QList<ZQObjectID> &items)
@@ -471,7 +418,7 @@ std::function<void(const QList<ZQObjectID> &)> BrowserViewController::selectionO
 {
     return [self = QPointer(this), moment = m_moment,
             before = m_content->libraryItemIDs()](const QList<ZQObjectID> &items) {
-        const bool isWanted = self && self->m_moment == moment && !self->isDetailOpen() && items.size() < mostKeptRows;
+        const bool isWanted = self && self->m_moment == moment && self->showsItems() && items.size() < mostKeptRows;
         if (isWanted && (areNewTo(before, items) || areNewTo(self->m_content->libraryItemIDs(), items))) {
             self->selectLibraryItems(items);
         }
@@ -484,6 +431,7 @@ void BrowserViewController::refetch()
     m_content->dropObjects();
     m_grid->updateVisible();
     showChips(); // a saved one may be another
+    m_compare->followSoon();
     m_refetch.start();
 }
 
@@ -491,6 +439,7 @@ void BrowserViewController::redrawVisible()
 {
     m_content->dropObjects();
     m_grid->updateVisible();
+    m_compare->followSoon();
 }
 
 void BrowserViewController::openDetail(bool quickLook)
@@ -546,6 +495,7 @@ void BrowserViewController::followInDetail()
 
 void BrowserViewController::closeDetail()
 {
+    m_compare->close();
     if (isDetailOpen()) {
         m_stack->setCurrentIndex(0);
         m_grid->setFocus();
@@ -558,12 +508,19 @@ bool BrowserViewController::isDetailOpen() const
     return m_stack->currentWidget() == m_detail;
 }
 
+bool BrowserViewController::showsItems() const
+{
+    return m_stack->currentIndex() == 0;
+}
+
 void BrowserViewController::deleteFromLibrary()
 {
     const QList<ZQObjectID> items = selectedItems();
     if (!items.isEmpty()) {
         m_indexToSelect = m_grid->selection().first();
-        closeDetail();
+        if (isDetailOpen()) {
+            closeDetail();
+        }
         LibraryCommands(m_window).deleteItems(items);
     }
 }
@@ -578,7 +535,9 @@ void BrowserViewController::removeFromProject()
     const QList<ZQObjectID> items = selectedItems();
     if (!items.isEmpty() && canRemove()) {
         m_indexToSelect = m_grid->selection().first();
-        closeDetail();
+        if (isDetailOpen()) {
+            closeDetail();
+        }
         m_content->tab().removeItems(items, m_content->sidebarItems(), true);
     }
 }

@@ -12,9 +12,11 @@
 
 class BrowserHead;
 class BrowserListStyle;
+class CompareController;
 class DetailView;
 class EmptyState;
 class HiddenItems;
+class NearnessSlider;
 class QLabel;
 class QSlider;
 class QStackedWidget;
@@ -43,7 +45,8 @@ public:
     SavedSearchButtons &savedSearchButtons() { return *m_savedSearch; } // in the head
     EmptyState &emptyState() { return *m_empty; }
 
-    QList<ZQObjectID> selectedItems() const; // library items; the one shown in the detail view
+    // Library items; the one shown in the detail view, the current one of a comparison.
+    QList<ZQObjectID> selectedItems() const;
     qint64 selectionCount() const;
     ZQRef<ZQLibraryBaseItem> firstSelected() const;
     // At once, or when the next fetch brings them, unless a person went on by then; scrolled to.
@@ -55,8 +58,10 @@ public:
     void refetch();       // what the store holds changed
     void redrawVisible(); // attributes of what is shown changed
     void openDetail(bool quickLook);
-    void closeDetail();
+    void closeDetail(); // and the comparison
     bool isDetailOpen() const;
+    bool showsItems() const; // and nothing in their place
+    CompareController &comparison() { return *m_compare; }
     void deleteFromLibrary();
     bool canRemove() const; // what is selected, from what is shown
     void removeFromProject();
@@ -81,13 +86,16 @@ Q_SIGNALS:
     void refineBarToggled();
 
 private:
+    static constexpr qsizetype mostKeptRows = 20000; // a larger selection is kept by index
+
     QWidget *makeStatus();
     void showChips();
     void makeSearchRows(QWidget *page); // what stands above the grid of what is searched
     QWidget *makeRecovery();
     QString countText() const;
     void updateStatus();
-    QList<WindowCommand> zoomCommands();                 // of the detail view
+    QList<WindowCommand> compareCommands();
+    QList<WindowCommand> zoomCommands();                 // of the detail view and the comparison
     void showOther(const std::function<void()> &change); // `change` has the content be another
     void contentWillChange();
     void contentDidChange();
@@ -112,12 +120,14 @@ private:
     QStackedWidget *m_stack;
     ZQGridView *m_grid;
     DetailView *m_detail;
+    CompareController *m_compare;
     ZQObjectID m_detailItem; // shown in it
     BrowserHead *m_head;
     BrowserListStyle *m_style;
     QLabel *m_status;
     SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;
+    NearnessSlider *m_nearness;
     RefineBar *m_refine;
     HiddenItems *m_hidden;
     QWidget *m_recovery;

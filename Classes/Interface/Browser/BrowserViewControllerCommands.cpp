@@ -5,7 +5,9 @@
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Browser/CompareController.h"
 #include "Classes/Interface/Browser/RefineBar.h"
+#include "Classes/Interface/Compare/CompareView.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/TextFields.h"
@@ -67,6 +69,10 @@ QList<WindowCommand> BrowserViewController::commands()
          },
          {},
          [this] { return !m_refine->isHidden(); }},
+        {CommandID::FindColor,
+         zqLocalized("Find Color…"),
+         {},
+         [this] { m_refine->openColorWheel(m_head->mapToGlobal(QPoint(0, m_head->height()))); }},
         {.id = CommandID::QuickLook,
          .title = zqLocalized("Quick Look"),
          .keys = {},
@@ -92,23 +98,48 @@ QList<WindowCommand> BrowserViewController::commands()
                        .keysIn = m_stack,
                        .yieldsToFields = true});
     }
-    return result + zoomCommands() + m_head->commands() + m_style->commands();
+    return result + compareCommands() + zoomCommands() + m_head->commands() + m_style->commands();
+}
+
+QList<WindowCommand> BrowserViewController::compareCommands()
+{
+    return {{CommandID::Compare,
+             zqLocalized("Compare"),
+             {Qt::CTRL | Qt::Key_K},
+             [this] { m_compare->isOpen() ? m_compare->close() : m_compare->open(); },
+             [this] { return m_compare->isOpen() || m_compare->canOpen(); },
+             [this] { return m_compare->isOpen(); }}};
 }
 
 QList<WindowCommand> BrowserViewController::zoomCommands()
 {
+    // Of whichever of the two is open.
+    const auto zoom = [this](void (DetailView::*inDetail)(), void (CompareView::*inComparison)()) {
+        return [this, inDetail, inComparison] {
+            m_compare->isOpen() ? (m_compare->view().*inComparison)() : (m_detail->*inDetail)();
+        };
+    };
     QList<WindowCommand> result = {
-        {CommandID::ZoomToFit, zqLocalized("Fit"), {Qt::CTRL | Qt::Key_0}, [this] { m_detail->zoomToFit(); }},
+        {CommandID::ZoomToFit,
+         zqLocalized("Fit"),
+         {Qt::CTRL | Qt::Key_0},
+         zoom(&DetailView::zoomToFit, &CompareView::zoomToFit)},
         {CommandID::ZoomToActualSize,
          zqLocalized("Actual Size"),
          {Qt::Key_Z},
-         [this] { m_detail->zoomToActualSize(); }},
-        {CommandID::ZoomIn, zqLocalized("Zoom In"), {Qt::Key_Plus, Qt::Key_Equal}, [this] { m_detail->zoomIn(); }},
-        {CommandID::ZoomOut, zqLocalized("Zoom Out"), {Qt::Key_Minus}, [this] { m_detail->zoomOut(); }},
+         zoom(&DetailView::zoomToActualSize, &CompareView::zoomToActualSize)},
+        {CommandID::ZoomIn,
+         zqLocalized("Zoom In"),
+         {Qt::Key_Plus, Qt::Key_Equal},
+         zoom(&DetailView::zoomIn, &CompareView::zoomIn)},
+        {CommandID::ZoomOut,
+         zqLocalized("Zoom Out"),
+         {Qt::Key_Minus},
+         zoom(&DetailView::zoomOut, &CompareView::zoomOut)},
     };
     for (WindowCommand &command : result) {
-        command.isEnabled = [this] { return isDetailOpen(); };
-        command.keysIn = m_detail;
+        command.isEnabled = [this] { return isDetailOpen() || m_compare->isOpen(); };
+        command.keysIn = m_stack;
         command.yieldsToFields = true;
     }
     return result;

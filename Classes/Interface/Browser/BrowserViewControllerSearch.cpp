@@ -3,6 +3,7 @@
 #include "Classes/Browsing/Index/ItemCount.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
+#include "Classes/Interface/Browser/NearnessSlider.h"
 #include "Classes/Interface/Browser/RefineBar.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -29,6 +30,7 @@ void BrowserViewController::showChips()
 {
     const TabState &tab = m_content->tab();
     const bool isTyped = !tab.filter().isEmpty() || tab.editsSearch();
+    m_nearness->setText(tab.searchString());
     m_chips->setText(isTyped ? tab.searchString() : m_content->shownSearch(), isTyped);
 }
 

@@ -1,13 +1,16 @@
 #include "Classes/Interface/Browser/RefineBar.h"
 
 #include "Classes/Browsing/Content/FacetCounts.h"
+#include "Classes/Interface/Browser/ColorWheelMenu.h"
 #include "Classes/Interface/Browser/FacetButton.h"
 #include "Classes/Interface/Browser/FacetMenu.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQIcon.h"
 
 #include <QLabel>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -39,11 +42,18 @@ qsizetype mostValues(FacetKind kind)
 } // namespace
 
 RefineBar::RefineBar(WindowContext &window, QWidget *parent)
-    : QWidget(parent), m_absent(new QLabel(zqLocalized("Counting…"), this)),
+    : QWidget(parent), m_wheel(new QToolButton(this)), m_absent(new QLabel(zqLocalized("Counting…"), this)),
       m_ticket(window.fetcher, ContentFetcher::Priority::Counts)
 {
     setObjectName(QStringLiteral("RefineBar"));
     setAccessibleName(zqLocalized("Refine"));
+    m_wheel->setIcon(ZQIcon::icon(QStringLiteral("color")));
+    m_wheel->setAccessibleName(zqLocalized("Find Color…"));
+    m_wheel->setToolTip(m_wheel->accessibleName());
+    m_wheel->setFocusPolicy(Qt::NoFocus);
+    m_wheel->hide();
+    connect(m_wheel, &QToolButton::clicked, this,
+            [this] { openColorWheel(m_wheel->mapToGlobal(QPoint(0, m_wheel->height() + 2))); });
     m_absent->setObjectName(QStringLiteral("SmallMuted"));
     m_shown = {m_absent};
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -200,6 +210,9 @@ void RefineBar::showFacet(const Facet &facet)
         button->showMore(facet.kind, int(others));
         m_shown.append(button);
     }
+    if (facet.kind == FacetKind::Color) {
+        m_shown.append(m_wheel);
+    }
 }
 
 // Widgets are used again: the counts follow each key that is typed.
@@ -218,6 +231,7 @@ void RefineBar::showFacets(const QList<Facet> &facets)
         showFacet(facet);
     }
     m_absent->hide();
+    m_wheel->hide(); // unless there are colors
     setEnabled(true);
     FacetButton *stop = m_buttonCount > 0 ? m_buttons.first() : nullptr;
     for (qsizetype i = 0; hadFocus && i < m_buttonCount; ++i) {
@@ -288,6 +302,13 @@ void RefineBar::openMenu(const FacetButton &button)
         connect(menu, &FacetMenu::chosen, this, &RefineBar::choose);
         menu->popUp(button.mapToGlobal(QPoint(0, button.height() + 2)));
     }
+}
+
+void RefineBar::openColorWheel(const QPoint &globalPoint)
+{
+    auto *wheel = new ColorWheelMenu(this);
+    connect(wheel, &ColorWheelMenu::chosen, this, [this](const QString &token) { choose(FacetKind::Color, token); });
+    wheel->popUp(globalPoint);
 }
 
 void RefineBar::moveFrom(const FacetButton &button, int key)

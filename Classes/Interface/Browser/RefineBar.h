@@ -8,6 +8,7 @@
 
 class FacetButton;
 class QLabel;
+class QToolButton;
 struct WindowContext;
 
 // By what the items that are shown can be refined, with counts; a choice is for the search text. Counts only while it
@@ -24,6 +25,7 @@ public:
     void setNextStop(QWidget *widget); // of the Tab key, after its values
     const QList<Facet> &facets() const { return m_facets; }
     void choose(FacetKind kind, const QString &token); // or takes it away
+    void openColorWheel(const QPoint &globalPoint);
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override { return place(width, false); }
@@ -60,6 +62,7 @@ private:
     QList<QLabel *> m_captions;     // the same
     qsizetype m_buttonCount = 0;
     qsizetype m_captionCount = 0;
-    QLabel *m_absent; // stands for the facets while there are none
+    QToolButton *m_wheel; // beside the colours; for the keyboard there is a command
+    QLabel *m_absent;     // stands for the facets while there are none
     ContentFetcher::Ticket m_ticket;
 };

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Detail/DetailView.h"
 
+#include "Classes/Interface/Detail/DetailPainting.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -18,11 +19,7 @@
 
 namespace {
 constexpr int margin = 24;
-constexpr double largestScale = 16;
 constexpr double smallestScale = 0.02;
-constexpr double keyZoom = 1.25;
-constexpr double sharpScale = 4; // from here on pixels are what is looked at
-constexpr double wholeFactor = 0.001;
 } // namespace
 
 DetailView::DetailView(QWidget *parent)
@@ -202,7 +199,8 @@ void DetailView::zoomAt(double newScale, const QPointF &anchor)
     const QPointF inPicture((anchor.x() - before.x()) / before.width() * naturalSize().width(),
                             (anchor.y() - before.y()) / before.height() * naturalSize().height());
     const double sharpest = m_document->sharpestScale();
-    m_scale = std::clamp(newScale, smallestScale, sharpest > 0 ? std::max(1.0, sharpest) : largestScale);
+    m_scale =
+        std::clamp(newScale, smallestScale, sharpest > 0 ? std::max(1.0, sharpest) : DetailPainting::largestScale);
     m_center = inPicture + (QRectF(canvas()).center() - anchor) * devicePixelRatioF() / m_scale;
     updateWantedSide();
     updateButtons();
@@ -219,7 +217,7 @@ void DetailView::zoomToFit()
 
 void DetailView::setView(double newScale, const QPointF &center)
 {
-    m_scale = newScale > 0 ? std::clamp(newScale, smallestScale, largestScale) : 0;
+    m_scale = newScale > 0 ? std::clamp(newScale, smallestScale, DetailPainting::largestScale) : 0;
     m_center = center;
     updateWantedSide();
     updateButtons();
@@ -233,12 +231,12 @@ void DetailView::zoomToActualSize()
 
 void DetailView::zoomIn()
 {
-    zoomAt(scale() * keyZoom, QRectF(canvas()).center());
+    zoomAt(scale() * DetailPainting::keyZoom, QRectF(canvas()).center());
 }
 
 void DetailView::zoomOut()
 {
-    zoomAt(scale() / keyZoom, QRectF(canvas()).center());
+    zoomAt(scale() / DetailPainting::keyZoom, QRectF(canvas()).center());
 }
 
 void DetailView::updateButtons()
@@ -250,22 +248,6 @@ void DetailView::updateButtons()
     m_actual->setChecked(m_scale > 0 && std::abs(m_scale - 1) < 0.001);
 }
 
-void DetailView::paintMessage(QPainter &painter) const
-{
-    using State = DetailDocument::State;
-    const State state = m_document->state();
-    if (state == State::Shown || (state == State::Loading && !m_document->image().isNull())) {
-        return;
-    }
-    const QString text =
-        state == State::Missing  ? zqLocalized("The file is missing. Put it back where it was, or import it again.")
-        : state == State::Failed ? zqLocalized("This file cannot be shown.") + u'\n' + m_document->reason()
-                                 : zqLocalized("Loading…");
-    const QRect place = m_document->image().isNull() ? canvas() : canvas().adjusted(0, canvas().height() - 60, 0, 0);
-    painter.setPen(zqColor(ZQColorRole::TextMuted));
-    painter.drawText(place.adjusted(margin, 0, -margin, 0), Qt::AlignCenter | Qt::TextWordWrap, text);
-}
-
 void DetailView::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
@@ -273,28 +255,13 @@ void DetailView::paintEvent(QPaintEvent * /*event*/)
     painter.setClipRect(canvas());
     const QImage &image = m_document->image();
     if (!image.isNull()) {
-        QRectF target = pictureRect();
-        const qreal ratio = devicePixelRatioF();
-        // Where a pixel of it is a whole number of those of the screen, its edges are sharp.
-        const double factor = target.width() * ratio / image.width();
-        const bool isWhole = factor > 1 - wholeFactor && std::abs(factor - std::round(factor)) < wholeFactor;
-        if (isWhole) {
-            target.moveTo(std::round(target.x() * ratio) / ratio, std::round(target.y() * ratio) / ratio);
-        }
-        if (image.hasAlphaChannel()) {
-            zqPaintCheckerboard(painter, target, canvas(), zqArtworkGround(m_tone, ZQTheme::current().isDark()));
-        }
         painter.setOpacity(m_document->state() == DetailDocument::State::Missing ? 0.4 : 1);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, scale() < sharpScale && !isWhole);
-        if (target.width() * devicePixelRatioF() < image.width() / 2.0) {
-            const QSize pixels = (target.size() * devicePixelRatioF()).toSize().expandedTo(QSize(1, 1));
-            painter.drawImage(target, image.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-        } else {
-            painter.drawImage(target, image);
-        }
+        DetailPainting::paintPicture(painter, image, m_tone, pictureRect(), canvas(), scale());
         painter.setOpacity(1);
     }
-    paintMessage(painter);
+    if (const QString message = DetailPainting::messageOf(*m_document); !message.isEmpty()) {
+        DetailPainting::paintMessage(painter, message, canvas(), !image.isNull());
+    }
     if (hasFocus() && m_showsFocus) {
         painter.setClipping(false);
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1));
@@ -348,7 +315,7 @@ void DetailView::keyPressEvent(QKeyEvent *event)
 
 void DetailView::wheelEvent(QWheelEvent *event)
 {
-    zoomAt(scale() * std::pow(1.2, event->angleDelta().y() / 120.0), event->position());
+    zoomAt(scale() * DetailPainting::wheelZoom(event->angleDelta().y()), event->position());
     event->accept();
 }
 

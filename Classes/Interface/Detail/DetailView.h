@@ -53,7 +53,6 @@ private:
     QRectF pictureRect() const;
     void zoomAt(double scale, const QPointF &anchor);
     void makeHead();
-    void paintMessage(QPainter &painter) const;
     void documentDidChange();
     void updateButtons();
     void updateWantedSide();

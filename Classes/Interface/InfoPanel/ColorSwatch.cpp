@@ -4,21 +4,31 @@
 #include "Kit/Widgets/ZQSwatch.h"
 #include "Kit/Widgets/ZQTheme.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
+
+#include <utility>
 
 namespace {
 constexpr int edge = 22;
 } // namespace
 
-ColorSwatch::ColorSwatch(int code, const QString &name, QWidget *parent) : QAbstractButton(parent), m_code(code)
+ColorSwatch::ColorSwatch(const QColor &color, const QString &name, QWidget *parent)
+    : QAbstractButton(parent), m_color(color)
 {
     setFixedSize(edge, edge);
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
     setAccessibleName(name);
-    setAccessibleDescription(zqFormat(zqLocalized("Search for %@"), {name}));
-    setToolTip(accessibleDescription());
+    setDescription(zqFormat(zqLocalized("Search for %@"), {name}));
+    connect(this, &QAbstractButton::clicked, this, [this] { Q_EMIT chosen(std::exchange(m_adds, false)); });
+}
+
+void ColorSwatch::setDescription(const QString &description)
+{
+    setAccessibleDescription(description);
+    setToolTip(description);
 }
 
 QSize ColorSwatch::sizeHint() const
@@ -37,14 +47,29 @@ void ColorSwatch::paintEvent(QPaintEvent * /*event*/)
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), 6, 6);
     }
     const double inset = focused ? 3.5 : 0.5;
-    painter.setPen(QPen(zqSwatchRing(m_code, zqColor(ZQColorRole::Sunken)), 1));
-    painter.setBrush(ZQTheme::swatch(m_code));
+    painter.setPen(QPen(zqSwatchRing(m_color, zqColor(ZQColorRole::Sunken)), 1));
+    painter.setBrush(m_color);
     painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 5, 5);
+}
+
+void ColorSwatch::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_adds = event->modifiers() & Qt::ShiftModifier;
+    QAbstractButton::mouseReleaseEvent(event);
+    m_adds = false;
+}
+
+// Of the keyboard, too.
+void ColorSwatch::contextMenuEvent(QContextMenuEvent *event)
+{
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    Q_EMIT menuRequested(isByKey ? mapToGlobal(rect().bottomLeft()) : event->globalPos());
 }
 
 void ColorSwatch::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        m_adds = event->modifiers() & Qt::ShiftModifier;
         click();
         return;
     }

@@ -1,20 +1,29 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QColor>
 
-// One of an asset's colours, to be searched with a click. Main thread.
+// One of an asset's colours, to be searched with a click, or with Shift in addition to what is searched. Main thread.
 class ColorSwatch : public QAbstractButton
 {
     Q_OBJECT
 public:
-    // `code`: see ZQTheme::swatch.
-    ColorSwatch(int code, const QString &name, QWidget *parent = nullptr);
+    ColorSwatch(const QColor &color, const QString &name, QWidget *parent = nullptr);
+    // What is said of it besides.
+    void setDescription(const QString &description);
     QSize sizeHint() const override;
 
+Q_SIGNALS:
+    void chosen(bool adds);
+    void menuRequested(const QPoint &globalPoint);
+
 protected:
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    int m_code;
+    QColor m_color;
+    bool m_adds = false; // of the click that ends
 };

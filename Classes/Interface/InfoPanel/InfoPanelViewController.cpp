@@ -7,13 +7,13 @@
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
-#include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/DocumentSize.h"
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Classes/Interface/InfoPanel/MissedFiles.h"
-#include "Classes/Interface/InfoPanel/RatingField.h"
+#include "Classes/Interface/InfoPanel/PaletteStrip.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Interface/ItemPictures.h"
+#include "Classes/Interface/RatingField.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
@@ -142,8 +142,8 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
       m_nothing(new QLabel(zqLocalized("Nothing selected"))), m_column(new QVBoxLayout),
       m_preview(new Preview(browser, m_body)), m_title(new QLineEdit(m_body)), m_kind(new QLabel(m_body)),
       m_place(new LivePlace(m_body)), m_rating(new RatingField(m_body)), m_colorBox(new QWidget(m_body)),
-      m_colors(new QWidget(m_colorBox)), m_tags(new TagField(m_body)), m_notes(new QPlainTextEdit(m_body)),
-      m_rows(new QGridLayout), m_missed(new MissedFiles(this)),
+      m_colors(new PaletteStrip(window.user, m_colorBox)), m_tags(new TagField(m_body)),
+      m_notes(new QPlainTextEdit(m_body)), m_rows(new QGridLayout), m_missed(new MissedFiles(this)),
       m_summaryTicket(window.fetcher, ContentFetcher::Priority::Summary)
 {
     connect(m_missed, &MissedFiles::becameSure, this, &InfoPanelViewController::refresh);
@@ -166,10 +166,11 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
     m_column->setSpacing(14);
     m_column->addWidget(m_preview);
     makeHead();
-    m_colors->setFixedHeight(22);
-    auto *swatches = new QHBoxLayout(m_colors);
-    swatches->setContentsMargins(0, 0, 0, 0);
-    swatches->setSpacing(6);
+    connect(m_colors, &PaletteStrip::colorChosen, this, &InfoPanelViewController::searchColor);
+    connect(m_colors, &PaletteStrip::mainColorChosen, &m_browser, [this](const QString &name) {
+        m_browser.refine(FacetKind::Color,
+                         SearchToken::ofField(SearchField::Color).name() + u' ' + SearchManager::quoted(name));
+    });
     addSection(zqLocalized("COLORS"), m_colors, m_colorBox);
     addSection(zqLocalized("TAGS"), m_tags);
     connect(m_tags, &TagField::edited, this, [this](const QStringList &tags) { tagItems(m_items, tags); });
@@ -389,7 +390,7 @@ void InfoPanelViewController::showPicture(const ZQLibraryBaseItem &item, bool is
 {
     m_preview->setItem(ItemPictures::thumbnailOf(item), QSize(item.pixelWidth(), item.pixelHeight()));
     showColors(item);
-    m_colorBox->setVisible(isOne && !ZQSidebarTag::colorNameForValue(item.mainColor()).isEmpty());
+    m_colorBox->setVisible(isOne && !m_colors->isEmpty());
 }
 
 void InfoPanelViewController::showSize(const ZQLibraryBaseItem &item)
@@ -426,34 +427,30 @@ void InfoPanelViewController::showTags(const SelectionSummary &summary)
 
 void InfoPanelViewController::showColors(const ZQLibraryBaseItem &item)
 {
+    if (const ZQPalette palette = ZQPalette::fromBytes(item.palette()); !palette.colors.isEmpty()) {
+        m_colors->showPalette(palette, item.title());
+        return;
+    }
     QList<int> codes = {item.mainColor()};
     for (const auto &tag : item.tags()) {
         if (tag->active() && !ZQSidebarTag::colorNameForValue(tag->kind()).isEmpty() && !codes.contains(tag->kind())) {
             codes.append(tag->kind());
         }
     }
-    if (codes == m_shownColors) { // one of them may have the focus
-        return;
+    const bool hasMainColor = !ZQSidebarTag::colorNameForValue(item.mainColor()).isEmpty();
+    m_colors->showMainColors(hasMainColor ? codes : QList<int>());
+}
+
+void InfoPanelViewController::searchColor(const QString &argument, bool adds)
+{
+    const QString token = SearchToken::ofField(SearchField::Color).name() + u' ' + argument;
+    const QString text = m_browser.content().tab().searchString();
+    if (adds) {
+        Q_EMIT m_browser.searchRequested(SearchManager::contains(text, token) ? text
+                                                                              : SearchManager::toggled(text, token));
+    } else {
+        Q_EMIT m_browser.searchRequested(text.trimmed() == token ? QString() : token); // again: everything
     }
-    m_shownColors = codes;
-    auto *row = static_cast<QHBoxLayout *>(m_colors->layout());
-    while (QLayoutItem *old = row->takeAt(0)) {
-        delete old->widget();
-        delete old;
-    }
-    for (const int code : codes) {
-        const QString name = ZQSidebarTag::colorNameForValue(code);
-        if (name.isEmpty()) {
-            continue;
-        }
-        auto *swatch = new ColorSwatch(code, name, m_colors);
-        connect(swatch, &ColorSwatch::clicked, &m_browser, [this, name] {
-            m_browser.refine(FacetKind::Color,
-                             SearchToken::ofField(SearchField::Color).name() + u' ' + SearchManager::quoted(name));
-        });
-        row->addWidget(swatch);
-    }
-    row->addStretch(1);
 }
 
 QStringList InfoPanelViewController::commonTagsForItems(const QList<ZQObjectID> &items) const

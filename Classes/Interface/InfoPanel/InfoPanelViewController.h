@@ -17,6 +17,7 @@ class DocumentSize;
 class LivePlace;
 class MissedFiles;
 class QVBoxLayout;
+class PaletteStrip;
 class RatingField;
 class TagField;
 
@@ -56,6 +57,7 @@ private:
     void showPlace(const ZQLibraryBaseItem &item);
     void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
+    void searchColor(const QString &argument, bool adds);
     void returnToItems();
     void commitTitle();
     bool isTitleToCome(const ZQLibraryBaseItem &item, bool isSameSelection);
@@ -77,8 +79,7 @@ private:
     LivePlace *m_place;
     RatingField *m_rating;
     QWidget *m_colorBox;
-    QWidget *m_colors;
-    QList<int> m_shownColors; // their codes
+    PaletteStrip *m_colors;
     TagField *m_tags;
     QPlainTextEdit *m_notes;
     QGridLayout *m_rows;

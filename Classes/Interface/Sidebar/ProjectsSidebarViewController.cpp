@@ -527,6 +527,12 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
         }
         m_liveFolders->addToMenu(menu);
     }
+    const SidebarCommands::Items selected = selectedObjects();
+    if (selected.size() == 1 && selected.first()->isLibrary()) {
+        menu.addSeparator();
+        menu.addAction(zqLocalized("Find Near-Duplicates…"), this,
+                       &ProjectsSidebarViewController::nearDuplicatesRequested);
+    }
     addWhatChangesSelection(menu);
     menu.exec(globalPoint);
 }

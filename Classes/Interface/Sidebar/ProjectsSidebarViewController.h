@@ -55,7 +55,8 @@ public:
 Q_SIGNALS:
     void selectionChanged(); // not when only the other side is shown
     void sideChanged(bool isTags);
-    void editSearchRequested(); // of the smart folder that is selected
+    void editSearchRequested();     // of the smart folder that is selected
+    void nearDuplicatesRequested(); // in the library
 
 private:
     SidebarTreeView *tree() const;

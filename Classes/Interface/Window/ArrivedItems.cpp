@@ -175,7 +175,7 @@ void ArrivedItems::tell(const ImportOutcome &told)
 
 bool ArrivedItems::areInView(const QList<ZQObjectID> &items) const
 {
-    if (m_browser.isDetailOpen()) {
+    if (!m_browser.showsItems()) {
         return false;
     }
     const auto visible = m_browser.content().libraryItemIDs(m_browser.grid().visibleIndexes());

@@ -27,6 +27,7 @@
 #include "Classes/Interface/Window/LiveFolderProgress.h"
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
+#include "Classes/Interface/Window/NearDuplicateActions.h"
 #include "Classes/Interface/Window/SavedSearchActions.h"
 #include "Classes/Interface/Window/SearchAssistant.h"
 #include "Classes/Interface/Window/SidePanel.h"
@@ -218,10 +219,12 @@ void MainWindowController::makeCommands()
     for (const auto &contributed :
          {m_sidebar->commands(), m_imports->commands(), m_templates->commands(), m_arrived->commands(),
           m_tabs->commands(), libraryCommands(), editCommands(), m_browser->commands(), m_savedSearches->commands(),
-          m_layers->commands(), m_cloud->commands(), CaptureActions::commands(*m_delegate), viewCommands(),
-          helpCommands()}) {
+          NearDuplicateActions::commands(*m_window, *m_browser, m_mainWindow.get()), m_layers->commands(),
+          m_cloud->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
+    connect(m_sidebar, &ProjectsSidebarViewController::nearDuplicatesRequested, command(CommandID::FindNearDuplicates),
+            &QAction::trigger);
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
     m_toolbar->menuButton().setMenu(
         m_commands->makeMenus(&m_toolbar->menuButton(), [this](QMenu &menu) { m_export->addTo(menu); }));
@@ -470,6 +473,11 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
     const auto add = [&](CommandID id) { menu.addAction(command(id)); };
     if (m_browser->selectionCount() > 0) {
         add(CommandID::Open);
+        if (m_browser->selectionCount() > 1) {
+            add(CommandID::Compare);
+        } else {
+            add(CommandID::FindSimilar);
+        }
         const QString path = m_browser->firstSelected() ? m_browser->firstSelected()->itemURL() : QString();
         if (!path.isEmpty()) {
             menu.addAction(zqLocalized("Open with Default Program"), this, [this, path] { handOut(path, path); });

@@ -1,5 +1,7 @@
 #include "Classes/Interface/Window/TabsController.h"
 
+#include "Classes/Browsing/Search/SearchManager.h"
+#include "Classes/Browsing/Search/SearchToken.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/Window/MainToolbar.h"
@@ -12,7 +14,7 @@
 
 TabsController::TabsController(EditContext &edits, const QString &path, MainToolbar &toolbar,
                                ProjectsSidebarViewController &sidebar, BrowserViewController &browser, QObject *parent)
-    : QObject(parent), m_tabs(edits, path), m_toolbar(toolbar), m_sidebar(sidebar), m_browser(browser)
+    : QObject(parent), m_edits(edits), m_tabs(edits, path), m_toolbar(toolbar), m_sidebar(sidebar), m_browser(browser)
 {
     connect(&m_tabs, &OpenTabs::currentChanged, this, &TabsController::showCurrent);
     connect(&m_tabs, &OpenTabs::tabsChanged, this, [this] {
@@ -87,6 +89,29 @@ void TabsController::updateTitles()
     m_toolbar.window()->setWindowTitle(titles.value(m_tabs.currentIndex()) + QStringLiteral(" — Zelto"));
 }
 
+// Of the whole library, whatever place the picture was found in.
+void TabsController::findSimilar()
+{
+    const auto item = m_browser.firstSelected();
+    const auto library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_edits.context);
+    if (!item || !library) {
+        return;
+    }
+    if (item->pictureHash().isEmpty()) { // null while nobody has looked
+        const QString text =
+            item->pictureHash().isNull()
+                ? zqLocalized("“%@” has not been looked at yet. Try again in a moment.")
+                : zqLocalized("“%@” shows nothing by which others could be found: it has one color, or none.");
+        m_edits.user.showNotificationWithText(zqFormat(text, {item->title()}), NotificationPlace::Browser,
+                                              usualNotificationTime);
+        return;
+    }
+    const ZQObjectID id = item->objectID();
+    m_tabs.openTab({library->objectID()},
+                   SearchToken::ofField(SearchField::Like).name() + u' ' + SearchManager::quoted(item->bundleID()));
+    m_browser.selectLibraryItem(id);
+}
+
 QList<WindowCommand> TabsController::commands()
 {
     QList<WindowCommand> result = {
@@ -113,6 +138,11 @@ QList<WindowCommand> TabsController::commands()
              m_toolbar.search().setFocus();
              m_toolbar.search().selectAll();
          }},
+        {CommandID::FindSimilar,
+         zqLocalized("Find Similar"),
+         {Qt::CTRL | Qt::SHIFT | Qt::Key_F},
+         [this] { findSimilar(); },
+         [this] { return m_browser.selectionCount() == 1; }},
     };
     for (int index = 0; index < 9; ++index) {
         result.append({CommandID(int(CommandID::SelectTab1) + index),

@@ -31,8 +31,10 @@ Q_SIGNALS:
 
 private:
     void showCurrent();
+    void findSimilar();
     void sidebarSelectionChanged();
 
+    EditContext &m_edits;
     OpenTabs m_tabs;
     MainToolbar &m_toolbar;
     ProjectsSidebarViewController &m_sidebar;

@@ -30,9 +30,9 @@ protected:
             ::kill(worker, SIGKILL);
         }
     }
-    QString pictureNamed(const QString &name) const
+    QString pictureNamed(const QString &name, QSize size = {20, 10}) const
     {
-        QImage image(20, 10, QImage::Format_RGBA8888);
+        QImage image(size, QImage::Format_RGBA8888);
         image.fill(Qt::green);
         EXPECT_TRUE(image.save(m_folder.filePath(name)));
         return m_folder.filePath(name);
@@ -54,4 +54,30 @@ TEST_F(DetailDocumentTest, AnAnimationThatPromisesFramesItDoesNotHaveGoesRoundIn
     EXPECT_LE(document.pageCount(), 1 << 14);
     zqRunMainLoopUntil([&] { return document.pageCount() == 1; });
     EXPECT_EQ(document.image().size(), QSize(20, 10));
+}
+
+TEST_F(DetailDocumentTest, OneAmongSeveralIsReadNoLargerThanItIsSeen)
+{
+    DetailDocument document;
+    const QSize size(400, 200);
+    const DetailDocument::Source all{pictureNamed(QStringLiteral("plain.png"), size), {}, size, {}, 1'000'000};
+    document.open(all, 100);
+    zqRunMainLoopUntil([&] { return document.state() != DetailDocument::State::Loading; });
+    EXPECT_EQ(document.image().size(), QSize(100, 50));
+    EXPECT_EQ(document.naturalSize(), QSizeF(size));
+    EXPECT_FALSE(document.isWhole());
+    document.setWantedSide(101);
+    zqRunMainLoopUntil([&] { return document.image().width() > 100; });
+    EXPECT_EQ(document.image().size(), QSize(202, 101)) << "the next steps of a zoom take no other reading";
+    document.readWhole();
+    zqRunMainLoopUntil([&] { return document.isWhole(); });
+    EXPECT_EQ(document.image().size(), size);
+
+    DetailDocument::Source some = all;
+    some.mostPixels = 20'000; // a quarter
+    document.open(some, 100);
+    zqRunMainLoopUntil([&] { return document.state() != DetailDocument::State::Loading; });
+    document.readWhole();
+    zqRunMainLoopUntil([&] { return document.isWhole(); });
+    EXPECT_EQ(document.image().size(), QSize(200, 100));
 }

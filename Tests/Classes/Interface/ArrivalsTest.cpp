@@ -2,7 +2,7 @@
 
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/EmptyState.h"
-#include "Classes/Interface/InfoPanel/RatingField.h"
+#include "Classes/Interface/RatingField.h"
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQNotificationBubble.h"

@@ -4,16 +4,19 @@
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/DocumentSize.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
-#include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
+#include "Classes/Interface/RatingField.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
+#include "Kit/Imaging/ZQPaletteFiles.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Editing/EditQueueGate.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QAbstractItemView>
+#include <QClipboard>
 #include <QCompleter>
+#include <QContextMenuEvent>
 #include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -97,8 +100,7 @@ TEST_F(InfoPanelTest, SaysWhatIsKnownOfNoneOneAndMany)
     EXPECT_EQ(field("License")->text(), QStringLiteral("CC0"));
     EXPECT_EQ(rating->accessibleName(), QStringLiteral("Rating: 2 of 5"));
     EXPECT_EQ(tags->tags(), QStringList{QStringLiteral("mine")});
-    EXPECT_EQ(swatches(), QStringList{ZQSidebarTag::colorNameForValue(first->mainColor())});
-    EXPECT_FALSE(swatches().first().isEmpty());
+    EXPECT_EQ(swatches(), QStringList{"#ff0000"});
 
     select({red, clear});
     EXPECT_EQ(values(), QStringLiteral("2 items|Multiple values|Multiple values|Multiple values"));
@@ -321,6 +323,7 @@ TEST_F(InfoPanelTest, TagsAreComparedAsTheyAreKept)
 TEST_F(InfoPanelTest, ColoursAreTheMainOneAndThoseOfItsTags)
 {
     auto item = image(red);
+    item->setPalette({}); // as before it was looked at
     item->setMainColor(1003);
     const auto green = ZQSidebarTag::tagForColor(1006, context());
     const auto again = ZQSidebarTag::tagForColor(1003, context());
@@ -351,6 +354,41 @@ TEST_F(InfoPanelTest, ColoursAreTheMainOneAndThoseOfItsTags)
     delegate->saveAction();
     settle();
     EXPECT_TRUE(swatches().isEmpty());
+}
+
+TEST_F(InfoPanelTest, ThePaletteIsSearchedCopiedAndSaved)
+{
+    const ZQPalette palette{{{qRgb(0xff, 0, 0), 200}, {qRgb(0x33, 0x66, 0xcc), 55}}};
+    image(red)->setPalette(palette.bytes());
+    delegate->saveAction();
+    select({red});
+    settle();
+    EXPECT_EQ(swatches(), (QStringList{"#ff0000", "#3366cc"})) << "the largest share first";
+    auto *field = window().findChild<QLineEdit *>(QStringLiteral("Search"));
+    QTest::mouseClick(named<ColorSwatch>("#3366cc"), Qt::LeftButton);
+    EXPECT_EQ(field->text(), QStringLiteral("#color #3366cc"));
+    settle();
+    QTest::mouseClick(named<ColorSwatch>("#ff0000"), Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_EQ(field->text(), QStringLiteral("#color #3366cc #color #ff0000"));
+    settle();
+    QTest::mouseClick(named<ColorSwatch>("#ff0000"), Qt::LeftButton);
+    EXPECT_EQ(field->text(), QStringLiteral("#color #ff0000")) << "alone";
+    settle();
+    const auto choose = [this](const char *entry) {
+        whenMenuOpens(QString::fromUtf8(entry));
+        ColorSwatch *swatch = named<ColorSwatch>("#3366cc");
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), swatch->mapToGlobal(QPoint()));
+        QApplication::sendEvent(swatch, &event);
+    };
+    choose("Copy #3366cc");
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("#3366cc"));
+    const QString saved = world.filePath(QStringLiteral("red.gpl"));
+    person.fileToSave = saved;
+    choose("Save Palette for GIMP and Inkscape (GPL)…");
+    QFile file(saved);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), zqGPLPalette(palette, red));
+    EXPECT_EQ(person.choices.last().suggestedName, QStringLiteral("red.gpl"));
 }
 
 TEST_F(InfoPanelTest, ThePreviewShowsTheSelectedInItsShape)

@@ -128,6 +128,7 @@ TEST_F(KeysTest, EveryCommandOfTheKeyboardIsInAMenu)
              "Ctrl+F Find",
              "Space Quick Look",
              "Enter Open",
+             "Ctrl+K Compare",
              "Del Remove",
              "Ctrl+Del Delete from Library",
              "Ctrl+D Duplicate",

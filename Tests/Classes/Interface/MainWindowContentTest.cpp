@@ -121,8 +121,9 @@ TEST_F(MainWindowTest, TheMenuOfTheGridIsThatOfWhatIsSelected)
     EXPECT_EQ(menuAt(), QStringLiteral("Import…|Paste|Select All"));
     select({QStringLiteral("red")});
     EXPECT_EQ(menuAt(),
-              QStringLiteral("Open|Open with Default Program|Show in Files|-|Copy|Duplicate|Rename|Rating|Export|"
-                             "Export as Layered PSD…|Share|-|Remove from A|Delete from Library"));
+              QStringLiteral(
+                  "Open|Find Similar|Open with Default Program|Show in Files|-|Copy|Duplicate|Rename|Rating|Export|"
+                  "Export as Layered PSD…|Share|-|Remove from A|Delete from Library"));
     menuAt(QStringLiteral("Remove from A"));
     settle();
     EXPECT_EQ(shown().size(), 3);
@@ -359,7 +360,7 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     whenMenuOpens(QStringLiteral("Title"));
     named<QToolButton>("Sort: Manual order")->click();
     EXPECT_EQ(menu.toStdString(),
-              "Manual order|Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags");
+              "Manual order|Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|Hue");
     settle();
     ASSERT_TRUE(named<QToolButton>("Sort: Title"));
     EXPECT_EQ(named<QToolButton>("Sort: Title")->text(), QStringLiteral("Title"));
@@ -412,8 +413,9 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     show(special(ZQSidebarKind::Library));
     whenMenuOpens(QStringLiteral("Size"));
     named<QToolButton>("Sort: Import date")->click();
-    EXPECT_EQ(menu.toStdString(),
-              "Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|-|Ascending|Descending");
+    EXPECT_EQ(
+        menu.toStdString(),
+        "Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|Hue|-|Ascending|Descending");
     settle();
     EXPECT_TRUE(named("Sort: Size"));
     browser().content().setSidebarItems({});

@@ -36,6 +36,12 @@ protected:
     public:
         QStringList files; // chosen in a dialog; none: cancelled
         QList<FileChoice> choices;
+        std::optional<QString> fileToSave; // none: cancelled
+        std::optional<QString> chooseFileToSave(const FileChoice &choice) override
+        {
+            choices.append(choice);
+            return fileToSave;
+        }
         QStringList chooseFilesToOpen(const FileChoice &choice) override
         {
             choices.append(choice);

@@ -24,17 +24,21 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                   "Back Up Library…\nVerify Library…\nLibrary Statistics…\n-\nQuit Ctrl+Q"));
     EXPECT_EQ(
         commandsOf(menuOf("Edit")),
-        QStringLiteral("Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"
-                       "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
-                       "Find Ctrl+F\nSave Search… Ctrl+S\nEdit Search…\nUpdate Search Ctrl+Shift+S\n-\nPreferences… "
-                       "Ctrl+,"));
+        QStringLiteral(
+            "Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"
+            "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
+            "Find Ctrl+F\nFind Similar Ctrl+Shift+F\nFind Near-Duplicates…\nFind Color…\nSave Search… Ctrl+S\nEdit "
+            "Search…\nUpdate Search "
+            "Ctrl+Shift+S\n-\nPreferences… "
+            "Ctrl+,"));
     EXPECT_EQ(
         commandsOf(menuOf("View")),
-        QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\nRefine Bar Ctrl+Alt+F ✓\n-\nAs Grid Ctrl+Alt+1 ✓\n"
-                       "As List Ctrl+Alt+2 ✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
-                       "Smaller Thumbnails Ctrl+-\n-\nQuick Look\tSpace\nOpen\tEnter\nFit Ctrl+0\nActual Size Z\n"
-                       "Zoom In + =\nZoom Out -\n-\nNext Tab Ctrl+Tab\nPrevious Tab Ctrl+Shift+Tab\nGo to Tab\n-\n"
-                       "Full Screen F11\nDark Theme ✓"));
+        QStringLiteral(
+            "Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\nRefine Bar Ctrl+Alt+F ✓\n-\nAs Grid Ctrl+Alt+1 ✓\n"
+            "As List Ctrl+Alt+2 ✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
+            "Smaller Thumbnails Ctrl+-\n-\nQuick Look\tSpace\nOpen\tEnter\nCompare Ctrl+K\nFit Ctrl+0\nActual Size Z\n"
+            "Zoom In + =\nZoom Out -\n-\nNext Tab Ctrl+Tab\nPrevious Tab Ctrl+Shift+Tab\nGo to Tab\n-\n"
+            "Full Screen F11\nDark Theme ✓"));
     EXPECT_TRUE(commandsOf(menuOf("Go to Tab")).startsWith(QStringLiteral("Tab 1 Ctrl+1\nTab 2 Ctrl+2\n")));
     EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1\n-\nCheck for Updates..."));
     EXPECT_EQ(commandsOf(menuOf("Rating")),

@@ -1,4 +1,4 @@
-#include "Classes/Interface/InfoPanel/RatingField.h"
+#include "Classes/Interface/RatingField.h"
 
 #include "Kit/Widgets/ZQTheme.h"
 

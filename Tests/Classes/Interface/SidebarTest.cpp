@@ -236,12 +236,11 @@ TEST_F(SidebarTest, MenusOfferWhatTheRowsAllow)
         QList<Item> chosen;
         const char *menu;
     };
-    const char *const none = "New Project|New Folder";
     for (const Case &each : {Case{{a}, "New Project|New Folder|-|Rename|Delete A|Delete A and Content"},
                              {{folder}, "New Project|New Folder|-|Rename|Delete Folder|Delete Folder and Content"},
                              {{a, b}, "New Project|New Folder|-|Delete 2 Items|Delete 2 Items and Content"},
                              {{live}, "New Project|New Folder|-|Delete Live"},
-                             {{special(ZQSidebarKind::Library)}, none}}) {
+                             {{special(ZQSidebarKind::Library)}, "New Project|New Folder|-|Find Near-Duplicates…"}}) {
         QList<ZQObjectID> ids;
         for (const Item &item : each.chosen) {
             ids.append(item->objectID());

@@ -1,0 +1,72 @@
+#include "Classes/Browsing/Content/NearnessOrder.h"
+
+#include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Browsing/Index/PictureSet.h"
+#include "Classes/Browsing/Search/LikeArgument.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+QHash<ZQObjectID, int> NearnessOrder::distances(const QList<ZQPictureHash> &pictures) const
+{
+    constexpr size_t all = std::numeric_limits<quint32>::max(); // rows
+    QHash<ZQObjectID, int> result;
+    const auto take = [&result](const std::vector<std::pair<ZQObjectID, int>> &found) {
+        for (const auto &[item, distance] : found) {
+            const auto known = result.constFind(item);
+            if (known == result.cend() || *known > distance) {
+                result.insert(item, distance);
+            }
+        }
+    };
+    if (m_index && m_index->isReady() && m_index->waitUntilCurrent()) {
+        if (const auto reading = m_index->read()) {
+            for (const ZQPictureHash &picture : pictures) {
+                take(reading->similar(picture, all, ZQPictureHash::similarDistance));
+            }
+            return result;
+        }
+    }
+    if (const auto set = PictureSet::ofStore(m_context, nullptr)) {
+        for (const ZQPictureHash &picture : pictures) {
+            take(set->nearest(picture.words, all, ZQPictureHash::similarDistance));
+        }
+    }
+    return result;
+}
+
+void NearnessOrder::apply(Content &content, const QString &searchText, const SearchContext &search) const
+{
+    const auto like = LikeArgument::in(searchText);
+    const auto pictures =
+        like && search.picturesNamed ? search.picturesNamed(like->argument.name) : QList<ZQPictureHash>();
+    if (pictures.isEmpty() || content.rows.ids.size() < 2) {
+        return;
+    }
+    const QHash<ZQObjectID, int> known = distances(pictures);
+    std::vector<int> nearness;
+    nearness.reserve(size_t(content.rows.ids.size()));
+    for (const ZQObjectID &item : std::as_const(content.rows.related)) {
+        nearness.push_back(known.value(item, ZQPictureHash::bitCount));
+    }
+    std::vector<qsizetype> order(nearness.size());
+    std::iota(order.begin(), order.end(), qsizetype(0));
+    const auto sort = [&](qint64 first, qint64 count) {
+        std::stable_sort(order.begin() + first, order.begin() + first + count,
+                         [&](qsizetype a, qsizetype b) { return nearness[size_t(a)] < nearness[size_t(b)]; });
+    };
+    if (content.groups.isEmpty()) {
+        sort(0, qint64(order.size()));
+    }
+    for (const ContentGroup &group : std::as_const(content.groups)) {
+        sort(group.first, group.count);
+    }
+    ZQRelatedIDs sorted;
+    for (const qsizetype place : order) {
+        sorted.ids.append(content.rows.ids[place]);
+        sorted.related.append(content.rows.related[place]);
+    }
+    content.rows = sorted;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QFrame>
+#include <QTimer>
+
+class ColorWheel;
+class QLabel;
+class QSlider;
+
+// A colour to search, and how near to it: what is chosen is searched at once, until a press elsewhere or Esc closes it.
+// Main thread.
+class ColorWheelMenu : public QFrame
+{
+    Q_OBJECT
+public:
+    explicit ColorWheelMenu(QWidget *parent = nullptr);
+    void popUp(const QPoint &globalPoint); // its upper left corner, where there is room
+
+Q_SIGNALS:
+    void chosen(const QString &token); // of the search language
+
+private:
+    QSlider *addSlider(const QString &name, int most, int value);
+    void change();
+    void search();
+
+    ColorWheel *m_wheel;
+    QSlider *m_value = nullptr;
+    QSlider *m_tolerance = nullptr;
+    QLabel *m_name;
+    QString m_searched; // the token
+    QTimer m_rest;      // while it is dragged, each colour would be searched
+};

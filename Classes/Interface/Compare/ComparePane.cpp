@@ -1,0 +1,193 @@
+#include "Classes/Interface/Compare/ComparePane.h"
+
+#include "Classes/Interface/RatingField.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQIcon.h"
+
+#include <QBoxLayout>
+#include <QEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QPainter>
+#include <QToolButton>
+
+#include <cmath>
+
+namespace {
+
+constexpr int headHeight = 36;
+constexpr int markHeight = 2;
+constexpr int sideMargin = 14;
+constexpr int leastTitleWidth = 40;
+
+QString marked(const CompareFact &fact, const QString &part)
+{
+    const QString text = part.toHtmlEscaped();
+    return fact.differs(part) ? QStringLiteral("<b>%1</b>").arg(text) : text;
+}
+
+QString marked(const CompareFact &fact, const QStringList &parts)
+{
+    QStringList texts;
+    for (const QString &part : parts) {
+        texts.append(marked(fact, part));
+    }
+    return texts.join(fact.separator);
+}
+
+QString tableOf(const QList<CompareFact> &facts, qsizetype index)
+{
+    QString rows;
+    for (const CompareFact &fact : facts) {
+        if (!fact.parts.at(index).isEmpty() || fact.differs()) {
+            rows += QStringLiteral("<tr><td style='color:%1; padding-right:14px'>%2</td><td>%3</td></tr>")
+                        .arg(zqColor(ZQColorRole::TextMuted).name(), fact.name.toHtmlEscaped(),
+                             fact.parts.at(index).isEmpty() ? QStringLiteral("<b>–</b>")
+                                                            : marked(fact, fact.parts.at(index)));
+        }
+    }
+    return QStringLiteral("<table cellspacing='0' cellpadding='1'>%1</table>").arg(rows);
+}
+
+QString lineOf(const QList<CompareFact> &facts, qsizetype index)
+{
+    QStringList texts;
+    for (const CompareFact &fact : facts) {
+        for (const QString &part : fact.parts.at(index)) {
+            if (fact.differs(part)) {
+                texts.append(marked(fact, part));
+            }
+        }
+    }
+    return texts.join(QStringLiteral(" · "));
+}
+
+QString spokenOf(const QList<CompareFact> &facts, qsizetype index)
+{
+    QStringList texts;
+    for (const CompareFact &fact : facts) {
+        if (const QStringList &parts = fact.parts.at(index); !parts.isEmpty()) {
+            texts.append(zqFormat(fact.differs() ? zqLocalized("%@: %@, which differs") : zqLocalized("%@: %@"),
+                                  {fact.name, parts.join(fact.separator)}));
+        }
+    }
+    return texts.join(u'\n');
+}
+
+} // namespace
+
+ComparePane::ComparePane(const Picture &picture, QWidget *parent)
+    : QWidget(parent), m_picture(picture), m_title(new QLabel(this)), m_zoom(new QLabel(this)),
+      m_rating(new RatingField(this)), m_canvas(new CompareCanvas(this)), m_facts(new QLabel(this))
+{
+    m_title->setObjectName(QStringLiteral("Strong"));
+    m_title->setMinimumWidth(leastTitleWidth);
+    m_title->setTextFormat(Qt::PlainText);
+    m_zoom->setObjectName(QStringLiteral("SmallMuted"));
+    m_facts->setObjectName(QStringLiteral("Small"));
+    m_facts->setTextFormat(Qt::RichText);
+    m_facts->setWordWrap(true);
+    m_facts->setContentsMargins(sideMargin, 6, sideMargin, 10);
+    m_facts->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
+    auto *reject = new QToolButton(this);
+    reject->setIcon(ZQIcon::icon(QStringLiteral("close")));
+    reject->setFixedSize(24, 24);
+    reject->setFocusPolicy(Qt::TabFocus);
+    reject->setToolTip(zqLocalized("Take out of the comparison (X)"));
+    connect(reject, &QToolButton::clicked, this, &ComparePane::rejected);
+    connect(m_rating, &RatingField::edited, this, [this](double stars) { Q_EMIT rated(int(std::lround(stars))); });
+    m_rating->installEventFilter(this);
+    connect(m_canvas, &CompareCanvas::documentChanged, this, &ComparePane::showZoom);
+    connect(m_canvas, &CompareCanvas::roomChanged, this, &ComparePane::showZoom);
+    auto *head = new QHBoxLayout;
+    head->setContentsMargins(sideMargin, markHeight, 8, 0);
+    head->setSpacing(8);
+    head->addWidget(m_title, 1);
+    head->addWidget(m_zoom);
+    head->addWidget(m_rating);
+    head->addWidget(reject);
+    auto *row = new QWidget(this);
+    row->setFixedHeight(headHeight);
+    row->setLayout(head);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(row);
+    column->addWidget(m_canvas, 1);
+    column->addWidget(m_facts);
+    setRating(picture.rating);
+    setTitle(picture.title);
+    reject->setAccessibleName(reject->toolTip());
+    m_canvas->open(picture.source);
+}
+
+void ComparePane::setRating(int stars)
+{
+    m_picture.rating = stars;
+    m_rating->setRating(stars, false);
+}
+
+void ComparePane::setTitle(const QString &title)
+{
+    m_picture.title = title;
+    m_title->setToolTip(title);
+    m_title->setAccessibleName(title);
+    m_canvas->setAccessibleName(title);
+    elideTitle();
+}
+
+void ComparePane::elideTitle()
+{
+    m_title->setText(m_title->fontMetrics().elidedText(m_picture.title, Qt::ElideMiddle, m_title->width()));
+}
+
+void ComparePane::showZoom()
+{
+    m_zoom->setText(
+        m_canvas->naturalSize().isEmpty()
+            ? QString()
+            : zqFormat(zqLocalized("%@ %%"), {QLocale().toString(int(std::lround(m_canvas->scale() * 100)))}));
+}
+
+void ComparePane::setCurrent(bool isCurrent)
+{
+    m_isCurrent = isCurrent;
+    update();
+}
+
+void ComparePane::showFacts(const QList<CompareFact> &facts, qsizetype index, bool isBrief)
+{
+    const QString spoken = spokenOf(facts, index);
+    m_facts->setText(isBrief ? lineOf(facts, index) : tableOf(facts, index));
+    m_facts->setToolTip(isBrief ? spoken : QString());
+    m_facts->setAccessibleName(spoken);
+    m_canvas->setAccessibleDescription(spoken);
+}
+
+void ComparePane::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), zqColor(ZQColorRole::Ground));
+    if (m_isCurrent) {
+        painter.fillRect(QRect(0, 0, width(), markHeight), zqColor(ZQColorRole::Accent));
+    }
+}
+
+void ComparePane::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    elideTitle();
+}
+
+void ComparePane::mousePressEvent(QMouseEvent * /*event*/)
+{
+    m_canvas->setFocus(Qt::MouseFocusReason);
+}
+
+bool ComparePane::eventFilter(QObject *object, QEvent *event)
+{
+    if (event->type() == QEvent::FocusIn) {
+        Q_EMIT entered();
+    }
+    return QWidget::eventFilter(object, event);
+}
