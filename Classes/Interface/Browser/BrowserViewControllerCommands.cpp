@@ -116,7 +116,11 @@ QList<WindowCommand> BrowserViewController::zoomCommands()
     // Of whichever of the two is open.
     const auto zoom = [this](void (DetailView::*inDetail)(), void (CompareView::*inComparison)()) {
         return [this, inDetail, inComparison] {
-            m_compare->isOpen() ? (m_compare->view().*inComparison)() : (m_detail->*inDetail)();
+            if (m_compare->isOpen()) {
+                (m_compare->view().*inComparison)();
+            } else {
+                (m_detail->*inDetail)();
+            }
         };
     };
     QList<WindowCommand> result = {
