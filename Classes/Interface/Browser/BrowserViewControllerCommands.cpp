@@ -18,6 +18,8 @@
 #include <QGuiApplication>
 #include <QStackedWidget>
 
+#include <functional>
+
 namespace {
 
 constexpr double zoomStep = 0.08;
@@ -117,9 +119,9 @@ QList<WindowCommand> BrowserViewController::zoomCommands()
     const auto zoom = [this](void (DetailView::*inDetail)(), void (CompareView::*inComparison)()) {
         return [this, inDetail, inComparison] {
             if (m_compare->isOpen()) {
-                (m_compare->view().*inComparison)();
+                std::invoke(inComparison, m_compare->view());
             } else {
-                (m_detail->*inDetail)();
+                std::invoke(inDetail, *m_detail);
             }
         };
     };
