@@ -91,6 +91,7 @@ void CompareCanvas::setLargestFit(double scale)
         m_largestFit = scale;
         updateWantedSide();
         update();
+        Q_EMIT scaleChanged();
     }
 }
 
@@ -100,6 +101,7 @@ void CompareCanvas::setView(const CompareZoom &view)
         m_view = view;
         updateWantedSide();
         update();
+        Q_EMIT scaleChanged();
     }
 }
 

@@ -55,7 +55,8 @@ QString lineOf(const QList<CompareFact> &facts, qsizetype index)
     for (const CompareFact &fact : facts) {
         for (const QString &part : fact.parts.at(index)) {
             if (fact.differs(part)) {
-                texts.append(marked(fact, part));
+                const QString text = marked(fact, part);
+                texts.append(fact.isNamed ? zqFormat(zqLocalized("%@: %@"), {fact.name.toHtmlEscaped(), text}) : text);
             }
         }
     }
@@ -99,6 +100,7 @@ ComparePane::ComparePane(const Picture &picture, QWidget *parent)
     m_rating->installEventFilter(this);
     connect(m_canvas, &CompareCanvas::documentChanged, this, &ComparePane::showZoom);
     connect(m_canvas, &CompareCanvas::roomChanged, this, &ComparePane::showZoom);
+    connect(m_canvas, &CompareCanvas::scaleChanged, this, &ComparePane::showZoom);
     auto *head = new QHBoxLayout;
     head->setContentsMargins(sideMargin, markHeight, 8, 0);
     head->setSpacing(8);

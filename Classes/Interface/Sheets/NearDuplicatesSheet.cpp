@@ -21,9 +21,10 @@
 namespace {
 
 constexpr int closeCode = 1;
-constexpr int sheetWidth = 760;
+constexpr int sheetWidth = 840;
 constexpr int listHeight = 340;
 constexpr int groupsWidth = 220;
+constexpr int groupHeight = 28;
 constexpr int pictureSide = 140;
 constexpr int pathRole = Qt::UserRole;
 constexpr int itemRole = Qt::UserRole + 1;
@@ -167,7 +168,9 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     for (const NearDuplicateGroup &group : std::as_const(m_groups)) {
         const auto item = m_context.libraryItem(group.items.value(group.best));
         const QString title = item ? zqShortened(item->title(), longestTitle) : QString();
-        m_groupList->addItem(zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}));
+        auto *row = new QListWidgetItem(
+            zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}), m_groupList);
+        row->setSizeHint(QSize(0, groupHeight));
     }
     m_pages->setCurrentIndex(1);
     m_keep->show();
@@ -228,7 +231,9 @@ void NearDuplicatesSheet::showPicture(QListWidgetItem &row)
                                                   Qt::KeepAspectRatio, Qt::SmoothTransformation));
         picture.setDevicePixelRatio(devicePixelRatioF());
     }
-    row.setIcon(QIcon(picture));
+    QIcon icon(picture);
+    icon.addPixmap(picture, QIcon::Selected); // untinted, since the colors are what is compared
+    row.setIcon(icon);
 }
 
 void NearDuplicatesSheet::showReason()
