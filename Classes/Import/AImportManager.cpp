@@ -349,8 +349,7 @@ void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
             QFile::remove(oldThumb);
         }
         // What could not be drawn now is not what shows nothing: it is still to be looked at.
-        const auto fingerprint =
-            picture.isNull() ? std::nullopt : std::optional(ZQPictureFingerprint::of(picture));
+        const auto fingerprint = picture.isNull() ? std::nullopt : std::optional(ZQPictureFingerprint::of(picture));
         zqOnMainThread([this, thumb, id, fingerprint] {
             if (const auto there = fingerprint ? itemInMainContext(id) : nullptr) {
                 fingerprint->applyTo(*there);

@@ -18,7 +18,7 @@ struct LikeArgument
     int apart = farthestApart;
 
     static LikeArgument of(const QString &text);
-    QString text() const; // as it is typed, without quotes
+    QString text() const;    // as it is typed, without quotes
     int farthestBits() const // all that is similar, where no number says less
     {
         return apart == farthestApart ? ZQPictureHash::similarDistance : apart * unrelated / 100;
