@@ -33,6 +33,12 @@ protected:
     }
     QString text() { return window().findChild<QLineEdit *>(QStringLiteral("Search"))->text(); }
     QSlider *slider() { return named<QSlider>("How near"); }
+    static QListWidget *list(const NearDuplicatesSheet &sheet, const char *name)
+    {
+        const auto lists = sheet.findChildren<QListWidget *>();
+        return *std::find_if(lists.begin(), lists.end(),
+                             [&](QListWidget *each) { return each->accessibleName() == QLatin1StringView(name); });
+    }
     QString tabName() { return browser().content().tab().tabName(); }
 };
 
@@ -88,18 +94,37 @@ TEST_F(SimilarTest, SaysWhyNothingIsLikeAPicture)
     EXPECT_EQ(text(), QString());
 }
 
+// A picture may be there a hundred thousand times.
+TEST_F(SimilarTest, OfALargeGroupOnlySomeAreShownAndTheOthersStay)
+{
+    const QByteArray hash = image(QStringLiteral("red"))->pictureHash();
+    for (qsizetype i = 0; i < NearDuplicatesSheet::mostInGroup + 5; ++i) {
+        const auto copy = context().insertNewObject<ZQLibraryImage>();
+        copy->setTitle(QStringLiteral("copy"));
+        copy->setBundleID(QStringLiteral("copy-%1").arg(i));
+        copy->setPictureHash(hash);
+        copy->setActive(true);
+    }
+    delegate->saveAction();
+    settle();
+    show(special(ZQSidebarKind::Library));
+    run(CommandID::FindNearDuplicates);
+    const auto *sheet = window().findChild<NearDuplicatesSheet *>();
+    ASSERT_TRUE(sheet);
+    QListWidget *groups = list(*sheet, "Groups");
+    ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
+    EXPECT_EQ(list(*sheet, "The one to keep")->count(), NearDuplicatesSheet::mostInGroup);
+    press(Qt::Key_Escape);
+    settle();
+}
+
 TEST_F(SimilarTest, OneOfEachGroupIsKept)
 {
     run(CommandID::FindNearDuplicates);
     const auto *sheet = window().findChild<NearDuplicatesSheet *>();
     ASSERT_TRUE(sheet);
-    const auto list = [&](const char *name) {
-        const auto lists = sheet->findChildren<QListWidget *>();
-        return *std::find_if(lists.begin(), lists.end(),
-                             [&](QListWidget *each) { return each->accessibleName() == QLatin1StringView(name); });
-    };
-    QListWidget *groups = list("Groups");
-    QListWidget *pictures = list("The one to keep");
+    QListWidget *groups = list(*sheet, "Groups");
+    QListWidget *pictures = list(*sheet, "The one to keep");
     ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
     EXPECT_EQ(groups->count(), 1);
     EXPECT_TRUE(pictures->currentItem()) << "one is proposed";
