@@ -83,6 +83,16 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     EXPECT_FALSE(slider());
 }
 
+TEST_F(SimilarTest, LooksAtAPictureAtOnceThatWasNotLookedAtYet)
+{
+    image(QStringLiteral("red"))->setPictureHash({});
+    delegate->saveAction();
+    select({QStringLiteral("red")});
+    run(CommandID::FindSimilar);
+    EXPECT_TRUE(waitFor([this] { return !image(QStringLiteral("red"))->pictureHash().isNull(); }));
+    EXPECT_EQ(tabName(), QStringLiteral("A"));
+}
+
 TEST_F(SimilarTest, SaysWhyNothingIsLikeAPicture)
 {
     image(QStringLiteral("red"))->setPictureHash(QByteArray("")); // looked at, and shows nothing
