@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/ColorWheelMenu.h"
 
+#include "Classes/Browsing/Index/PictureConditions.h"
 #include "Classes/Browsing/Search/ColorArgument.h"
 #include "Classes/Browsing/Search/SearchToken.h"
 #include "Classes/Interface/Browser/ColorWheel.h"
@@ -14,7 +15,7 @@
 
 namespace {
 constexpr int restMilliseconds = 60;
-constexpr int usualTolerance = 10; // hundredths of the way from black to white
+constexpr int usualTolerance = ColorCondition::usualTolerance;
 constexpr int greatestTolerance = 40;
 constexpr int lightest = 255;
 } // namespace
