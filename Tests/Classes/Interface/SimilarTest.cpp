@@ -56,6 +56,9 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     EXPECT_EQ(tabName(), QStringLiteral("Like red"));
     EXPECT_EQ(shown(), (QStringList{"red", "clear", "pages"}));
     EXPECT_TRUE(named("Sort: Nearness"));
+    for (int id = int(CommandID::SortManually); id <= int(CommandID::SortByHue); ++id) {
+        EXPECT_FALSE(controller->command(CommandID(id))->isChecked()) << id;
+    }
     ASSERT_TRUE(slider());
     EXPECT_EQ(slider()->value(), slider()->maximum());
     slider()->setValue(20);
