@@ -1,6 +1,7 @@
 // What looks like a picture, and what looks alike.
 
 #include "Classes/Interface/Browser/BrowserHead.h"
+#include "Classes/Interface/Browser/ColorWheel.h"
 #include "Classes/Interface/Sheets/NearDuplicatesSheet.h"
 #include "Kit/Imaging/ZQPictureHash.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
@@ -84,6 +85,18 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     settle();
     EXPECT_EQ(shown().size(), 4);
     EXPECT_FALSE(slider());
+}
+
+TEST_F(SimilarTest, AColorIsFoundByTheWheelWithoutTheRefineBar)
+{
+    show(b); // what was counted before is no longer to be chosen
+    show(a);
+    run(CommandID::FindColor);
+    auto *wheel = window().findChild<ColorWheel *>();
+    ASSERT_TRUE(wheel);
+    QTest::keyClick(wheel, Qt::Key_Up);
+    EXPECT_TRUE(waitFor([this] { return text().startsWith(QStringLiteral("#color #")); }));
+    wheel->window()->close();
 }
 
 TEST_F(SimilarTest, LooksAtAPictureAtOnceThatWasNotLookedAtYet)
