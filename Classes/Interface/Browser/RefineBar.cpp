@@ -308,8 +308,7 @@ void RefineBar::openColorWheel(const QPoint &globalPoint)
 {
     auto *wheel = new ColorWheelMenu(this);
     // Whatever was counted: a bar that is hidden counts nothing.
-    connect(wheel, &ColorWheelMenu::chosen, this,
-            [this](const QString &token) { Q_EMIT chosen(FacetKind::Color, token); });
+    connect(wheel, &ColorWheelMenu::chosen, this, &RefineBar::colorChosen);
     wheel->popUp(globalPoint);
 }
 

@@ -96,6 +96,14 @@ TEST_F(SimilarTest, AColorIsFoundByTheWheelWithoutTheRefineBar)
     ASSERT_TRUE(wheel);
     QTest::keyClick(wheel, Qt::Key_Up);
     EXPECT_TRUE(waitFor([this] { return text().startsWith(QStringLiteral("#color #")); }));
+    Q_EMIT browser().searchRequested(QStringLiteral("red OR clear"));
+    settle();
+    QString before = text();
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(wheel, Qt::Key_Right);
+        EXPECT_TRUE(waitFor([&] { return std::exchange(before, text()) != text(); })) << i;
+    }
+    EXPECT_EQ(text().count(QStringLiteral("#color")), 1) << text().toStdString();
     wheel->window()->close();
 }
 
