@@ -72,42 +72,55 @@ QJsonObject objectOf(const ZQLibraryBaseItem &item)
             {QStringLiteral("pixelHeight"), item.pixelHeight()}, {QStringLiteral("rating"), item.rating()}};
 }
 
-int printGroups(const Groups &groups, CommandContext &context)
+using Items = QList<ZQRef<ZQLibraryBaseItem>>;
+
+QJsonObject objectOf(const NearDuplicateGroup &group, const Items &items)
 {
-    QJsonArray array;
-    bool isFirst = true;
-    for (const NearDuplicateGroup &group : groups) {
-        if (!context.isWanted()) {
-            context.output.clear();
-            return context.fail(zqLocalized("the list was given up"));
-        }
-        const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items, context.store());
-        const bool isWhole = items.size() == group.items.size(); // nothing was removed meanwhile
-        if (!isWhole) {
-            continue;
-        }
-        if (context.json) {
             QJsonArray members;
             for (const auto &item : items) {
                 members.append(objectOf(*item));
             }
-            array.append(QJsonObject{{QStringLiteral("items"), members},
+    return {{QStringLiteral("items"), members},
                                      {QStringLiteral("best"), items[group.best]->bundleID()},
-                                     {QStringLiteral("reason"), group.reason}});
-            continue;
+            {QStringLiteral("reason"), group.reason}};
         }
-        if (!std::exchange(isFirst, false)) {
-            context.print({});
-        }
+
+QByteArray linesOf(const NearDuplicateGroup &group, const Items &items)
+{
+    QByteArray lines;
         for (qsizetype i = 0; i < items.size(); ++i) {
             const QString line = items[i]->bundleID() + u'\t' + nameOf(*items[i]);
-            context.print(i == group.best ? line + u'\t' + group.reason : line);
+        lines += (i == group.best ? line + u'\t' + group.reason : line).toUtf8() + '\n';
         }
+    return lines;
+}
+
+int printGroups(const Groups &groups, CommandContext &context)
+{
+    constexpr qsizetype atATime = 40; // takes a few milliseconds
+    bool isFirst = true;
+    const auto partAt = [&](qsizetype first) {
+        QList<ZQObjectID> ids;
+        for (const NearDuplicateGroup &group : groups.mid(first, atATime)) {
+            ids += group.items;
+        }
+        const Items read = ZQLibraryBaseItem::itemsWithIDs(ids, context.store()); // in one go, and held meanwhile
+        QJsonArray array;
+        QByteArray text;
+        for (const NearDuplicateGroup &group : groups.mid(first, atATime)) {
+            const Items items = ZQLibraryBaseItem::itemsWithIDs(group.items, context.store());
+            if (items.size() != group.items.size()) {
+                continue; // one of them was removed meanwhile
     }
     if (context.json) {
-        context.printJSON(array);
+                array.append(objectOf(group, items));
+            } else {
+                text += (std::exchange(isFirst, false) ? "" : "\n") + linesOf(group, items);
     }
-    return 0;
+        }
+        return context.json ? zqJSONElements(array) : text;
+    };
+    return zqPrintInParts(groups.size(), atATime, context, partAt) ? 0 : 2;
 }
 
 } // namespace

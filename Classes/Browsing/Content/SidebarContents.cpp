@@ -105,11 +105,16 @@ SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetc
             const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
             return repeated ? *repeated : ofStore();
         };
-        result.picturesNamed = [index = m_index, ofStore = result.picturesNamed](const QString &name) {
+        result.picturesNamed = [index = m_index, &context = m_context,
+                                ofStore = result.picturesNamed](const QString &name) {
+            const QList<ZQPictureHash> identified = StoreSearch::picturesIdentified(name, context);
+            if (!identified.isEmpty()) {
+                return identified;
+            }
             const auto reading =
                 index->isReady() && index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
             const auto titled = reading ? picturesTitled(*reading, name) : std::nullopt;
-            return titled && !titled->isEmpty() ? *titled : ofStore(name); // a bundleID only the store knows
+            return titled ? *titled : ofStore(name);
         };
     }
     return result;

@@ -3,7 +3,6 @@
 #include "Classes/Browsing/Index/IndexCounts.h"
 #include "Classes/Browsing/Index/IndexReader.h"
 #include "Classes/Browsing/Index/IndexRequests.h"
-#include "Classes/Browsing/Index/NearGroups.h"
 #include "Classes/Browsing/Index/SimilarPictures.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -430,11 +429,6 @@ std::vector<std::pair<ZQObjectID, int>> LibraryIndex::Reading::similar(const ZQP
     return result;
 }
 
-std::optional<ZQRowSet> LibraryIndex::Reading::near(const ZQOklab &color, float tolerance, const ZQRowSet &among) const
-{
-    return zqPicturesWithColor(d->columns.items.pictures, ColorNearness(color, tolerance), among);
-}
-
 PictureSet LibraryIndex::Reading::pictures(const ZQRowSet &among) const
 {
     const IndexItems &items = d->columns.items;
@@ -446,21 +440,6 @@ PictureSet LibraryIndex::Reading::pictures(const ZQRowSet &among) const
             result.add(items.id(quint32(row)), *hash);
         }
     });
-    return result;
-}
-
-std::vector<QList<ZQObjectID>> LibraryIndex::Reading::nearDuplicates(const ZQRowSet &among, int farthest,
-                                                                     const std::function<void(double)> &progress) const
-{
-    const PictureSet pictures = this->pictures(among);
-    std::vector<QList<ZQObjectID>> result;
-    for (const std::vector<quint32> &group :
-         NearGroups::of(pictures.hashes, farthest, progress).value_or(NearGroups::Groups())) {
-        QList<ZQObjectID> &ids = result.emplace_back();
-        for (const quint32 place : group) {
-            ids.append(pictures.items[place]);
-        }
-    }
     return result;
 }
 

@@ -39,8 +39,6 @@ struct PictureColors
 class ColorNearness
 {
 public:
-    static constexpr float usual = 0.1F; // of tolerances in Oklab: "the same blue" in a lighter and a darker one
-
     ColorNearness(const ZQOklab &color, float tolerance);
     bool operator()(const PictureColors &picture) const
     {

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/ColorWheelMenu.h"
 
+#include "Classes/Browsing/Index/PictureConditions.h"
 #include "Classes/Browsing/Search/ColorArgument.h"
 #include "Classes/Browsing/Search/SearchToken.h"
 #include "Classes/Interface/Browser/ColorWheel.h"
@@ -11,10 +12,11 @@
 #include <QSlider>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr int restMilliseconds = 60;
-constexpr int usualTolerance = 10; // hundredths of the way from black to white
+constexpr int usualTolerance = ColorCondition::usualTolerance;
 constexpr int greatestTolerance = 40;
 constexpr int lightest = 255;
 } // namespace
@@ -87,7 +89,6 @@ void ColorWheelMenu::search()
     const QString token = SearchToken::ofField(SearchField::Color).name() + u' ' +
                           (tolerance == usualTolerance ? color : ColorArgument::textFor(color, tolerance));
     if (token != m_searched) { // the same once more would take it away
-        m_searched = token;
-        Q_EMIT chosen(token);
+        Q_EMIT chosen(token, std::exchange(m_searched, token));
     }
 }

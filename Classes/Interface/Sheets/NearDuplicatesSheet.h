@@ -24,7 +24,8 @@ public:
     NearDuplicatesSheet(QWidget *window, WindowContext &context, const std::optional<QList<ZQObjectID>> &items);
     ~NearDuplicatesSheet() override;
 
-    static constexpr qsizetype mostShown = 1000; // groups at a time
+    static constexpr qsizetype mostShown = 1000;  // groups at a time
+    static constexpr qsizetype mostInGroup = 200; // pictures of one that are shown, by their worth
 
 private:
     void makeGroups();
