@@ -19,6 +19,22 @@ void addCounts(const ZQFetchRequest &request, ZQManagedObjectContext &context, Q
     }
 }
 
+QList<ZQPictureHash> picturesOf(const ZQPredicate &predicate, ZQManagedObjectContext &context)
+{
+    static const QString hash = QStringLiteral("pictureHash");
+    const auto items = context.fetchDictionaries({.entityName = ZQLibraryBaseItem::entityName(),
+                                                  .predicate = predicate,
+                                                  .fetchLimit = StoreSearch::mostPictures},
+                                                 {hash});
+    QList<ZQPictureHash> found;
+    for (const QVariantMap &item : items.value_or(QList<QVariantMap>())) {
+        if (const auto read = ZQPictureHash::fromBytes(item.value(hash).toByteArray())) {
+            found.append(*read);
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 SearchContext StoreSearch::context(ZQListRows rows, const QList<ZQFetchRequest> &requests,
@@ -72,26 +88,21 @@ ZQPredicate StoreSearch::titledPictures(const QString &name)
                                       stem.isEmpty() ? titled : ZQPredicate::orPredicate({titled, withExtension})});
 }
 
+QList<ZQPictureHash> StoreSearch::picturesTitled(const QString &title, ZQManagedObjectContext &context)
+{
+    return picturesOf(titledPictures(title), context);
+}
+
+QList<ZQPictureHash> StoreSearch::picturesIdentified(const QString &bundleID, ZQManagedObjectContext &context)
+{
+    return picturesOf(ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND bundleID == %@"), {bundleID}),
+                      context);
+}
+
 QList<ZQPictureHash> StoreSearch::picturesNamed(const QString &name, ZQManagedObjectContext &context)
 {
-    static const QString hash = QStringLiteral("pictureHash");
-    const ZQPredicate identified =
-        ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND bundleID == %@"), {name});
-    for (const ZQPredicate &predicate : {identified, titledPictures(name)}) { // the first has an index
-        const auto items = context.fetchDictionaries(
-            {.entityName = ZQLibraryBaseItem::entityName(), .predicate = predicate, .fetchLimit = mostPictures},
-            {hash});
-        QList<ZQPictureHash> found;
-        for (const QVariantMap &item : items.value_or(QList<QVariantMap>())) {
-            if (const auto read = ZQPictureHash::fromBytes(item.value(hash).toByteArray())) {
-                found.append(*read);
-            }
-        }
-        if (!found.isEmpty()) {
-            return found;
-        }
-    }
-    return {};
+    const QList<ZQPictureHash> identified = picturesIdentified(name, context);
+    return identified.isEmpty() ? picturesTitled(name, context) : identified;
 }
 
 int StoreSearch::liveFolderDepth(ZQManagedObjectContext &context)

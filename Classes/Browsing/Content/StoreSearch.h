@@ -16,8 +16,12 @@ public:
     // How many items of the content have each SHA-1; an item that is in it twice is one.
     static QMap<QString, qint64> hashCounts(const QList<ZQFetchRequest> &requests,
                                             ZQManagedObjectContext &inManagedObjectContext);
-    // What the active pictures look like whose bundleID or title, with or without the extension, is `name`; at most
-    // `mostPictures`.
+    // What the active pictures look like that have this bundleID, or, with or without the extension, this title; at
+    // most `mostPictures`. The store has an index of the first, and looks at all titles for the second.
+    static QList<ZQPictureHash> picturesIdentified(const QString &bundleID,
+                                                   ZQManagedObjectContext &inManagedObjectContext);
+    static QList<ZQPictureHash> picturesTitled(const QString &title, ZQManagedObjectContext &inManagedObjectContext);
+    // The first, or where there are none the second.
     static QList<ZQPictureHash> picturesNamed(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     static ZQPredicate titledPictures(const QString &name); // the condition on those of this title
     static constexpr int mostPictures = 16;

@@ -18,8 +18,8 @@ struct LikeArgument
     int apart = farthestApart;
 
     static LikeArgument of(const QString &text);
-    QString text() const; // as it is typed, without quotes
-    int farthestBits() const { return apart * unrelated / 100; }
+    QString text() const;                                               // as it is typed, without quotes
+    int farthestBits() const { return (apart * unrelated + 50) / 100; } // at most what is ever called similar
     // How alike two pictures are, of 100.
     static int likeness(int distance);
 
