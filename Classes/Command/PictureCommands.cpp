@@ -60,11 +60,6 @@ int printSimilar(Similar found, const ZQObjectID &item, size_t limit, CommandCon
     return zqPrintItems(items, distances, context) ? 0 : 2;
 }
 
-QString nameOf(const ZQLibraryBaseItem &item)
-{
-    return item.extension().isEmpty() ? item.title() : item.title() + u'.' + item.extension();
-}
-
 QJsonObject objectOf(const ZQLibraryBaseItem &item)
 {
     return {{QStringLiteral("bundleID"), item.bundleID()},       {QStringLiteral("title"), item.title()},
@@ -100,7 +95,7 @@ int printGroups(const Groups &groups, CommandContext &context)
             context.print({});
         }
         for (qsizetype i = 0; i < items.size(); ++i) {
-            const QString line = items[i]->bundleID() + u'\t' + nameOf(*items[i]);
+            const QString line = items[i]->bundleID() + u'\t' + zqListedName(*items[i]);
             context.print(i == group.best ? line + u'\t' + group.reason : line);
         }
     }
@@ -125,8 +120,9 @@ int zqRunSimilar(const QString &item, int limit, CommandContext &context)
             first->pictureHash().isNull()
                 ? zqFormat(
                       zqLocalized("what “%@” looks like is not known yet; a window finds it out, beside other work"),
-                      {nameOf(*first)})
-                : zqFormat(zqLocalized("“%@” shows nothing that another picture could look like"), {nameOf(*first)}));
+                      {zqListedName(*first)})
+                : zqFormat(zqLocalized("“%@” shows nothing that another picture could look like"),
+                           {zqListedName(*first)}));
     }
     const auto most = size_t(limit);
     const auto search = [hash = *hash, most, index = indexOf(context)](ZQManagedObjectContext &store,

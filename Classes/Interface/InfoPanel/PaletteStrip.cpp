@@ -1,6 +1,8 @@
 #include "Classes/Interface/InfoPanel/PaletteStrip.h"
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Browsing/Search/ColorArgument.h"
+#include "Classes/Export/ExportNames.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQPaletteFiles.h"
@@ -22,23 +24,9 @@ namespace {
 constexpr int stripHeight = 22;
 constexpr int wholeShare = 255;
 
-QString hexOf(QRgb color)
-{
-    return QColor(color).name(QColor::HexRgb);
-}
-
 QString percentOf(quint8 share)
 {
     return QLocale().toString(std::max(1, (share * 100 + wholeShare / 2) / wholeShare));
-}
-
-// As the name of a file: titles have no rules.
-QString fileNameOf(QString title, const QString &extension)
-{
-    constexpr qsizetype longest = 100;
-    title.replace(u'/', u'-');
-    title.remove(QChar(0));
-    return title.left(longest) + u'.' + extension;
 }
 
 } // namespace
@@ -82,7 +70,7 @@ void PaletteStrip::showPalette(const ZQPalette &palette, const QString &title)
     m_codes.clear();
     m_palette = palette;
     for (const ZQPalette::Color &color : palette.colors) {
-        const QString hex = hexOf(color.rgb);
+        const QString hex = ColorArgument::textFor(color.rgb);
         ColorSwatch *swatch = addSwatch(QColor(color.rgb), hex);
         swatch->setDescription(zqFormat(zqLocalized("Search for %@, which is %@ %% of the picture. With Shift: besides "
                                                     "what is searched"),
@@ -131,7 +119,7 @@ void PaletteStrip::save(const QString &extension, QByteArray (*fileOf)(const ZQP
     FileChoice choice;
     choice.title = zqLocalized("Save Palette");
     choice.prompt = zqLocalized("Save");
-    choice.suggestedName = fileNameOf(m_title, extension);
+    choice.suggestedName = ExportNames::nameForTitle(m_title, extension);
     choice.extensions = {extension};
     const auto path = user.chooseFileToSave(choice);
     if (!path) {

@@ -4,6 +4,7 @@
 // zelto_similar_figures_bench ITEMS
 
 #include "Classes/Browsing/Index/NearGroups.h"
+#include "Classes/Browsing/Index/PictureConditions.h"
 #include "Classes/Browsing/Index/SimilarPictures.h"
 
 #include <QElapsedTimer>
@@ -116,8 +117,7 @@ int main(int argc, char *argv[])
               zqNearestPictures(made.pictures, nextHash(), all, nearest, ZQPictureHash::similarDistance);
           }));
     print("color-ms", leastMilliseconds([&] {
-              const ColorNearness blue(ZQOklab::of(QRgb(0x3366cc)), ColorNearness::usual);
-              if (!zqPicturesWithColor(made.pictures, blue, all)) {
+              if (!zqPicturesWithColor(made.pictures, ColorCondition{.color = 0x3366cc}.nearness(), all)) {
                   std::abort();
               }
           }));

@@ -430,11 +430,6 @@ TEST_F(LibraryIndexTest, KnowsWhatPicturesLookLikeAsTheirItemsSay)
     const auto stored = PictureSet::ofStore(context, &error);
     ASSERT_TRUE(stored.has_value()) << qPrintable(error.localizedDescription());
     EXPECT_EQ(stored->nearest(picture(0).words, 10, 2 * apart), similar);
-    const auto blue = reading.near(ZQOklab::of(0x3366cc), 0.05F, reading.active());
-    ASSERT_TRUE(blue.has_value());
-    EXPECT_EQ(*blue, *reading.matching(ZQPredicate::predicateWithFormat(QStringLiteral("palette RESEMBLES %@"),
-                                                                        {ColorCondition{0x3366cc, 5}.text()}),
-                                       ZQListRows::LibraryItems, reading.active()));
 }
 
 TEST_F(LibraryIndexTest, LeavesToTheStoreWhatItHasNoColumnFor)
