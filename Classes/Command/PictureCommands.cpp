@@ -1,5 +1,6 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/NearDuplicates.h"
+#include "Classes/Browsing/Content/SimilarItems.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Command/Commands.h"
 #include "Classes/Command/ItemListing.h"
@@ -14,7 +15,6 @@
 
 namespace {
 
-using Similar = std::vector<std::pair<ZQObjectID, int>>;
 using Groups = QList<NearDuplicateGroup>;
 
 template <class Found>
@@ -35,20 +35,7 @@ int failed(const ZQError &error, CommandContext &context)
     return context.fail(error.isNull() ? zqLocalized("the search was given up") : error.localizedDescription());
 }
 
-std::optional<Similar> similarTo(const ZQPictureHash &hash, size_t limit, ZQManagedObjectContext &store,
-                                 LibraryIndex *index, ZQError *error)
-{
-    if (index && index->waitUntilCurrent()) {
-        if (const auto reading = index->read()) {
-            return reading->similar(hash, limit, ZQPictureHash::similarDistance);
-        }
-    }
-    const auto pictures = PictureSet::ofStore(store, error);
-    return pictures ? std::optional(pictures->nearest(hash.words, limit, ZQPictureHash::similarDistance))
-                    : std::nullopt;
-}
-
-int printSimilar(Similar found, const ZQObjectID &item, size_t limit, CommandContext &context)
+int printSimilar(SimilarItems found, const ZQObjectID &item, size_t limit, CommandContext &context)
 {
     std::erase_if(found, [&item](const auto &each) { return each.first == item; });
     QList<ZQObjectID> items;
@@ -127,12 +114,13 @@ int zqRunSimilar(const QString &item, int limit, CommandContext &context)
     const auto most = size_t(limit);
     const auto search = [hash = *hash, most, index = indexOf(context)](ZQManagedObjectContext &store,
                                                                        const std::stop_token &) {
-        Answer<Similar> answer;
-        answer.found = similarTo(hash, most + 1, store, index.get(), &answer.error); // itself is among them
+        Answer<SimilarItems> answer;
+        auto found = zqSimilarItems({hash}, most + 1, store, index.get(), &answer.error); // itself is among them
+        answer.found = found ? std::optional(std::move(found->front())) : std::nullopt;
         return answer;
     };
-    return WorkBeside<Answer<Similar>>::run(
-        context, search, [most, id = first->objectID()](const Answer<Similar> &answer, CommandContext &finished) {
+    return WorkBeside<Answer<SimilarItems>>::run(
+        context, search, [most, id = first->objectID()](const Answer<SimilarItems> &answer, CommandContext &finished) {
             return answer.found ? printSimilar(*answer.found, id, most, finished) : failed(answer.error, finished);
         });
 }
