@@ -18,6 +18,8 @@
 #include <QPushButton>
 #include <QStackedWidget>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int closeCode = 1;
@@ -198,7 +200,8 @@ void NearDuplicatesSheet::showGroup(int row)
         return;
     }
     const NearDuplicateGroup &group = m_groups.at(row);
-    const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items, m_context.context);
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items.first(std::min(group.items.size(), mostOfGroup)),
+                                                       m_context.context);
     for (const auto &item : items) {
         if (!item->active()) {
             continue;
@@ -244,6 +247,11 @@ void NearDuplicatesSheet::showReason()
     const bool isProposed = chosen->data(itemRole).value<ZQObjectID>() == group.items.value(group.best);
     m_reason->setText(isProposed ? zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason})
                                  : zqLocalized("Chosen to be kept, in place of the proposed one."));
+    if (group.items.size() > mostOfGroup) {
+        m_reason->setText(m_reason->text() + u' ' +
+                          zqFormat(zqLocalized("The %@ best of %@ are shown. The others stay."),
+                                   {QLocale().toString(mostOfGroup), QLocale().toString(group.items.size())}));
+    }
 }
 
 void NearDuplicatesSheet::keepChosen()

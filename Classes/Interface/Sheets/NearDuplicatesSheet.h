@@ -24,7 +24,8 @@ public:
     NearDuplicatesSheet(QWidget *window, WindowContext &context, const std::optional<QList<ZQObjectID>> &items);
     ~NearDuplicatesSheet() override;
 
-    static constexpr qsizetype mostShown = 1000; // groups at a time
+    static constexpr qsizetype mostShown = 1000;  // groups at a time
+    static constexpr qsizetype mostOfGroup = 200; // pictures; the others are not touched
 
 private:
     void makeGroups();

@@ -34,6 +34,12 @@ protected:
     QString text() { return window().findChild<QLineEdit *>(QStringLiteral("Search"))->text(); }
     QSlider *slider() { return named<QSlider>("How near"); }
     QString tabName() { return browser().content().tab().tabName(); }
+    QListWidget *list(const char *name)
+    {
+        const auto lists = window().findChild<NearDuplicatesSheet *>()->findChildren<QListWidget *>();
+        return *std::find_if(lists.begin(), lists.end(),
+                             [&](QListWidget *each) { return each->accessibleName() == QLatin1StringView(name); });
+    }
 };
 
 } // namespace
@@ -93,11 +99,6 @@ TEST_F(SimilarTest, OneOfEachGroupIsKept)
     run(CommandID::FindNearDuplicates);
     const auto *sheet = window().findChild<NearDuplicatesSheet *>();
     ASSERT_TRUE(sheet);
-    const auto list = [&](const char *name) {
-        const auto lists = sheet->findChildren<QListWidget *>();
-        return *std::find_if(lists.begin(), lists.end(),
-                             [&](QListWidget *each) { return each->accessibleName() == QLatin1StringView(name); });
-    };
     QListWidget *groups = list("Groups");
     QListWidget *pictures = list("The one to keep");
     ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
@@ -123,4 +124,23 @@ TEST_F(SimilarTest, OneOfEachGroupIsKept)
     run(CommandID::Undo);
     settle();
     EXPECT_TRUE(image(QStringLiteral("red"))->active());
+}
+
+TEST_F(SimilarTest, OfAHugeGroupTheBestAreShown)
+{
+    constexpr qsizetype count = NearDuplicatesSheet::mostOfGroup + 3;
+    for (qsizetype i = 0; i < count; ++i) {
+        const auto made = context().insertNewObject<ZQLibraryImage>();
+        made->setBundleID(QStringLiteral("made%1").arg(i));
+        made->setActive(true);
+        made->setRating(i == count - 1 ? 5 : 0);
+        made->setPictureHash(QByteArray(32, 'x'));
+    }
+    delegate->saveAction();
+    run(CommandID::FindNearDuplicates);
+    ASSERT_TRUE(waitFor([&] { return list("Groups")->count() > 0; }));
+    EXPECT_TRUE(list("Groups")->item(0)->text().contains(QLocale().toString(count)));
+    EXPECT_EQ(list("The one to keep")->count(), NearDuplicatesSheet::mostOfGroup);
+    EXPECT_TRUE(list("The one to keep")->currentItem()) << "the best one is among them";
+    press(Qt::Key_Escape);
 }
