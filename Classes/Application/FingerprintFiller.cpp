@@ -61,10 +61,9 @@ FingerprintFiller::Result FingerprintFiller::run(const Uses &uses)
 {
     Result result;
     ZQManagedObjectContext context(m_coordinator);
-    ZQError error;
-    auto items = context.fetchObjectIDs(request(), &error);
+    auto items = context.fetchObjectIDs(request(), &result.error);
     if (!items) {
-        zqLogFetchError(error);
+        zqLogFetchError(result.error);
         return result;
     }
     items->removeIf([this](const ZQObjectID &id) { return m_left.contains(id); });
@@ -79,7 +78,7 @@ FingerprintFiller::Result FingerprintFiller::run(const Uses &uses)
     progress(0);
     for (qsizetype first = 0; first < items->size(); first += itemsPerSave) {
         std::vector<Picture> pictures = picturesOf(items->mid(first, itemsPerSave), context);
-        const bool goesOn = look(pictures, uses.goesOn);
+        const bool goesOn = look(pictures, uses.goesOn, &result.error);
         if (!store(pictures, context, result) || !goesOn) {
             return result;
         }
@@ -120,7 +119,8 @@ std::vector<FingerprintFiller::Picture> FingerprintFiller::picturesOf(const QLis
     return pictures;
 }
 
-bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn) const
+bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn,
+                             ZQError *endedBy) const
 {
     for (auto picture = pictures.begin(); picture != pictures.end(); ++picture) {
         if (!goesOn()) {
@@ -138,6 +138,7 @@ bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function
         }
         qCInfo(zqLogStore, "no fingerprint yet: %s", qUtf8Printable(error.localizedDescription()));
         if (!isAboutOneFile(error)) {
+            *endedBy = error;
             pictures.erase(picture, pictures.end());
             return false;
         }
@@ -172,5 +173,6 @@ bool FingerprintFiller::store(const std::vector<Picture> &pictures, ZQManagedObj
         }
     }
     qCInfo(zqLogStore, "fingerprints not saved: %s", qUtf8Printable(error.localizedDescription()));
+    result.error = error;
     return false;
 }

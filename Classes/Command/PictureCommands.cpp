@@ -54,42 +54,55 @@ QJsonObject objectOf(const ZQLibraryBaseItem &item)
             {QStringLiteral("pixelHeight"), item.pixelHeight()}, {QStringLiteral("rating"), item.rating()}};
 }
 
+using Items = QList<ZQRef<ZQLibraryBaseItem>>;
+
+QJsonObject objectOf(const NearDuplicateGroup &group, const Items &items)
+{
+    QJsonArray members;
+    for (const auto &item : items) {
+        members.append(objectOf(*item));
+    }
+    return {{QStringLiteral("items"), members},
+            {QStringLiteral("best"), items[group.best]->bundleID()},
+            {QStringLiteral("reason"), group.reason}};
+}
+
+QByteArray linesOf(const NearDuplicateGroup &group, const Items &items)
+{
+    QByteArray lines;
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const QString line = items[i]->bundleID() + u'\t' + zqListedName(*items[i]);
+        lines += (i == group.best ? line + u'\t' + group.reason : line).toUtf8() + '\n';
+    }
+    return lines;
+}
+
 int printGroups(const Groups &groups, CommandContext &context)
 {
-    QJsonArray array;
+    constexpr qsizetype atATime = 40; // takes a few milliseconds
     bool isFirst = true;
-    for (const NearDuplicateGroup &group : groups) {
-        if (!context.isWanted()) {
-            context.output.clear();
-            return context.fail(zqLocalized("the list was given up"));
+    const auto partAt = [&](qsizetype first) {
+        QList<ZQObjectID> ids;
+        for (const NearDuplicateGroup &group : groups.mid(first, atATime)) {
+            ids += group.items;
         }
-        const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items, context.store());
-        const bool isWhole = items.size() == group.items.size(); // nothing was removed meanwhile
-        if (!isWhole) {
-            continue;
-        }
-        if (context.json) {
-            QJsonArray members;
-            for (const auto &item : items) {
-                members.append(objectOf(*item));
+        const Items read = ZQLibraryBaseItem::itemsWithIDs(ids, context.store()); // in one go, and held meanwhile
+        QJsonArray array;
+        QByteArray text;
+        for (const NearDuplicateGroup &group : groups.mid(first, atATime)) {
+            const Items items = ZQLibraryBaseItem::itemsWithIDs(group.items, context.store());
+            if (items.size() != group.items.size()) {
+                continue; // one of them was removed meanwhile
             }
-            array.append(QJsonObject{{QStringLiteral("items"), members},
-                                     {QStringLiteral("best"), items[group.best]->bundleID()},
-                                     {QStringLiteral("reason"), group.reason}});
-            continue;
+            if (context.json) {
+                array.append(objectOf(group, items));
+            } else {
+                text += (std::exchange(isFirst, false) ? "" : "\n") + linesOf(group, items);
+            }
         }
-        if (!std::exchange(isFirst, false)) {
-            context.print({});
-        }
-        for (qsizetype i = 0; i < items.size(); ++i) {
-            const QString line = items[i]->bundleID() + u'\t' + zqListedName(*items[i]);
-            context.print(i == group.best ? line + u'\t' + group.reason : line);
-        }
-    }
-    if (context.json) {
-        context.printJSON(array);
-    }
-    return 0;
+        return context.json ? zqJSONElements(array) : text;
+    };
+    return zqPrintInParts(groups.size(), atATime, context, partAt) ? 0 : 2;
 }
 
 } // namespace

@@ -108,10 +108,11 @@ SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetc
             const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
             return repeated ? *repeated : ofStore();
         };
-        result.picturesNamed = [index = m_index, &context = m_context](const QString &name) {
+        result.picturesNamed = [index = m_index, &context = m_context,
+                                ofStore = result.picturesNamed](const QString &name) {
             const QList<ZQPictureHash> identified = StoreSearch::picturesIdentified(name, context);
             const auto titled = identified.isEmpty() ? picturesTitled(*index, name) : identified;
-            return titled ? *titled : StoreSearch::picturesTitled(name, context);
+            return titled ? *titled : ofStore(name);
         };
     }
     return result;

@@ -19,16 +19,18 @@ void addCounts(const ZQFetchRequest &request, ZQManagedObjectContext &context, Q
     }
 }
 
-QList<ZQPictureHash> picturesOf(const ZQPredicate &predicate, ZQManagedObjectContext &context)
+// Of those that meet the condition and were looked at.
+QList<ZQPictureHash> picturesOf(const ZQPredicate &condition, ZQManagedObjectContext &context)
 {
-    static const QString hash = QStringLiteral("pictureHash");
+    static const QString picture = QStringLiteral("pictureHash");
+    const ZQPredicate known = ZQPredicate::predicateWithFormat(QStringLiteral("pictureHash != nil"));
     const auto items = context.fetchDictionaries({.entityName = ZQLibraryBaseItem::entityName(),
-                                                  .predicate = predicate,
+                                                  .predicate = ZQPredicate::andPredicate({condition, known}),
                                                   .fetchLimit = StoreSearch::mostPictures},
-                                                 {hash});
+                                                 {picture});
     QList<ZQPictureHash> found;
     for (const QVariantMap &item : items.value_or(QList<QVariantMap>())) {
-        if (const auto read = ZQPictureHash::fromBytes(item.value(hash).toByteArray())) {
+        if (const auto read = ZQPictureHash::fromBytes(item.value(picture).toByteArray())) {
             found.append(*read);
         }
     }
@@ -88,11 +90,6 @@ ZQPredicate StoreSearch::titledPictures(const QString &name)
                                       stem.isEmpty() ? titled : ZQPredicate::orPredicate({titled, withExtension})});
 }
 
-QList<ZQPictureHash> StoreSearch::picturesTitled(const QString &title, ZQManagedObjectContext &context)
-{
-    return picturesOf(titledPictures(title), context);
-}
-
 QList<ZQPictureHash> StoreSearch::picturesIdentified(const QString &bundleID, ZQManagedObjectContext &context)
 {
     return picturesOf(ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND bundleID == %@"), {bundleID}),
@@ -101,8 +98,8 @@ QList<ZQPictureHash> StoreSearch::picturesIdentified(const QString &bundleID, ZQ
 
 QList<ZQPictureHash> StoreSearch::picturesNamed(const QString &name, ZQManagedObjectContext &context)
 {
-    const QList<ZQPictureHash> identified = picturesIdentified(name, context);
-    return identified.isEmpty() ? picturesTitled(name, context) : identified;
+    const QList<ZQPictureHash> identified = picturesIdentified(name, context); // has an index
+    return identified.isEmpty() ? picturesOf(titledPictures(name), context) : identified;
 }
 
 int StoreSearch::liveFolderDepth(ZQManagedObjectContext &context)

@@ -16,12 +16,11 @@ public:
     // How many items of the content have each SHA-1; an item that is in it twice is one.
     static QMap<QString, qint64> hashCounts(const QList<ZQFetchRequest> &requests,
                                             ZQManagedObjectContext &inManagedObjectContext);
-    // What the active pictures look like that have this bundleID, or, with or without the extension, this title; at
-    // most `mostPictures`. The store has an index of the first, and looks at all titles for the second.
+    // What the active picture of this bundleID looks like; none where it is not known.
     static QList<ZQPictureHash> picturesIdentified(const QString &bundleID,
                                                    ZQManagedObjectContext &inManagedObjectContext);
-    static QList<ZQPictureHash> picturesTitled(const QString &title, ZQManagedObjectContext &inManagedObjectContext);
-    // The first, or where there are none the second.
+    // The same, or, where there is none, those whose title, with or without the extension, is `name`; at most
+    // `mostPictures`.
     static QList<ZQPictureHash> picturesNamed(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     static ZQPredicate titledPictures(const QString &name); // the condition on those of this title
     static constexpr int mostPictures = 16;

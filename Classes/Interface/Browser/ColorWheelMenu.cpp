@@ -15,7 +15,8 @@
 
 namespace {
 constexpr int restMilliseconds = 60;
-constexpr int farthestTolerance = 40; // farther, nearly all is found; who wants that can type it
+constexpr int usualTolerance = ColorCondition::usualTolerance;
+constexpr int greatestTolerance = 40;
 constexpr int lightest = 255;
 } // namespace
 
@@ -33,7 +34,7 @@ ColorWheelMenu::ColorWheelMenu(QWidget *parent)
     column->addWidget(m_wheel, 0, Qt::AlignCenter);
     column->addWidget(m_name);
     m_value = addSlider(zqLocalized("Lightness"), lightest, m_wheel->value());
-    m_tolerance = addSlider(zqLocalized("How far it may be"), farthestTolerance, ColorCondition::usualTolerance);
+    m_tolerance = addSlider(zqLocalized("How far it may be"), greatestTolerance, usualTolerance);
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMilliseconds);
     connect(&m_rest, &QTimer::timeout, this, &ColorWheelMenu::search);
@@ -84,9 +85,8 @@ void ColorWheelMenu::search()
 {
     const QString color = ColorArgument::textFor(m_wheel->color().rgb());
     const int tolerance = m_tolerance->value();
-    const QString token =
-        SearchToken::ofField(SearchField::Color).name() + u' ' +
-        (tolerance == ColorCondition::usualTolerance ? color : ColorArgument::textFor(color, tolerance));
+    const QString token = SearchToken::ofField(SearchField::Color).name() + u' ' +
+                          (tolerance == usualTolerance ? color : ColorArgument::textFor(color, tolerance));
     if (token != m_searched) { // the same once more would take it away
         m_searched = token;
         Q_EMIT chosen(token);

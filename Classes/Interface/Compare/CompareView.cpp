@@ -230,6 +230,13 @@ ZQObjectID CompareView::currentItem() const
     return pane ? pane->picture().item : ZQObjectID();
 }
 
+void CompareView::setCurrentItem(const ZQObjectID &item)
+{
+    if (ComparePane *pane = paneOf(item)) {
+        markCurrent(pane);
+    }
+}
+
 void CompareView::markCurrent(ComparePane *pane)
 {
     if (pane == m_current.data()) {

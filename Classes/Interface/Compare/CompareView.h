@@ -34,6 +34,7 @@ public:
     void clear(); // nothing is read or held any longer
     QList<ZQObjectID> items() const;
     ZQObjectID currentItem() const; // null for none
+    void setCurrentItem(const ZQObjectID &item);
     void setFacts(const QList<CompareFact> &facts); // in the order of `items`
     void setRating(const ZQObjectID &item, int stars);
     void setTitle(const ZQObjectID &item, const QString &title);

@@ -18,8 +18,6 @@
 #include <QPushButton>
 #include <QStackedWidget>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int closeCode = 1;
@@ -200,8 +198,8 @@ void NearDuplicatesSheet::showGroup(int row)
         return;
     }
     const NearDuplicateGroup &group = m_groups.at(row);
-    const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items.first(std::min(group.items.size(), mostOfGroup)),
-                                                       m_context.context);
+    const auto shownOnes = group.items.first(std::min(group.items.size(), mostInGroup));
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(shownOnes, m_context.context);
     for (const auto &item : items) {
         if (!item->active()) {
             continue;
@@ -245,13 +243,13 @@ void NearDuplicatesSheet::showReason()
     }
     const NearDuplicateGroup &group = m_groups.at(row);
     const bool isProposed = chosen->data(itemRole).value<ZQObjectID>() == group.items.value(group.best);
-    m_reason->setText(isProposed ? zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason})
-                                 : zqLocalized("Chosen to be kept, in place of the proposed one."));
-    if (group.items.size() > mostOfGroup) {
-        m_reason->setText(m_reason->text() + u' ' +
-                          zqFormat(zqLocalized("The %@ best of %@ are shown. The others stay."),
-                                   {QLocale().toString(mostOfGroup), QLocale().toString(group.items.size())}));
+    QString text = isProposed ? zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason})
+                              : zqLocalized("Chosen to be kept, in place of the proposed one.");
+    if (group.items.size() > mostInGroup) {
+        text += u' ' + zqFormat(zqLocalized("The first %@ of %@ are shown; the others stay as they are."),
+                                {QLocale().toString(mostInGroup), QLocale().toString(group.items.size())});
     }
+    m_reason->setText(text);
 }
 
 void NearDuplicatesSheet::keepChosen()

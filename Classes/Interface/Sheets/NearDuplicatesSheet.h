@@ -25,7 +25,7 @@ public:
     ~NearDuplicatesSheet() override;
 
     static constexpr qsizetype mostShown = 1000;  // groups at a time
-    static constexpr qsizetype mostOfGroup = 200; // pictures; the others are not touched
+    static constexpr qsizetype mostInGroup = 200; // pictures of one that are shown, by their worth
 
 private:
     void makeGroups();

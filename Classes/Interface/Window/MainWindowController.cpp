@@ -475,6 +475,7 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::Open);
         if (m_browser->selectionCount() > 1) {
             add(CommandID::Compare);
+            add(CommandID::FindNearDuplicates);
         } else {
             add(CommandID::FindSimilar);
         }

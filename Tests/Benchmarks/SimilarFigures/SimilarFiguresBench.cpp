@@ -117,7 +117,8 @@ int main(int argc, char *argv[])
               zqNearestPictures(made.pictures, nextHash(), all, nearest, ZQPictureHash::similarDistance);
           }));
     print("color-ms", leastMilliseconds([&] {
-              if (!zqPicturesWithColor(made.pictures, ColorCondition{.color = 0x3366cc}.nearness(), all)) {
+              const ColorNearness blue = ColorCondition{0x3366cc}.nearness();
+              if (!zqPicturesWithColor(made.pictures, blue, all)) {
                   std::abort();
               }
           }));

@@ -130,6 +130,22 @@ TEST_F(Fingerprints, APictureThatChangedIsLookedAtAgain)
     }
 }
 
+TEST_F(Fingerprints, APictureThatIsNotThereWhenItIsDrawnIsStillToBeLookedAt)
+{
+    set("AlwaysMakeThumbsWhileImporting", false);
+    import({writePicture(QStringLiteral("away.png"), 1)});
+    const auto made = item(QStringLiteral("away"));
+    ASSERT_TRUE(made && made->thumbName().isEmpty());
+    const QString file = made->itemURL();
+    ZQPictureFingerprint::removeFrom(*made);
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    ASSERT_TRUE(QFile::rename(file, file + QStringLiteral(".x")));
+    manager.thumbForLibraryItem(made.get());
+    zqRunMainLoopUntil([&manager] { return manager.thumbsGenerationQueue().operationCount() == 0; });
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(made->pictureHash().isNull());
+}
+
 TEST_F(Fingerprints, WhatIsEndedGoesOnWhereItWas)
 {
     makeOlderLibrary(4);

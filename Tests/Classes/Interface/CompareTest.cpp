@@ -116,6 +116,15 @@ TEST_F(CompareTest, OpensForTwoToNineAndGoesBackToThem)
     run(CommandID::CloseTab);
     settle();
     EXPECT_EQ(compared(), QStringLiteral("[red] clear alike")) << "the tab was left so";
+    view().setCurrentItem(image(QStringLiteral("clear"))->objectID());
+    run(CommandID::Open);
+    EXPECT_TRUE(browser().isDetailOpen());
+    EXPECT_EQ(selected(), QStringList{"clear"}) << "the current one is opened";
+    EXPECT_TRUE(view().items().isEmpty()) << "and no other held in memory";
+    browser().closeDetail();
+    select({QStringLiteral("red"), QStringLiteral("clear")});
+    run(CommandID::Compare);
+    EXPECT_TRUE(isOpen());
     show(b);
     EXPECT_FALSE(isOpen()) << "something else is shown";
 }
