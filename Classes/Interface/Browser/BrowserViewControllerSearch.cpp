@@ -1,6 +1,7 @@
 // What a search shows and what it hides: chips, refine bar, and the counts of the head and the status row.
 
 #include "Classes/Browsing/Index/ItemCount.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
 #include "Classes/Interface/Browser/NearnessSlider.h"
@@ -23,6 +24,16 @@ void BrowserViewController::makeSearchRows(QWidget *page)
 void BrowserViewController::refine(FacetKind kind, const QString &token)
 {
     Q_EMIT searchRequested(FacetText(m_content->tab().searchString()).toggled(kind, token));
+}
+
+void BrowserViewController::search(const QString &token, bool adds)
+{
+    const QString &text = m_content->tab().searchString();
+    if (!adds) {
+        Q_EMIT searchRequested(text.trimmed() == token ? QString() : token);
+    } else if (!SearchManager::contains(text, token)) {
+        Q_EMIT searchRequested(SearchManager::toggled(text, token));
+    }
 }
 
 // A saved search is explained, and changed where it is edited.

@@ -66,7 +66,7 @@ ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, P
                            BrowserViewController &browser, std::function<void()> showEverything, QObject *parent)
     : QObject(parent), m_window(window), m_user(user), m_sidebar(sidebar), m_browser(browser),
       m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content),
-      m_alikeTicket(window.fetcher, ContentFetcher::Priority::Summary)
+      m_alikeTicket(window.fetcher, ContentFetcher::Priority::Idle)
 {
     m_user.onImportEnd = [this](const ImportOutcome &outcome) {
         const ImportOutcome total = withEarlierParts(outcome);
