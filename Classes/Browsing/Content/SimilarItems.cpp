@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Browsing/Index/PictureSet.h"
+#include "Kit/Foundation/ZQCancellation.h"
 
 std::optional<std::vector<SimilarItems>> zqSimilarItems(const QList<ZQPictureHash> &pictures, size_t limit,
                                                         ZQManagedObjectContext &context, LibraryIndex *index,
@@ -14,7 +15,7 @@ std::optional<std::vector<SimilarItems>> zqSimilarItems(const QList<ZQPictureHas
             for (const ZQPictureHash &picture : pictures) {
                 found.push_back(reading->similar(picture, limit, farthest));
             }
-            return found;
+            return ZQCancellation::isCurrentCancelled() ? std::nullopt : std::optional(std::move(found));
         }
     }
     const auto set = PictureSet::ofStore(context, error);

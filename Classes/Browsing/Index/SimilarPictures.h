@@ -14,11 +14,11 @@ struct SimilarPicture
 };
 
 // The nearest of `among` to `hash`, nearest first and equally near ones by row, at most `limit`, none beyond
-// `farthest`.
+// `farthest`. Some of them when the thread's ZQCancellation was cancelled.
 std::vector<SimilarPicture> zqNearestPictures(const IndexPictures &pictures, const ZQPictureHash &hash,
                                               const ZQRowSet &among, size_t limit, int farthest);
 
-// Those of `among` that look like it; nothing when the thread's ZQCancellation was cancelled, here and below.
+// Those of `among` that look like it; nothing when it was cancelled, here and below.
 std::optional<ZQRowSet> zqPicturesWithin(const IndexPictures &pictures, const ZQPictureHash &hash, int farthest,
                                          const ZQRowSet &among);
 // Those of `among` that show the colour.
