@@ -53,10 +53,11 @@ void LookAlikes::compare(const LibraryIndex::Reading &reading, const ZQObjectID 
     if (!hash) {
         return;
     }
+    const int farthest = ZQPictureHash::alikeDistanceAmong(qint64(reading.active().count()));
     // So many that those that came with it cannot keep the others out.
     const auto limit = static_cast<size_t>(m_arrived.size() + mostOthers);
     Candidate candidate{.item = item, .others = {}};
-    for (const auto &[other, distance] : reading.similar(*hash, limit, ZQPictureHash::alikeDistance)) {
+    for (const auto &[other, distance] : reading.similar(*hash, limit, farthest)) {
         if (!m_isArrived.contains(other) && candidate.others.size() < mostOthers) {
             candidate.others.append(other);
         }

@@ -19,6 +19,12 @@ void BrowserViewController::makeSearchRows(QWidget *page)
     connect(m_chips, &SearchChips::partChosen, this, &BrowserViewController::searchPartRequested);
     m_refine = new RefineBar(m_window, page);
     connect(m_refine, &RefineBar::chosen, this, &BrowserViewController::refine);
+    connect(m_refine, &RefineBar::colorChosen, this, [this](const QString &token, const QString &before) {
+        const QString typed = m_content->tab().searchString();
+        const bool isThere = SearchManager::contains(typed, before);
+        const QString text = isThere ? SearchManager::toggled(typed, before) : typed;
+        Q_EMIT searchRequested(FacetText(text).toggled(FacetKind::Color, token));
+    });
 }
 
 void BrowserViewController::refine(FacetKind kind, const QString &token)

@@ -12,6 +12,7 @@
 #include <QSlider>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr int restMilliseconds = 60;
@@ -88,7 +89,6 @@ void ColorWheelMenu::search()
     const QString token = SearchToken::ofField(SearchField::Color).name() + u' ' +
                           (tolerance == usualTolerance ? color : ColorArgument::textFor(color, tolerance));
     if (token != m_searched) { // the same once more would take it away
-        m_searched = token;
-        Q_EMIT chosen(token);
+        Q_EMIT chosen(token, std::exchange(m_searched, token));
     }
 }

@@ -17,7 +17,7 @@ public:
     void popUp(const QPoint &globalPoint); // its upper left corner, where there is room
 
 Q_SIGNALS:
-    void chosen(const QString &token); // of the search language
+    void chosen(const QString &token, const QString &before); // of the search language; empty: it is the first
 
 private:
     QSlider *addSlider(const QString &name, int most, int value);

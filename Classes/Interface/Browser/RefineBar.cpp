@@ -307,7 +307,8 @@ void RefineBar::openMenu(const FacetButton &button)
 void RefineBar::openColorWheel(const QPoint &globalPoint)
 {
     auto *wheel = new ColorWheelMenu(this);
-    connect(wheel, &ColorWheelMenu::chosen, this, [this](const QString &token) { choose(FacetKind::Color, token); });
+    // Whatever was counted: a bar that is hidden counts nothing.
+    connect(wheel, &ColorWheelMenu::chosen, this, &RefineBar::colorChosen);
     wheel->popUp(globalPoint);
 }
 

@@ -36,7 +36,8 @@ public:
     static void setWanted(bool isWanted);
 
 Q_SIGNALS:
-    void chosen(FacetKind kind, const QString &token); // or taken away, by what the search text has now
+    void colorChosen(const QString &token, const QString &before); // by the wheel, in place of what it chose before
+    void chosen(FacetKind kind, const QString &token);             // or taken away, by what the search text has now
 
 protected:
     void showEvent(QShowEvent *event) override;

@@ -69,7 +69,7 @@ struct MadeUp
 MadeUp makeUp(size_t count)
 {
     constexpr size_t plantedOf = 10;
-    constexpr unsigned mostChanged = ZQPictureHash::alikeDistance / 2;
+    const auto mostChanged = unsigned(ZQPictureHash::alikeDistanceAmong(qint64(count)));
     std::mt19937_64 random(20260101);
     MadeUp result;
     result.hashes.reserve(count);
@@ -124,9 +124,9 @@ int main(int argc, char *argv[])
           }));
     const double before = mostMegabytes();
     const double processorBefore = processorSeconds();
+    const int farthest = ZQPictureHash::alikeDistanceAmong(qint64(count));
     std::optional<NearGroups::Groups> groups;
-    print("groups-ms",
-          millisecondsFor([&] { groups = NearGroups::of(made.hashes, ZQPictureHash::alikeDistance, nullptr); }));
+    print("groups-ms", millisecondsFor([&] { groups = NearGroups::of(made.hashes, farthest, nullptr); }));
     print("groups-processor-ms", (processorSeconds() - processorBefore) * 1000);
     print("groups-megabytes", mostMegabytes() - before + double(count * sizeof(HashWords)) / 1e6);
     size_t grouped = 0;

@@ -228,6 +228,29 @@ TEST_F(CompareTest, TwoOfOneSizeShowTheirDifference)
     press(Qt::Key_Escape);
     open({QStringLiteral("red"), QStringLiteral("alike")});
     EXPECT_TRUE(button("Difference")->isEnabled());
+    press(Qt::Key_Escape);
+    const QString path = world.filePath(QStringLiteral("in/large.png"));
+    QImage large(400, 300, QImage::Format_RGB32);
+    large.fill(Qt::blue);
+    ASSERT_TRUE(large.save(path));
+    for (const auto &[mostPixels, text] :
+         {std::pair<qint64, const char *>{400 * 300, "The two are the same in every pixel."},
+          {200 * 150, "No difference is seen at 200 × 150 pixels."}}) {
+        QList<CompareView::Picture> same;
+        for (const char *title : {"red", "alike"}) {
+            same.append({image(QLatin1StringView(title))->objectID(), {}, {path, {}, large.size(), {}, mostPixels}, 0});
+        }
+        CompareView two;
+        two.showPictures(same);
+        two.show();
+        two.setShowsDifference(true);
+        EXPECT_TRUE(waitFor([&two, &text = text] {
+            const auto labels = two.findChildren<QLabel *>();
+            return std::any_of(labels.begin(), labels.end(),
+                               [&](const QLabel *label) { return label->text().contains(QString::fromUtf8(text)); });
+        })) << text;
+    }
+    open({QStringLiteral("red"), QStringLiteral("alike")});
     press(Qt::Key_D);
     EXPECT_TRUE(view().showsDifference());
     EXPECT_TRUE(waitFor([this] { return says("0.8 % of the pixels differ, by up to 100 of 255"); }));

@@ -1,6 +1,7 @@
 // What looks like a picture, and what looks alike.
 
 #include "Classes/Interface/Browser/BrowserHead.h"
+#include "Classes/Interface/Browser/ColorWheel.h"
 #include "Classes/Interface/Sheets/NearDuplicatesSheet.h"
 #include "Kit/Imaging/ZQPictureHash.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
@@ -84,6 +85,26 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     settle();
     EXPECT_EQ(shown().size(), 4);
     EXPECT_FALSE(slider());
+}
+
+TEST_F(SimilarTest, AColorIsFoundByTheWheelWithoutTheRefineBar)
+{
+    show(b); // what was counted before is no longer to be chosen
+    show(a);
+    run(CommandID::FindColor);
+    auto *wheel = window().findChild<ColorWheel *>();
+    ASSERT_TRUE(wheel);
+    QTest::keyClick(wheel, Qt::Key_Up);
+    EXPECT_TRUE(waitFor([this] { return text().startsWith(QStringLiteral("#color #")); }));
+    Q_EMIT browser().searchRequested(QStringLiteral("red OR clear"));
+    settle();
+    QString before = text();
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(wheel, Qt::Key_Right);
+        EXPECT_TRUE(waitFor([&] { return std::exchange(before, text()) != text(); })) << i;
+    }
+    EXPECT_EQ(text().count(QStringLiteral("#color")), 1) << text().toStdString();
+    wheel->window()->close();
 }
 
 TEST_F(SimilarTest, LooksAtAPictureAtOnceThatWasNotLookedAtYet)
