@@ -118,9 +118,8 @@ int zqRunSimilar(const QString &item, int limit, CommandContext &context)
     if (!hash) {
         return context.fail(
             first->pictureHash().isNull()
-                ? zqFormat(
-                      zqLocalized("what “%@” looks like is not known yet; a window finds it out, beside other work"),
-                      {zqListedName(*first)})
+                ? zqFormat(zqLocalized("what “%@” looks like is not known yet; `zelto fingerprints` finds it out"),
+                           {zqListedName(*first)})
                 : zqFormat(zqLocalized("“%@” shows nothing that another picture could look like"),
                            {zqListedName(*first)}));
     }

@@ -165,7 +165,7 @@ void ArrivedItems::tell(const ImportOutcome &outcome)
     }
     if (alike > 0) {
         text += (text.isEmpty() ? QString() : QStringLiteral("\n")) + textForAlike(alike);
-        actions.append(showingAlike(actions.isEmpty() ? zqLocalized("Show") : zqLocalized("Show Those Alike")));
+        actions.append(showingAlike(actions.isEmpty() ? zqLocalized("Show") : zqLocalized("Show Similar")));
     }
     if (!text.isEmpty()) {
         m_user.showNotification(text, NotificationPlace::Browser,
