@@ -4,10 +4,10 @@
 #include "Classes/Browsing/Search/SearchToken.h"
 #include "Classes/Interface/Browser/ColorWheel.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQWindowPlace.h"
 
 #include <QBoxLayout>
 #include <QLabel>
-#include <QScreen>
 #include <QSlider>
 
 #include <algorithm>
@@ -58,16 +58,10 @@ QSlider *ColorWheelMenu::addSlider(const QString &name, int most, int value)
     return slider;
 }
 
-void ColorWheelMenu::popUp(const QPoint &globalPoint)
+void ColorWheelMenu::popUp(const QWidget &anchor)
 {
     adjustSize();
-    QPoint corner = globalPoint;
-    if (const QScreen *on = screen()) {
-        const QRect room = on->availableGeometry();
-        corner.setX(std::max(room.left(), std::min(corner.x(), room.right() - width())));
-        corner.setY(std::max(room.top(), std::min(corner.y(), room.bottom() - height())));
-    }
-    move(corner);
+    zqMoveBelow(*this, anchor);
     show();
     m_wheel->setFocus();
 }

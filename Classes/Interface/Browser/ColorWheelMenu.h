@@ -14,7 +14,7 @@ class ColorWheelMenu : public QFrame
     Q_OBJECT
 public:
     explicit ColorWheelMenu(QWidget *parent = nullptr);
-    void popUp(const QPoint &globalPoint); // its upper left corner, where there is room
+    void popUp(const QWidget &anchor); // below it
 
 Q_SIGNALS:
     void chosen(const QString &token); // of the search language

@@ -145,6 +145,29 @@ TEST_F(RefineBarStates, ItCountsUntilTheIndexIsThereAndSaysWhenACountFails)
     EXPECT_TRUE(waitUntilItSays(QString())) << "nothing is shown that could be refined";
 }
 
+TEST_F(RefineBarStates, FromRightToLeftItIsTheOtherWayRound)
+{
+    index->start();
+    ASSERT_TRUE(waitUntilItSays(values));
+    const auto places = [&](bool isMirrored) {
+        QStringList result;
+        for (const QWidget *each : bar->findChildren<QWidget *>()) {
+            const QRect place = each->geometry();
+            const int x = isMirrored ? bar->width() - place.left() - place.width() : place.left();
+            result.append(each->isVisible() ? QStringLiteral("%1 %2").arg(x).arg(place.y()) : QString());
+        }
+        return result.join(u'|').toStdString();
+    };
+    for (const int width : {800, 180}) { // in one line, and in several
+        bar->setLayoutDirection(Qt::LeftToRight);
+        bar->resize(width, bar->heightForWidth(width));
+        const std::string usual = places(false);
+        bar->setLayoutDirection(Qt::RightToLeft);
+        EXPECT_EQ(places(true), usual) << width;
+        EXPECT_NE(places(false), usual) << width;
+    }
+}
+
 TEST_F(RefineBarStates, AnIndexThatCannotBeBuiltIsNotWaitedFor)
 {
     library.renameTable("ZQLibraryBaseItem", "away");
