@@ -51,7 +51,7 @@ void FacetButton::showValue(FacetKind kind, const FacetValue &value)
     setCheckable(true);
     setChecked(value.isChosen);
     setAccessibleName(spoken(value));
-    setToolTip(Facet::title(kind) + QStringLiteral(": ") + value.title + QStringLiteral("  ") + value.token);
+    setToolTip(zqFormat(zqLocalized("%@: %@"), {Facet::title(kind), value.title}) + QStringLiteral("  ") + value.token);
     updateGeometry();
     update();
 }
