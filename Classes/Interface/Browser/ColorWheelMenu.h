@@ -1,10 +1,11 @@
 #pragma once
 
+#include <QColor>
 #include <QFrame>
 #include <QTimer>
 
 class ColorWheel;
-class QLabel;
+class QLineEdit;
 class QSlider;
 
 // A colour to search, and how near to it: what is chosen is searched at once, until a press elsewhere or Esc closes it.
@@ -21,13 +22,16 @@ Q_SIGNALS:
 
 private:
     QSlider *addSlider(const QString &name, int most, int value);
-    void change();
+    void turn();                      // the wheel has another colour
+    void type(const QString &text);   // of one, or the beginning of it
+    void choose(const QColor &color); // and search it soon
     void search();
 
     ColorWheel *m_wheel;
     QSlider *m_value = nullptr;
     QSlider *m_tolerance = nullptr;
-    QLabel *m_name;
+    QLineEdit *m_code;
+    QColor m_color;
     QString m_searched; // the token
     QTimer m_rest;      // while it is dragged, each colour would be searched
 };

@@ -19,10 +19,11 @@ NearnessSlider::NearnessSlider(QWidget *parent) : QWidget(parent), m_slider(new 
     m_slider->setFixedWidth(110);
     m_slider->setFocusPolicy(Qt::TabFocus);
     m_slider->setAccessibleName(zqLocalized("How near"));
-    m_slider->setToolTip(m_slider->accessibleName());
+    describe();
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMilliseconds);
     connect(m_slider, &QSlider::valueChanged, this, [this] {
+        describe();
         if (!m_rest.isActive()) {
             m_rest.start();
         }
@@ -50,7 +51,19 @@ void NearnessSlider::setText(const QString &searchText)
     if (like && !m_rest.isActive() && !m_slider->isSliderDown()) {
         const QSignalBlocker blocker(m_slider);
         m_slider->setValue(like->argument.apart);
+        describe();
     }
+}
+
+// The number of the slider itself is one that nobody knows.
+void NearnessSlider::describe()
+{
+    LikeArgument argument;
+    argument.apart = m_slider->value();
+    const QString text =
+        zqFormat(zqLocalized("Likeness %d %% or more"), {LikeArgument::likeness(argument.farthestBits())});
+    m_slider->setAccessibleDescription(text);
+    m_slider->setToolTip(text);
 }
 
 void NearnessSlider::write()

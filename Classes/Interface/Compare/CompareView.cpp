@@ -39,7 +39,6 @@ CompareView::CompareView(QWidget *parent)
 {
     zqSetAccessibleRole(this, QAccessible::Grouping);
     setAccessibleName(zqLocalized("Compare"));
-    setFocusPolicy(Qt::ClickFocus);
     m_grid->setObjectName(QStringLiteral("Hairline")); // what shows between the pictures
     m_cells->setContentsMargins(0, 1, 0, 0);
     m_cells->setSpacing(1);
