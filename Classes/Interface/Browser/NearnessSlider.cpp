@@ -30,13 +30,14 @@ NearnessSlider::NearnessSlider(QWidget *parent) : QWidget(parent), m_slider(new 
     });
     connect(&m_rest, &QTimer::timeout, this, &NearnessSlider::write);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 8, 0);
+    row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(6);
     for (QWidget *each :
          {static_cast<QWidget *>(new QLabel(zqLocalized("Nearer"), this)), static_cast<QWidget *>(m_slider),
           static_cast<QWidget *>(new QLabel(zqLocalized("Wider"), this))}) {
         row->addWidget(each);
     }
+    row->addSpacing(8); // a margin would stay on its side
     for (QLabel *label : findChildren<QLabel *>()) {
         label->setObjectName(QStringLiteral("Muted"));
     }
