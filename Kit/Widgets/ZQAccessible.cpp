@@ -295,7 +295,7 @@ void zqAnnounce(QWidget *widget, const QString &text)
     // What appears with the role of a notification is read out; the name is what there is to read.
     static QAccessible::Id last = 0;
     QAccessibleInterface *said = QAccessible::queryAccessibleInterface(widget);
-    if (said->role() == QAccessible::Notification) {
+    if (said && said->role() == QAccessible::Notification) {
         widget->setAccessibleName(text);
     } else {
         QAccessible::deleteAccessibleInterface(last);
