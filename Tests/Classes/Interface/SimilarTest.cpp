@@ -107,8 +107,8 @@ TEST_F(SimilarTest, OneOfEachGroupIsKept)
     ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
     EXPECT_EQ(groups->count(), 1);
     EXPECT_TRUE(pictures->currentItem()) << "one is proposed";
-    const auto heard = [](QListWidget &list, int row, QAccessible::Text kind) {
-        return QAccessible::queryAccessibleInterface(&list)->child(row)->text(kind);
+    const auto heard = [](QListWidget &of, int row, QAccessible::Text kind) {
+        return QAccessible::queryAccessibleInterface(&of)->child(row)->text(kind);
     };
     EXPECT_EQ(heard(*groups, 0, QAccessible::Description), QStringLiteral("%1 pictures").arg(pictures->count()));
     for (int row = 0; row < pictures->count(); ++row) {
