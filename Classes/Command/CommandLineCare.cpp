@@ -52,7 +52,7 @@ void CommandLine::defineCare()
 
     CLI::App *fingerprints =
         add("fingerprints",
-            "Look at the pictures that were not looked at yet, so that similar ones and colours are found among all: "
+            "Look at the pictures that were not looked at yet, so that similar ones and colors are found among all: "
             "what a window does beside its work, at once; may be ended at any moment, and goes on with the next call; "
             "exit status 1 when some are not there now",
             true, zqRunFingerprints);

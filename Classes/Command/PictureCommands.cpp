@@ -123,9 +123,8 @@ int zqRunSimilar(const QString &item, int limit, CommandContext &context)
     if (!hash) {
         return context.fail(
             first->pictureHash().isNull()
-                ? zqFormat(
-                      zqLocalized("what “%@” looks like is not known yet; a window finds it out, beside other work"),
-                      {nameOf(*first)})
+                ? zqFormat(zqLocalized("what “%@” looks like is not known yet; `zelto fingerprints` finds it out"),
+                           {nameOf(*first)})
                 : zqFormat(zqLocalized("“%@” shows nothing that another picture could look like"), {nameOf(*first)}));
     }
     const auto most = size_t(limit);

@@ -145,6 +145,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <source>%@ from %@ to %@</source>
         <translation>%@ vom %@ bis zum %@</translation>
     </message>
+    <message numerus="yes">
+        <source>%@ groups are left</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 group is left</extracomment>
+        <translation>
+            <numerusform>Noch 1 Gruppe</numerusform>
+            <numerusform>Noch %@ Gruppen</numerusform>
+        </translation>
+    </message>
     <message>
         <source>%@ has no property "%@" to follow.</source>
         <translation>%@ hat keine Eigenschaft „%@“, der gefolgt werden kann.</translation>
@@ -234,12 +243,25 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>%@ von %@ ausgewählt</translation>
     </message>
     <message>
+        <source>%@ of the pixels differ, by up to %d of 255</source>
+        <translation>%@ der Pixel unterscheiden sich, um bis zu %d von 255</translation>
+    </message>
+    <message>
         <source>%@ on %@</source>
         <translation>%@ am %@</translation>
     </message>
     <message>
         <source>%@ pages</source>
         <translation>%@ Seiten</translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ pictures</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 picture</extracomment>
+        <translation>
+            <numerusform>1 Bild</numerusform>
+            <numerusform>%@ Bilder</numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ sends from one address to the next without end.</source>
@@ -277,6 +299,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     <message>
         <source>%@ stopped answering in the middle.</source>
         <translation>%@ hat mitten in der Antwort aufgehört.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ taken out</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 taken out</extracomment>
+        <translation>
+            <numerusform>1 herausgenommen</numerusform>
+            <numerusform>%@ herausgenommen</numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ takes no connection.</source>
@@ -362,6 +393,10 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     <message>
         <source>%@: %@, %@ in %@</source>
         <translation>%@: %@, %@ in %@</translation>
+    </message>
+    <message>
+        <source>%@: %@, which differs</source>
+        <translation>%@: %@ (abweichend)</translation>
     </message>
     <message>
         <source>%@: is a link, which can't be made where the backup is</source>
@@ -496,6 +531,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>%d Dateien wurden nicht exportiert. Die erste ist „%@“: %@</translation>
     </message>
     <message numerus="yes">
+        <source>%d fingerprints made</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 fingerprint made</extracomment>
+        <translation>
+            <numerusform>1 Fingerabdruck erstellt</numerusform>
+            <numerusform>%d Fingerabdrücke erstellt</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%d folders</source>
         <comment>counted</comment>
         <extracomment>for one: 1 folder</extracomment>
@@ -549,6 +593,10 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     <message>
         <source>%d items cannot be deleted.</source>
         <translation>%d Objekte können nicht gelöscht werden.</translation>
+    </message>
+    <message>
+        <source>%d items cannot be kept in place of the others.</source>
+        <translation>%d Objekte können nicht anstelle der anderen behalten werden.</translation>
     </message>
     <message>
         <source>%d items cannot be moved back.</source>
@@ -646,6 +694,15 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
             <numerusform>%d Live-Ordner entfernt</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%d look like pictures you have</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 looks like a picture you have</extracomment>
+        <translation>
+            <numerusform>1 sieht einem vorhandenen Bild ähnlich</numerusform>
+            <numerusform>%d sehen vorhandenen Bildern ähnlich</numerusform>
+        </translation>
+    </message>
     <message>
         <source>%d more</source>
         <translation>%d weitere</translation>
@@ -659,6 +716,10 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
         <translation>%d von %d Bildern konnten nicht heruntergeladen werden:</translation>
     </message>
     <message>
+        <source>%d of 5</source>
+        <translation>%d von 5</translation>
+    </message>
+    <message>
         <source>%d of its entries were left out, the first is %@.</source>
         <translation>%d Einträge daraus wurden ausgelassen, der erste ist %@.</translation>
     </message>
@@ -669,6 +730,24 @@ Kopiert den Link. Mit Strg: öffnet ihn im Browser.</translation>
     <message>
         <source>%d pictures are incomplete: only a part of each can be drawn. The first is “%@”</source>
         <translation>%d Bilder sind unvollständig: Von jedem kann nur ein Teil gezeichnet werden. Das erste ist „%@“</translation>
+    </message>
+    <message numerus="yes">
+        <source>%d pictures are not there now; ask again when their disk is back</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 picture is not there now; ask again when its disk is back</extracomment>
+        <translation>
+            <numerusform>1 Bild ist jetzt nicht da; wiederholen Sie den Befehl, wenn sein Datenträger wieder da ist</numerusform>
+            <numerusform>%d Bilder sind jetzt nicht da; wiederholen Sie den Befehl, wenn ihr Datenträger wieder da ist</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d pictures show nothing, or cannot be read</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 picture shows nothing, or cannot be read</extracomment>
+        <translation>
+            <numerusform>1 Bild zeigt nichts oder kann nicht gelesen werden</numerusform>
+            <numerusform>%d Bilder zeigen nichts oder können nicht gelesen werden</numerusform>
+        </translation>
     </message>
     <message numerus="yes">
         <source>%d smart folders changed</source>
@@ -1524,6 +1603,18 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Beides gilt auch, solange der Desktop es verlangt.</translation>
     </message>
     <message>
+        <source>Brightness</source>
+        <translation>Helligkeit</translation>
+    </message>
+    <message>
+        <source>Bring back</source>
+        <translation>Zurückholen</translation>
+    </message>
+    <message>
+        <source>Bring back what was taken out last (Shift+X)</source>
+        <translation>Zuletzt Herausgenommenes zurückholen (Umschalt+X)</translation>
+    </message>
+    <message>
         <source>Bringing items back…</source>
         <translation>Objekte werden zurückgeholt…</translation>
     </message>
@@ -1724,6 +1815,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Wählen Sie, wohin es soll.</translation>
     </message>
     <message>
+        <source>Chosen to be kept, in place of the proposed one.</source>
+        <translation>Zum Behalten gewählt, anstelle des vorgeschlagenen.</translation>
+    </message>
+    <message>
         <source>Cleaning up library</source>
         <translation>Bibliothek wird aufgeräumt</translation>
     </message>
@@ -1796,6 +1891,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Kommagetrennte Werte</translation>
     </message>
     <message>
+        <source>Compare</source>
+        <translation>Vergleichen</translation>
+    </message>
+    <message>
+        <source>Comparing…</source>
+        <translation>Wird verglichen…</translation>
+    </message>
+    <message>
         <source>Connect it again before you go on. What you change until then cannot be kept.</source>
         <translation>Verbinden Sie es wieder, bevor Sie weitermachen. Was Sie bis dahin ändern, kann nicht gespeichert werden.</translation>
     </message>
@@ -1834,6 +1937,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Copy</source>
         <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy %@</source>
+        <translation>%@ kopieren</translation>
     </message>
     <message numerus="yes">
         <source>Copy All %@ Links of the Last Upload</source>
@@ -1947,6 +2054,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Descending</source>
         <translation>Absteigend</translation>
+    </message>
+    <message>
+        <source>Difference</source>
+        <translation>Unterschied</translation>
+    </message>
+    <message>
+        <source>Difference (D)</source>
+        <translation>Unterschied (D)</translation>
     </message>
     <message>
         <source>Digest is %@</source>
@@ -2306,6 +2421,22 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Suchen</translation>
     </message>
     <message>
+        <source>Find Color…</source>
+        <translation>Farbe suchen…</translation>
+    </message>
+    <message>
+        <source>Find Near-Duplicates…</source>
+        <translation>Beinahe-Duplikate suchen…</translation>
+    </message>
+    <message>
+        <source>Find Similar</source>
+        <translation>Ähnliche suchen</translation>
+    </message>
+    <message>
+        <source>Find a color</source>
+        <translation>Eine Farbe suchen</translation>
+    </message>
+    <message>
         <source>Find in %@</source>
         <translation>In %@ suchen</translation>
     </message>
@@ -2438,6 +2569,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Gruppierung: %@</translation>
     </message>
     <message>
+        <source>Groups</source>
+        <translation>Gruppen</translation>
+    </message>
+    <message>
         <source>HEIC image</source>
         <translation>HEIC-Bild</translation>
     </message>
@@ -2500,6 +2635,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>How many backups stay</source>
         <translation>Wie viele Sicherungen bleiben</translation>
+    </message>
+    <message>
+        <source>How near</source>
+        <translation>Wie ähnlich</translation>
     </message>
     <message>
         <source>How often a backup is made by itself</source>
@@ -2902,6 +3041,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Die Datei ist nicht mehr da. Prüfen Sie, ob sie verschoben oder gelöscht wurde oder ob ihr Datenträger fehlt.</translation>
     </message>
     <message>
+        <source>It is the very file of the one that is kept.</source>
+        <translation>Es ist dieselbe Datei wie die des behaltenen Objekts.</translation>
+    </message>
+    <message>
         <source>It is too large for the disk it is to go to. Use another one.</source>
         <translation>Die Datei ist zu groß für den Datenträger, auf den sie soll. Verwenden Sie einen anderen.</translation>
     </message>
@@ -2916,6 +3059,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>It must be one line of plain letters, digits and signs.</source>
         <translation>Es muss eine Zeile aus einfachen Buchstaben, Ziffern und Zeichen sein.</translation>
+    </message>
+    <message>
+        <source>It takes over the projects and tags of the others, which are deleted</source>
+        <translation>Es übernimmt Projekte und Schlagwörter der anderen, die gelöscht werden</translation>
+    </message>
+    <message>
+        <source>It takes over the projects and tags of the others, which are deleted (K)</source>
+        <translation>Es übernimmt Projekte und Schlagwörter der anderen, die gelöscht werden (K)</translation>
     </message>
     <message>
         <source>It takes the place of the one of that name.</source>
@@ -2988,6 +3139,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Its file ends too early: the rest of the picture is empty.</source>
         <translation>Die Datei endet zu früh: Der Rest des Bildes ist leer.</translation>
+    </message>
+    <message>
+        <source>Its file is missing. Put it back where it was, or keep another one.</source>
+        <translation>Die Datei fehlt. Legen Sie sie an ihren Ort zurück, oder behalten Sie ein anderes.</translation>
     </message>
     <message>
         <source>Its file may not be read. Change its permissions, and export it again.</source>
@@ -3106,8 +3261,28 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Behalten</translation>
     </message>
     <message>
+        <source>Keep All</source>
+        <translation>Alle behalten</translation>
+    </message>
+    <message>
+        <source>Keep Chosen, Delete Others</source>
+        <translation>Gewähltes behalten, andere löschen</translation>
+    </message>
+    <message>
+        <source>Keep This One</source>
+        <translation>Dieses behalten</translation>
+    </message>
+    <message>
         <source>Keep in Pictures</source>
         <translation>In „Bilder“ aufbewahren</translation>
+    </message>
+    <message>
+        <source>Keep “%@”</source>
+        <translation>„%@“ behalten</translation>
+    </message>
+    <message>
+        <source>Keeping one of each…</source>
+        <translation>Je eines wird behalten…</translation>
     </message>
     <message>
         <source>Keyboard</source>
@@ -3186,6 +3361,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Ebenen (PSD)</translation>
     </message>
     <message>
+        <source>Leave as They Are</source>
+        <translation>Unverändert lassen</translation>
+    </message>
+    <message>
         <source>Leaves out what stands behind it</source>
         <translation>Lässt aus, was dahinter steht</translation>
     </message>
@@ -3214,6 +3393,14 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Lizenz</translation>
     </message>
     <message>
+        <source>Like %@</source>
+        <translation>Ähnlich wie %@</translation>
+    </message>
+    <message>
+        <source>Likeness %d %%</source>
+        <translation>Ähnlichkeit %d %%</translation>
+    </message>
+    <message>
         <source>Line %d: %s</source>
         <translation>Zeile %d: %s</translation>
     </message>
@@ -3232,6 +3419,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Link your Dropbox in the preferences, under Cloud.</source>
         <translation>Verknüpfen Sie Ihre Dropbox in den Einstellungen unter „Cloud“.</translation>
+    </message>
+    <message>
+        <source>Linked</source>
+        <translation>Gekoppelt</translation>
     </message>
     <message>
         <source>Linked with %@</source>
@@ -3306,6 +3497,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Prüfen Sie, ob seine Adresse in den Einstellungen unter „Cloud“ die richtige ist.</translation>
     </message>
     <message>
+        <source>Looking at pictures…</source>
+        <translation>Bilder werden angesehen…</translation>
+    </message>
+    <message>
         <source>Looking at the sizes of files…</source>
         <translation>Dateigrößen werden ermittelt…</translation>
     </message>
@@ -3316,6 +3511,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Looking at what changed</source>
         <translation>Änderungen werden ermittelt</translation>
+    </message>
+    <message>
+        <source>Looking for pictures that look alike…</source>
+        <translation>Ähnliche Bilder werden gesucht…</translation>
     </message>
     <message>
         <source>Looks like the picture of this name</source>
@@ -3478,6 +3677,18 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Schmaler, genauso breit oder breiter</translation>
     </message>
     <message>
+        <source>Near-Duplicates</source>
+        <translation>Beinahe-Duplikate</translation>
+    </message>
+    <message>
+        <source>Nearer</source>
+        <translation>Ähnlicher</translation>
+    </message>
+    <message>
+        <source>Nearness</source>
+        <translation>Ähnlichkeit</translation>
+    </message>
+    <message>
         <source>Never</source>
         <translation>Nie</translation>
     </message>
@@ -3586,8 +3797,12 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Davon kann kein Bild erstellt werden. Öffnen Sie die Datei in einem anderen Programm, um zu sehen, ob sie beschädigt ist.</translation>
     </message>
     <message>
-        <source>No picture named “%@” is there to look like</source>
-        <translation>Es gibt kein Bild namens „%@“, dem etwas gleichen könnte</translation>
+        <source>No picture named “%@” is known by its looks</source>
+        <translation>Von keinem Bild namens „%@“ ist bekannt, wie es aussieht</translation>
+    </message>
+    <message>
+        <source>No pictures look alike.</source>
+        <translation>Keine Bilder sehen einander ähnlich.</translation>
     </message>
     <message>
         <source>No rating</source>
@@ -4074,6 +4289,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Eigenschaftsliste</translation>
     </message>
     <message>
+        <source>Proposed to be kept. %@.</source>
+        <translation>Zum Behalten vorgeschlagen. %@.</translation>
+    </message>
+    <message>
         <source>Pu&amp;blic address</source>
         <translation>Ö&amp;ffentliche Adresse</translation>
     </message>
@@ -4346,6 +4565,18 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Speichern</translation>
     </message>
     <message>
+        <source>Save Palette</source>
+        <translation>Palette speichern</translation>
+    </message>
+    <message>
+        <source>Save Palette for Adobe Programs (ASE)…</source>
+        <translation>Palette für Adobe-Programme speichern (ASE)…</translation>
+    </message>
+    <message>
+        <source>Save Palette for GIMP and Inkscape (GPL)…</source>
+        <translation>Palette für GIMP und Inkscape speichern (GPL)…</translation>
+    </message>
+    <message>
         <source>Save Report</source>
         <translation>Bericht speichern</translation>
     </message>
@@ -4400,6 +4631,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Search for %@</source>
         <translation>Nach %@ suchen</translation>
+    </message>
+    <message>
+        <source>Search for %@ (%@ %% of the picture). Shift adds it to the search</source>
+        <translation>Nach %@ suchen (%@ %% des Bildes). Umschalt fügt es der Suche hinzu</translation>
     </message>
     <message>
         <source>Search for less at once.</source>
@@ -4518,6 +4753,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Bibliothek im Dateimanager zeigen</translation>
     </message>
     <message>
+        <source>Show Similar</source>
+        <translation>Ähnliche anzeigen</translation>
+    </message>
+    <message>
         <source>Show Zelto</source>
         <translation>Zelto anzeigen</translation>
     </message>
@@ -4556,6 +4795,14 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Shows every name and what it means.</source>
         <translation>Zeigt alle Namen und ihre Bedeutung.</translation>
+    </message>
+    <message>
+        <source>Side by side</source>
+        <translation>Nebeneinander</translation>
+    </message>
+    <message>
+        <source>Side by side (D)</source>
+        <translation>Nebeneinander (D)</translation>
     </message>
     <message>
         <source>Sidebar</source>
@@ -4810,6 +5057,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Den ganzen Bildschirm aufnehmen</translation>
     </message>
     <message>
+        <source>Take out of the comparison (X)</source>
+        <translation>Aus dem Vergleich nehmen (X)</translation>
+    </message>
+    <message>
         <source>Take part in &amp;beta versions</source>
         <translation>Auch &amp;Beta-Versionen berücksichtigen</translation>
     </message>
@@ -4854,8 +5105,16 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Der Vorgang wurde abgebrochen.</translation>
     </message>
     <message>
+        <source>That was the last group.</source>
+        <translation>Das war die letzte Gruppe.</translation>
+    </message>
+    <message>
         <source>That window was closed or hidden before it could be taken. Choose another one.</source>
         <translation>Das Fenster wurde geschlossen oder ausgeblendet, bevor es aufgenommen werden konnte. Wählen Sie ein anderes.</translation>
+    </message>
+    <message>
+        <source>The %@ largest of %@ groups. Look again for the others.</source>
+        <translation>Die %@ größten von %@ Gruppen. Für die übrigen noch einmal suchen.</translation>
     </message>
     <message>
         <source>The Zelto that has this library open ended before it answered.</source>
@@ -5036,6 +5295,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The desktop's portal ended before it answered. Try again.</source>
         <translation>Das Portal der Arbeitsumgebung wurde beendet, bevor es antwortete. Versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>The difference of these two cannot be shown.</source>
+        <translation>Der Unterschied dieser beiden kann nicht angezeigt werden.</translation>
     </message>
     <message>
         <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
@@ -5258,6 +5521,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Die Bibliothek konnte nicht auf diese Version gebracht werden; sie ist unverändert.</translation>
     </message>
     <message>
+        <source>The library could not be looked through: %@</source>
+        <translation>Die Bibliothek konnte nicht durchsucht werden: %@</translation>
+    </message>
+    <message>
         <source>The library could not be read</source>
         <translation>Die Bibliothek konnte nicht gelesen werden</translation>
     </message>
@@ -5422,6 +5689,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Das Netzwerk hat inzwischen gewechselt. Versuchen Sie es noch einmal.</translation>
     </message>
     <message>
+        <source>The one to keep</source>
+        <translation>Was behalten wird</translation>
+    </message>
+    <message>
         <source>The original folders will still remain on your disk.</source>
         <translation>Die ursprünglichen Ordner bleiben auf Ihrem Datenträger.</translation>
     </message>
@@ -5456,6 +5727,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The page sends its visitors around in a circle.</source>
         <translation>Die Seite leitet ihre Besucher im Kreis.</translation>
+    </message>
+    <message>
+        <source>The palette cannot be written to “%@”: %@</source>
+        <translation>Die Palette kann nicht nach „%@“ geschrieben werden: %@</translation>
     </message>
     <message>
         <source>The password is kept in the desktop's keyring and nowhere else.</source>
@@ -5690,6 +5965,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Der Papierkorb enthält zu viele Dateien mit dem Namen „%@“. Leeren Sie ihn, und versuchen Sie es noch einmal.</translation>
     </message>
     <message>
+        <source>The two are the same in every pixel.</source>
+        <translation>Die beiden sind in jedem Pixel gleich.</translation>
+    </message>
+    <message>
         <source>The value cannot be archived.</source>
         <translation>Der Wert kann nicht archiviert werden.</translation>
     </message>
@@ -5894,6 +6173,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Hier gibt es nichts.</translation>
     </message>
     <message>
+        <source>There is nothing left to compare it with.</source>
+        <translation>Es ist nichts mehr da, womit es verglichen werden könnte.</translation>
+    </message>
+    <message>
         <source>There is too little free space in “%@”.</source>
         <translation>In „%@“ ist zu wenig Speicherplatz frei.</translation>
     </message>
@@ -6054,6 +6337,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Heute, %@</translation>
     </message>
     <message>
+        <source>Tolerance</source>
+        <translation>Toleranz</translation>
+    </message>
+    <message>
         <source>Too many brackets stand in these; what they hold is left out.</source>
         <translation>Darin stehen zu viele Klammern; was sie enthalten, bleibt unberücksichtigt.</translation>
     </message>
@@ -6088,6 +6375,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Try again.</source>
         <translation>Versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Two pictures of the same size in pixels show their difference</source>
+        <translation>Zwei Bilder mit denselben Maßen in Pixeln zeigen ihren Unterschied</translation>
     </message>
     <message>
         <source>Type an address and press Enter to see the page.</source>
@@ -6306,6 +6597,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Was Sie vom Bildschirm aufnehmen, kommt hierher.</translation>
     </message>
     <message>
+        <source>What “%@” looks like is not known yet. Try again in a moment.</source>
+        <translation>Wie „%@“ aussieht, ist noch nicht bekannt. Versuchen Sie es gleich noch einmal.</translation>
+    </message>
+    <message>
         <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
         <translation>Wenn Zelto unerwartet endet, legt es einen Bericht an und zeigt ihn beim nächsten Öffnen. Die letzten fünf werden aufbewahrt. Ein Bericht enthält nichts aus Ihrer Bibliothek und wird nur gesendet, wenn Sie ihn senden.</translation>
     </message>
@@ -6328,6 +6623,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Whole scr&amp;een</source>
         <translation>&amp;Ganzer Bildschirm</translation>
+    </message>
+    <message>
+        <source>Wider</source>
+        <translation>Weiter</translation>
     </message>
     <message>
         <source>Width</source>
@@ -6588,6 +6887,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>Zoom Out</source>
         <translation>Verkleinern</translation>
+    </message>
+    <message>
+        <source>Zoom and pan all together (L)</source>
+        <translation>Alle gemeinsam zoomen und verschieben (L)</translation>
     </message>
     <message>
         <source>a comparison</source>
@@ -6970,8 +7273,16 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>sein Name führt aus dem Archiv hinaus</translation>
     </message>
     <message>
+        <source>keep %@</source>
+        <translation>%@ behalten</translation>
+    </message>
+    <message>
         <source>keep a library of assets</source>
         <translation>eine Bibliothek von Bildern und Dokumenten führen</translation>
+    </message>
+    <message>
+        <source>keep one of each</source>
+        <translation>je eines behalten</translation>
     </message>
     <message>
         <source>kind</source>
@@ -6984,6 +7295,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>last 7 days</source>
         <translation>letzte 7 Tage</translation>
+    </message>
+    <message>
+        <source>less than %@ %%</source>
+        <translation>weniger als %@ %%</translation>
     </message>
     <message>
         <source>live folders are not kept in step here</source>
@@ -7072,6 +7387,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>not</source>
         <translation>nicht</translation>
+    </message>
+    <message>
+        <source>not all pictures could be looked at; what was found is kept: ask again for the rest</source>
+        <translation>nicht alle Bilder konnten angesehen werden; was gefunden wurde, bleibt erhalten: Wiederholen Sie den Befehl für den Rest</translation>
     </message>
     <message>
         <source>not available at the moment</source>
@@ -7450,8 +7769,8 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>was gesendet wurde, ist zu groß</translation>
     </message>
     <message>
-        <source>what “%@” looks like is not known yet; a window finds it out, beside other work</source>
-        <translation>wie „%@“ aussieht, ist noch nicht bekannt; ein Fenster findet es neben anderer Arbeit heraus</translation>
+        <source>what “%@” looks like is not known yet; `zelto fingerprints` finds it out</source>
+        <translation>wie „%@“ aussieht, ist noch nicht bekannt; `zelto fingerprints` findet es heraus</translation>
     </message>
     <message>
         <source>white</source>
@@ -7528,6 +7847,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” cannot be found. %@</source>
         <translation>„%@“ kann nicht gefunden werden. %@</translation>
+    </message>
+    <message>
+        <source>“%@” cannot be kept in place of the others.</source>
+        <translation>„%@“ kann nicht anstelle der anderen behalten werden.</translation>
     </message>
     <message>
         <source>“%@” cannot be moved back.</source>
@@ -7930,6 +8253,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>„%@“ setzt nichts; schreiben Sie --set KEY=VALUE mit einem Attribut wie license, notes oder webURL</translation>
     </message>
     <message>
+        <source>“%@” shows nothing by which others could be found: it has one color, or none.</source>
+        <translation>„%@“ zeigt nichts, woran andere gefunden werden könnten: Es hat nur eine Farbe oder gar keine.</translation>
+    </message>
+    <message>
         <source>“%@” shows nothing that another picture could look like</source>
         <translation>„%@“ zeigt nichts, dem ein anderes Bild gleichen könnte</translation>
     </message>
@@ -8024,6 +8351,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>“%@” was put into the trash</source>
         <translation>„%@“ wurde in den Papierkorb gelegt</translation>
+    </message>
+    <message>
+        <source>“%@” was taken out of the comparison.</source>
+        <translation>„%@“ wurde aus dem Vergleich genommen.</translation>
     </message>
     <message>
         <source>“%@” was written with %d layers</source>

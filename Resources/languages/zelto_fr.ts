@@ -153,6 +153,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <source>%@ from %@ to %@</source>
         <translation>%@ du %@ au %@</translation>
     </message>
+    <message numerus="yes">
+        <source>%@ groups are left</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 group is left</extracomment>
+        <translation>
+            <numerusform>Il reste %@ groupe</numerusform>
+            <numerusform>Il reste %@ groupes</numerusform>
+        </translation>
+    </message>
     <message>
         <source>%@ has no property "%@" to follow.</source>
         <translation>%@ n’a pas de propriété « %@ » à suivre.</translation>
@@ -242,12 +251,25 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%@ sur %@ sélectionnés</translation>
     </message>
     <message>
+        <source>%@ of the pixels differ, by up to %d of 255</source>
+        <translation>%@ des pixels diffèrent, de %d sur 255 au plus</translation>
+    </message>
+    <message>
         <source>%@ on %@</source>
         <translation>%@ le %@</translation>
     </message>
     <message>
         <source>%@ pages</source>
         <translation>%@ pages</translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ pictures</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 picture</extracomment>
+        <translation>
+            <numerusform>%@ image</numerusform>
+            <numerusform>%@ images</numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ sends from one address to the next without end.</source>
@@ -285,6 +307,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     <message>
         <source>%@ stopped answering in the middle.</source>
         <translation>%@ a cessé de répondre en cours de route.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ taken out</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 taken out</extracomment>
+        <translation>
+            <numerusform>%@ retirée</numerusform>
+            <numerusform>%@ retirées</numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ takes no connection.</source>
@@ -382,6 +413,10 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     <message>
         <source>%@: %@, %@ in %@</source>
         <translation>%@ : %@, %@ dans %@</translation>
+    </message>
+    <message>
+        <source>%@: %@, which differs</source>
+        <translation>%@ : %@ (différent)</translation>
     </message>
     <message>
         <source>%@: is a link, which can't be made where the backup is</source>
@@ -516,6 +551,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%d fichiers n’ont pas été exportés. Le premier est « %@ » : %@</translation>
     </message>
     <message numerus="yes">
+        <source>%d fingerprints made</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 fingerprint made</extracomment>
+        <translation>
+            <numerusform>%d empreinte créée</numerusform>
+            <numerusform>%d empreintes créées</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%d folders</source>
         <comment>counted</comment>
         <extracomment>for one: 1 folder</extracomment>
@@ -569,6 +613,10 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     <message>
         <source>%d items cannot be deleted.</source>
         <translation>Impossible de supprimer %d éléments.</translation>
+    </message>
+    <message>
+        <source>%d items cannot be kept in place of the others.</source>
+        <translation>Impossible de conserver %d éléments à la place des autres.</translation>
     </message>
     <message>
         <source>%d items cannot be moved back.</source>
@@ -666,6 +714,15 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
             <numerusform>%d dossiers actifs retirés</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%d look like pictures you have</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 looks like a picture you have</extracomment>
+        <translation>
+            <numerusform>%d ressemble à une image que vous avez déjà</numerusform>
+            <numerusform>%d ressemblent à des images que vous avez déjà</numerusform>
+        </translation>
+    </message>
     <message>
         <source>%d more</source>
         <translation>%d de plus</translation>
@@ -679,6 +736,10 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%d images sur %d n’ont pas pu être téléchargées :</translation>
     </message>
     <message>
+        <source>%d of 5</source>
+        <translation>%d sur 5</translation>
+    </message>
+    <message>
         <source>%d of its entries were left out, the first is %@.</source>
         <translation>%d de ses entrées ont été omises, la première est %@.</translation>
     </message>
@@ -689,6 +750,24 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
     <message>
         <source>%d pictures are incomplete: only a part of each can be drawn. The first is “%@”</source>
         <translation>%d images sont incomplètes : seule une partie de chacune peut être affichée. La première est « %@ »</translation>
+    </message>
+    <message numerus="yes">
+        <source>%d pictures are not there now; ask again when their disk is back</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 picture is not there now; ask again when its disk is back</extracomment>
+        <translation>
+            <numerusform>%d image n’est pas là pour le moment ; relancez la commande quand son disque sera de retour</numerusform>
+            <numerusform>%d images ne sont pas là pour le moment ; relancez la commande quand leur disque sera de retour</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d pictures show nothing, or cannot be read</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 picture shows nothing, or cannot be read</extracomment>
+        <translation>
+            <numerusform>%d image ne montre rien ou est illisible</numerusform>
+            <numerusform>%d images ne montrent rien ou sont illisibles</numerusform>
+        </translation>
     </message>
     <message numerus="yes">
         <source>%d smart folders changed</source>
@@ -1544,6 +1623,18 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Les deux s’appliquent aussi tant que le bureau le demande.</translation>
     </message>
     <message>
+        <source>Brightness</source>
+        <translation>Luminosité</translation>
+    </message>
+    <message>
+        <source>Bring back</source>
+        <translation>Remettre</translation>
+    </message>
+    <message>
+        <source>Bring back what was taken out last (Shift+X)</source>
+        <translation>Remettre la dernière image retirée (Maj+X)</translation>
+    </message>
+    <message>
         <source>Bringing items back…</source>
         <translation>Retour des éléments…</translation>
     </message>
@@ -1744,6 +1835,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Choisissez la destination.</translation>
     </message>
     <message>
+        <source>Chosen to be kept, in place of the proposed one.</source>
+        <translation>Choisie à la place de celle qui est proposée.</translation>
+    </message>
+    <message>
         <source>Cleaning up library</source>
         <translation>Nettoyage de la bibliothèque</translation>
     </message>
@@ -1816,6 +1911,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Valeurs séparées par des virgules</translation>
     </message>
     <message>
+        <source>Compare</source>
+        <translation>Comparer</translation>
+    </message>
+    <message>
+        <source>Comparing…</source>
+        <translation>Comparaison…</translation>
+    </message>
+    <message>
         <source>Connect it again before you go on. What you change until then cannot be kept.</source>
         <translation>Reconnectez-le avant de continuer. Ce que vous changez d’ici là ne peut pas être conservé.</translation>
     </message>
@@ -1854,6 +1957,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Copy</source>
         <translation>Copier</translation>
+    </message>
+    <message>
+        <source>Copy %@</source>
+        <translation>Copier %@</translation>
     </message>
     <message numerus="yes">
         <source>Copy All %@ Links of the Last Upload</source>
@@ -1967,6 +2074,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Descending</source>
         <translation>Décroissant</translation>
+    </message>
+    <message>
+        <source>Difference</source>
+        <translation>Différence</translation>
+    </message>
+    <message>
+        <source>Difference (D)</source>
+        <translation>Différence (D)</translation>
     </message>
     <message>
         <source>Digest is %@</source>
@@ -2326,6 +2441,22 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Rechercher</translation>
     </message>
     <message>
+        <source>Find Color…</source>
+        <translation>Rechercher une couleur…</translation>
+    </message>
+    <message>
+        <source>Find Near-Duplicates…</source>
+        <translation>Rechercher les quasi-doublons…</translation>
+    </message>
+    <message>
+        <source>Find Similar</source>
+        <translation>Rechercher les images semblables</translation>
+    </message>
+    <message>
+        <source>Find a color</source>
+        <translation>Rechercher une couleur</translation>
+    </message>
+    <message>
         <source>Find in %@</source>
         <translation>Rechercher dans %@</translation>
     </message>
@@ -2458,6 +2589,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Groupement : %@</translation>
     </message>
     <message>
+        <source>Groups</source>
+        <translation>Groupes</translation>
+    </message>
+    <message>
         <source>HEIC image</source>
         <translation>Image HEIC</translation>
     </message>
@@ -2520,6 +2655,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>How many backups stay</source>
         <translation>Nombre de sauvegardes à garder</translation>
+    </message>
+    <message>
+        <source>How near</source>
+        <translation>Degré de ressemblance</translation>
     </message>
     <message>
         <source>How often a backup is made by itself</source>
@@ -2922,6 +3061,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Il n’est plus là. Vérifiez s’il a été déplacé ou supprimé, ou si son disque est connecté.</translation>
     </message>
     <message>
+        <source>It is the very file of the one that is kept.</source>
+        <translation>C’est le fichier même de l’élément conservé.</translation>
+    </message>
+    <message>
         <source>It is too large for the disk it is to go to. Use another one.</source>
         <translation>Il est trop grand pour le disque de destination. Utilisez-en un autre.</translation>
     </message>
@@ -2936,6 +3079,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>It must be one line of plain letters, digits and signs.</source>
         <translation>Ce doit être une ligne de lettres simples, de chiffres et de signes.</translation>
+    </message>
+    <message>
+        <source>It takes over the projects and tags of the others, which are deleted</source>
+        <translation>Elle reprend les projets et les mots-clés des autres, qui sont supprimées</translation>
+    </message>
+    <message>
+        <source>It takes over the projects and tags of the others, which are deleted (K)</source>
+        <translation>Elle reprend les projets et les mots-clés des autres, qui sont supprimées (K)</translation>
     </message>
     <message>
         <source>It takes the place of the one of that name.</source>
@@ -3008,6 +3159,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Its file ends too early: the rest of the picture is empty.</source>
         <translation>Son fichier se termine trop tôt : le reste de l’image est vide.</translation>
+    </message>
+    <message>
+        <source>Its file is missing. Put it back where it was, or keep another one.</source>
+        <translation>Son fichier est manquant. Remettez-le où il était, ou conservez un autre élément.</translation>
     </message>
     <message>
         <source>Its file may not be read. Change its permissions, and export it again.</source>
@@ -3126,8 +3281,28 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Conserver</translation>
     </message>
     <message>
+        <source>Keep All</source>
+        <translation>Tout conserver</translation>
+    </message>
+    <message>
+        <source>Keep Chosen, Delete Others</source>
+        <translation>Conserver ce choix, supprimer les autres</translation>
+    </message>
+    <message>
+        <source>Keep This One</source>
+        <translation>Conserver celle-ci</translation>
+    </message>
+    <message>
         <source>Keep in Pictures</source>
         <translation>Conserver dans Images</translation>
+    </message>
+    <message>
+        <source>Keep “%@”</source>
+        <translation>Conserver « %@ »</translation>
+    </message>
+    <message>
+        <source>Keeping one of each…</source>
+        <translation>Conservation d’un élément par groupe…</translation>
     </message>
     <message>
         <source>Keyboard</source>
@@ -3206,6 +3381,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Calques (PSD)</translation>
     </message>
     <message>
+        <source>Leave as They Are</source>
+        <translation>Laisser telles quelles</translation>
+    </message>
+    <message>
         <source>Leaves out what stands behind it</source>
         <translation>Exclut ce qui suit</translation>
     </message>
@@ -3234,6 +3413,14 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Licence</translation>
     </message>
     <message>
+        <source>Like %@</source>
+        <translation>Semblables à %@</translation>
+    </message>
+    <message>
+        <source>Likeness %d %%</source>
+        <translation>Ressemblance : %d %%</translation>
+    </message>
+    <message>
         <source>Line %d: %s</source>
         <translation>Ligne %d : %s</translation>
     </message>
@@ -3252,6 +3439,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Link your Dropbox in the preferences, under Cloud.</source>
         <translation>Associez votre Dropbox dans les préférences, sous Cloud.</translation>
+    </message>
+    <message>
+        <source>Linked</source>
+        <translation>Liées</translation>
     </message>
     <message>
         <source>Linked with %@</source>
@@ -3326,6 +3517,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Vérifiez que son adresse dans les préférences, sous Cloud, est la bonne.</translation>
     </message>
     <message>
+        <source>Looking at pictures…</source>
+        <translation>Examen des images…</translation>
+    </message>
+    <message>
         <source>Looking at the sizes of files…</source>
         <translation>Examen de la taille des fichiers…</translation>
     </message>
@@ -3338,12 +3533,16 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Examen des modifications</translation>
     </message>
     <message>
+        <source>Looking for pictures that look alike…</source>
+        <translation>Recherche d’images qui se ressemblent…</translation>
+    </message>
+    <message>
         <source>Looks like the picture of this name</source>
         <translation>Ressemble à l’image de ce nom</translation>
     </message>
     <message>
         <source>Looks like “%@”</source>
-        <translation>Ressemble à « %@ »</translation>
+        <translation>Ressemble à « %@ »</translation>
     </message>
     <message>
         <source>Lower, as high or higher</source>
@@ -3435,7 +3634,7 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     </message>
     <message>
         <source>Mostly of this color; with a code, or ~ and a number behind it, near to it</source>
-        <translation>Surtout de cette couleur ; avec un code, ou ~ et un nombre derrière : proche d’elle</translation>
+        <translation>Surtout de cette couleur ; avec un code, ou ~ et un nombre derrière : proche d’elle</translation>
     </message>
     <message>
         <source>Move</source>
@@ -3496,6 +3695,18 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Narrower, as wide or wider</source>
         <translation>Moins large, aussi large ou plus large</translation>
+    </message>
+    <message>
+        <source>Near-Duplicates</source>
+        <translation>Quasi-doublons</translation>
+    </message>
+    <message>
+        <source>Nearer</source>
+        <translation>Plus proche</translation>
+    </message>
+    <message>
+        <source>Nearness</source>
+        <translation>Ressemblance</translation>
     </message>
     <message>
         <source>Never</source>
@@ -3606,8 +3817,12 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Impossible d’en créer une image. Ouvrez-le dans un autre programme pour voir s’il est endommagé.</translation>
     </message>
     <message>
-        <source>No picture named “%@” is there to look like</source>
-        <translation>Aucune image nommée « %@ » n’est là pour qu’on lui ressemble</translation>
+        <source>No picture named “%@” is known by its looks</source>
+        <translation>On ne connaît l’aspect d’aucune image nommée « %@ »</translation>
+    </message>
+    <message>
+        <source>No pictures look alike.</source>
+        <translation>Aucune image ne ressemble à une autre.</translation>
     </message>
     <message>
         <source>No rating</source>
@@ -4094,6 +4309,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Liste de propriétés</translation>
     </message>
     <message>
+        <source>Proposed to be kept. %@.</source>
+        <translation>Proposée pour être conservée. %@.</translation>
+    </message>
+    <message>
         <source>Pu&amp;blic address</source>
         <translation>Adresse pu&amp;blique</translation>
     </message>
@@ -4366,6 +4585,18 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Enregistrer</translation>
     </message>
     <message>
+        <source>Save Palette</source>
+        <translation>Enregistrer la palette</translation>
+    </message>
+    <message>
+        <source>Save Palette for Adobe Programs (ASE)…</source>
+        <translation>Enregistrer la palette pour les programmes Adobe (ASE)…</translation>
+    </message>
+    <message>
+        <source>Save Palette for GIMP and Inkscape (GPL)…</source>
+        <translation>Enregistrer la palette pour GIMP et Inkscape (GPL)…</translation>
+    </message>
+    <message>
         <source>Save Report</source>
         <translation>Enregistrer le rapport</translation>
     </message>
@@ -4420,6 +4651,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Search for %@</source>
         <translation>Rechercher %@</translation>
+    </message>
+    <message>
+        <source>Search for %@ (%@ %% of the picture). Shift adds it to the search</source>
+        <translation>Rechercher %@ (%@ %% de l’image). Maj l’ajoute à la recherche</translation>
     </message>
     <message>
         <source>Search for less at once.</source>
@@ -4538,6 +4773,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Afficher la bibliothèque dans Fichiers</translation>
     </message>
     <message>
+        <source>Show Similar</source>
+        <translation>Afficher les semblables</translation>
+    </message>
+    <message>
         <source>Show Zelto</source>
         <translation>Afficher Zelto</translation>
     </message>
@@ -4576,6 +4815,14 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Shows every name and what it means.</source>
         <translation>Affiche chaque nom et ce qu’il signifie.</translation>
+    </message>
+    <message>
+        <source>Side by side</source>
+        <translation>Côte à côte</translation>
+    </message>
+    <message>
+        <source>Side by side (D)</source>
+        <translation>Côte à côte (D)</translation>
     </message>
     <message>
         <source>Sidebar</source>
@@ -4830,6 +5077,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Capturer tout l’écran</translation>
     </message>
     <message>
+        <source>Take out of the comparison (X)</source>
+        <translation>Retirer de la comparaison (X)</translation>
+    </message>
+    <message>
         <source>Take part in &amp;beta versions</source>
         <translation>Participer aux versions &amp;bêta</translation>
     </message>
@@ -4874,8 +5125,16 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>L’opération a été annulée.</translation>
     </message>
     <message>
+        <source>That was the last group.</source>
+        <translation>C’était le dernier groupe.</translation>
+    </message>
+    <message>
         <source>That window was closed or hidden before it could be taken. Choose another one.</source>
         <translation>Cette fenêtre a été fermée ou masquée avant de pouvoir être capturée. Choisissez-en une autre.</translation>
+    </message>
+    <message>
+        <source>The %@ largest of %@ groups. Look again for the others.</source>
+        <translation>Les %@ plus grands de %@ groupes. Relancez la recherche pour les autres.</translation>
     </message>
     <message>
         <source>The Zelto that has this library open ended before it answered.</source>
@@ -5056,6 +5315,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The desktop's portal ended before it answered. Try again.</source>
         <translation>Le portail du bureau s’est terminé avant de répondre. Réessayez.</translation>
+    </message>
+    <message>
+        <source>The difference of these two cannot be shown.</source>
+        <translation>La différence de ces deux images ne peut pas être affichée.</translation>
     </message>
     <message>
         <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
@@ -5247,7 +5510,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>The largest: %ld × %ld pixels</source>
-        <translation>La plus grande : %ld × %ld pixels</translation>
+        <translation>La plus grande : %ld × %ld pixels</translation>
     </message>
     <message>
         <source>The last one: %@, %@, of which new: %@</source>
@@ -5276,6 +5539,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The library could not be brought to this version; it is unchanged.</source>
         <translation>La bibliothèque n’a pas pu être mise à niveau vers cette version ; elle est inchangée.</translation>
+    </message>
+    <message>
+        <source>The library could not be looked through: %@</source>
+        <translation>La bibliothèque n’a pas pu être parcourue : %@</translation>
     </message>
     <message>
         <source>The library could not be read</source>
@@ -5442,6 +5709,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Le réseau a changé entre-temps. Réessayez.</translation>
     </message>
     <message>
+        <source>The one to keep</source>
+        <translation>Celle à conserver</translation>
+    </message>
+    <message>
         <source>The original folders will still remain on your disk.</source>
         <translation>Les dossiers d’origine resteront sur votre disque.</translation>
     </message>
@@ -5476,6 +5747,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The page sends its visitors around in a circle.</source>
         <translation>La page fait tourner ses visiteurs en rond.</translation>
+    </message>
+    <message>
+        <source>The palette cannot be written to “%@”: %@</source>
+        <translation>La palette ne peut pas être écrite dans « %@ » : %@</translation>
     </message>
     <message>
         <source>The password is kept in the desktop's keyring and nowhere else.</source>
@@ -5710,6 +5985,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>La corbeille contient trop de fichiers nommés « %@ ». Videz-la et réessayez.</translation>
     </message>
     <message>
+        <source>The two are the same in every pixel.</source>
+        <translation>Les deux sont identiques au pixel près.</translation>
+    </message>
+    <message>
         <source>The value cannot be archived.</source>
         <translation>La valeur ne peut pas être archivée.</translation>
     </message>
@@ -5914,6 +6193,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Il n’y a rien ici.</translation>
     </message>
     <message>
+        <source>There is nothing left to compare it with.</source>
+        <translation>Il ne reste rien à quoi la comparer.</translation>
+    </message>
+    <message>
         <source>There is too little free space in “%@”.</source>
         <translation>Il n’y a pas assez d’espace libre dans « %@ ».</translation>
     </message>
@@ -6074,6 +6357,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Aujourd’hui, %@</translation>
     </message>
     <message>
+        <source>Tolerance</source>
+        <translation>Tolérance</translation>
+    </message>
+    <message>
         <source>Too many brackets stand in these; what they hold is left out.</source>
         <translation>Trop de parenthèses sont imbriquées dans celles-ci ; leur contenu est ignoré.</translation>
     </message>
@@ -6108,6 +6395,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Try again.</source>
         <translation>Réessayez.</translation>
+    </message>
+    <message>
+        <source>Two pictures of the same size in pixels show their difference</source>
+        <translation>Deux images de mêmes dimensions en pixels montrent leur différence</translation>
     </message>
     <message>
         <source>Type an address and press Enter to see the page.</source>
@@ -6326,6 +6617,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Ce que vous capturez à l’écran arrive ici.</translation>
     </message>
     <message>
+        <source>What “%@” looks like is not known yet. Try again in a moment.</source>
+        <translation>On ne sait pas encore à quoi ressemble « %@ ». Réessayez dans un instant.</translation>
+    </message>
+    <message>
         <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
         <translation>Lorsque Zelto se termine de façon inattendue, il conserve un rapport et l’affiche à sa réouverture. Les cinq derniers sont conservés. Un rapport ne contient rien de votre bibliothèque et n’est envoyé que si vous l’envoyez.</translation>
     </message>
@@ -6348,6 +6643,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Whole scr&amp;een</source>
         <translation>É&amp;cran entier</translation>
+    </message>
+    <message>
+        <source>Wider</source>
+        <translation>Plus large</translation>
     </message>
     <message>
         <source>Width</source>
@@ -6608,6 +6907,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>Zoom Out</source>
         <translation>Zoom arrière</translation>
+    </message>
+    <message>
+        <source>Zoom and pan all together (L)</source>
+        <translation>Zoomer et déplacer toutes ensemble (L)</translation>
     </message>
     <message>
         <source>a comparison</source>
@@ -6990,8 +7293,16 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>son nom mène hors de l’archive</translation>
     </message>
     <message>
+        <source>keep %@</source>
+        <translation>conserver %@</translation>
+    </message>
+    <message>
         <source>keep a library of assets</source>
         <translation>gérer une bibliothèque de ressources</translation>
+    </message>
+    <message>
+        <source>keep one of each</source>
+        <translation>conserver un élément par groupe</translation>
     </message>
     <message>
         <source>kind</source>
@@ -7004,6 +7315,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>last 7 days</source>
         <translation>7 derniers jours</translation>
+    </message>
+    <message>
+        <source>less than %@ %%</source>
+        <translation>moins de %@ %%</translation>
     </message>
     <message>
         <source>live folders are not kept in step here</source>
@@ -7092,6 +7407,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>not</source>
         <translation>sauf</translation>
+    </message>
+    <message>
+        <source>not all pictures could be looked at; what was found is kept: ask again for the rest</source>
+        <translation>toutes les images n’ont pas pu être examinées ; ce qui a été trouvé est conservé : relancez la commande pour le reste</translation>
     </message>
     <message>
         <source>not available at the moment</source>
@@ -7470,8 +7789,8 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>ce qui a été envoyé est trop grand</translation>
     </message>
     <message>
-        <source>what “%@” looks like is not known yet; a window finds it out, beside other work</source>
-        <translation>on ne sait pas encore à quoi « %@ » ressemble ; une fenêtre le découvre, à côté d’autres travaux</translation>
+        <source>what “%@” looks like is not known yet; `zelto fingerprints` finds it out</source>
+        <translation>on ne sait pas encore à quoi « %@ » ressemble ; `zelto fingerprints` le découvre</translation>
     </message>
     <message>
         <source>white</source>
@@ -7552,6 +7871,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” cannot be found. %@</source>
         <translation>« %@ » est introuvable. %@</translation>
+    </message>
+    <message>
+        <source>“%@” cannot be kept in place of the others.</source>
+        <translation>« %@ » ne peut pas être conservé à la place des autres.</translation>
     </message>
     <message>
         <source>“%@” cannot be moved back.</source>
@@ -7783,7 +8106,7 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     </message>
     <message>
         <source>“%@” is no color; there are %@, or one as #3366cc, and behind it how near: ~0 to ~100.</source>
-        <translation>« %@ » n’est pas une couleur ; il y a %@, ou une comme #3366cc, et derrière la proximité : ~0 à ~100.</translation>
+        <translation>« %@ » n’est pas une couleur ; il y a %@, ou une comme #3366cc, et derrière la proximité : ~0 à ~100.</translation>
     </message>
     <message>
         <source>“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.</source>
@@ -7954,8 +8277,12 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>« %@ » ne définit rien ; écrivez --set KEY=VALUE avec un attribut comme license, notes ou webURL</translation>
     </message>
     <message>
+        <source>“%@” shows nothing by which others could be found: it has one color, or none.</source>
+        <translation>« %@ » ne montre rien qui permette d’en trouver d’autres : l’image n’a qu’une couleur, ou aucune.</translation>
+    </message>
+    <message>
         <source>“%@” shows nothing that another picture could look like</source>
-        <translation>« %@ » ne montre rien à quoi une autre image puisse ressembler</translation>
+        <translation>« %@ » ne montre rien à quoi une autre image puisse ressembler</translation>
     </message>
     <message>
         <source>“%@” stays as it is.</source>
@@ -8048,6 +8375,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” was put into the trash</source>
         <translation>« %@ » a été mis à la corbeille</translation>
+    </message>
+    <message>
+        <source>“%@” was taken out of the comparison.</source>
+        <translation>« %@ » a été retirée de la comparaison.</translation>
     </message>
     <message>
         <source>“%@” was written with %d layers</source>

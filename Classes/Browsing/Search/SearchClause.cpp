@@ -175,7 +175,7 @@ SearchClause likeClause(const SearchLexeme &lexeme, const SearchContext &context
     const QString query = SearchQueries::resemblanceQuery(QStringLiteral("pictureHash"), conditions, context.rows);
     const bool isUnknown = context.picturesNamed && conditions.isEmpty();
     SearchClause clause = plainClause(
-        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is there to look like"), {shown(lexeme.text)})
+        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is known by its looks"), {shown(lexeme.text)})
                          : sentenceForText(SearchField::Like, lexeme.text));
     clause.cost = 1 + int(conditions.size());
     clause.normalized = lexeme.token->name() + u' ' + zqFold(lexeme.text);

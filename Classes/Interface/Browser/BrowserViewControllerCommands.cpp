@@ -18,6 +18,8 @@
 #include <QGuiApplication>
 #include <QStackedWidget>
 
+#include <functional>
+
 namespace {
 
 constexpr double zoomStep = 0.08;
@@ -113,7 +115,11 @@ QList<WindowCommand> BrowserViewController::zoomCommands()
     // Of whichever of the two is open.
     const auto zoom = [this](void (DetailView::*inDetail)(), void (CompareView::*inComparison)()) {
         return [this, inDetail, inComparison] {
-            m_compare->isOpen() ? (m_compare->view().*inComparison)() : (m_detail->*inDetail)();
+            if (m_compare->isOpen()) {
+                std::invoke(inComparison, m_compare->view());
+            } else {
+                std::invoke(inDetail, *m_detail);
+            }
         };
     };
     QList<WindowCommand> result = {

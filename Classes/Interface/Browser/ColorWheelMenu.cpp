@@ -35,8 +35,8 @@ ColorWheelMenu::ColorWheelMenu(QWidget *parent)
     column->setSpacing(6);
     column->addWidget(m_wheel, 0, Qt::AlignCenter);
     column->addWidget(m_code);
-    m_value = addSlider(zqLocalized("Lightness"), lightest, m_wheel->value());
-    m_tolerance = addSlider(zqLocalized("How far it may be"), greatestTolerance, usualTolerance);
+    m_value = addSlider(zqLocalized("Brightness"), lightest, m_wheel->value());
+    m_tolerance = addSlider(zqLocalized("Tolerance"), greatestTolerance, usualTolerance);
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMilliseconds);
     connect(&m_rest, &QTimer::timeout, this, &ColorWheelMenu::search);

@@ -131,7 +131,7 @@ QWidget *CompareView::makeFoot()
     m_bringBack->setToolTip(zqLocalized("Bring back what was taken out last (Shift+X)"));
     m_bringBack->setFocusPolicy(Qt::TabFocus);
     connect(m_bringBack, &QToolButton::clicked, this, &CompareView::bringBack);
-    auto *keepAll = new QPushButton(zqLocalized("Keep all"), foot);
+    auto *keepAll = new QPushButton(zqLocalized("Keep All"), foot);
     keepAll->setToolTip(zqLocalized("Back to the items (Esc)"));
     connect(keepAll, &QPushButton::clicked, this, &CompareView::closed);
     m_keep = new QPushButton(foot);
@@ -396,7 +396,7 @@ void CompareView::updateTexts()
     const bool isComparison = m_panes.size() >= fewest;
     const ComparePane *pane = currentPane();
     m_keep->setText(pane ? zqFormat(zqLocalized("Keep “%@”"), {zqShortened(pane->picture().title, longestInButton)})
-                         : zqLocalized("Keep this one"));
+                         : zqLocalized("Keep This One"));
     m_keep->setEnabled(isComparison && pane);
     m_bringBack->setVisible(!m_rejected.isEmpty());
     QStringList texts;

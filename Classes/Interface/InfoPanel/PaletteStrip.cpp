@@ -87,9 +87,9 @@ void PaletteStrip::showPalette(const ZQPalette &palette, const QString &title)
     for (const ZQPalette::Color &color : palette.colors) {
         const QString hex = hexOf(color.rgb);
         ColorSwatch *swatch = addSwatch(QColor(color.rgb), hex);
-        swatch->setDescription(zqFormat(zqLocalized("Search for %@, which is %@ %% of the picture. With Shift: besides "
-                                                    "what is searched"),
-                                        {hex, percentOf(color.share)}));
+        swatch->setDescription(
+            zqFormat(zqLocalized("Search for %@ (%@ %% of the picture). Shift adds it to the search"),
+                     {hex, percentOf(color.share)}));
         connect(swatch, &ColorSwatch::chosen, this, [this, hex](bool adds) { Q_EMIT colorChosen(hex, adds); });
         connect(swatch, &ColorSwatch::menuRequested, this, [this, hex](const QPoint &point) { showMenu(hex, point); });
     }

@@ -163,7 +163,7 @@ void ArrivedItems::tell(const ImportOutcome &told)
     }
     if (outcome.alike > 0) {
         text += (text.isEmpty() ? QString() : QStringLiteral("\n")) + outcome.textForAlike();
-        actions.append(showingAlike(actions.isEmpty() ? zqLocalized("Show") : zqLocalized("Show Those Alike")));
+        actions.append(showingAlike(actions.isEmpty() ? zqLocalized("Show") : zqLocalized("Show Similar")));
     }
     if (!text.isEmpty()) {
         m_user.showNotification(text, NotificationPlace::Browser,

@@ -100,7 +100,7 @@ void TabsController::findSimilar()
     if (item->pictureHash().isEmpty()) { // null while nobody has looked
         const QString text =
             item->pictureHash().isNull()
-                ? zqLocalized("“%@” has not been looked at yet. Try again in a moment.")
+                ? zqLocalized("What “%@” looks like is not known yet. Try again in a moment.")
                 : zqLocalized("“%@” shows nothing by which others could be found: it has one color, or none.");
         m_edits.user.showNotificationWithText(zqFormat(text, {item->title()}), NotificationPlace::Browser,
                                               usualNotificationTime);

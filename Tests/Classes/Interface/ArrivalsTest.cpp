@@ -322,7 +322,7 @@ TEST_F(ArrivalsTest, WhatLooksLikeAPictureThatIsThereIsSaidAndShownBesideIt)
            b);
     ASSERT_TRUE(waitFor([this] { return bubble() && bubble()->text().contains(QStringLiteral("looks like")); }));
     EXPECT_TRUE(bubble()->text().endsWith(QStringLiteral("1 looks like a picture you have")));
-    auto *way = button("Show Those Alike");
+    auto *way = button("Show Similar");
     QTest::mouseClick(way ? way : button("Show"), Qt::LeftButton); // said later, it is the only one
     settle();
     QStringList chosen = selected();
