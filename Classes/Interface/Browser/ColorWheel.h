@@ -7,7 +7,7 @@
 #include <QWidget>
 
 // Hues around, and from grey in the middle to full colour at the edge. The pointer chooses, and the arrow keys: left
-// and right the hue, up and down how full it is. Main thread.
+// and right the hue, up and down how full it is, by the smallest step with Shift. Main thread.
 class ColorWheel : public QWidget, public ZQAccessibleNumber
 {
     Q_OBJECT

@@ -6,6 +6,7 @@
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQPaletteFiles.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
@@ -34,6 +35,8 @@ QString percentOf(quint8 share)
 PaletteStrip::PaletteStrip(UserInteraction &user, QWidget *parent)
     : QWidget(parent), m_user(user), m_row(new QHBoxLayout(this))
 {
+    zqSetAccessibleRole(this, QAccessible::Grouping);
+    setAccessibleName(zqLocalized("Colors"));
     setFixedHeight(stripHeight);
     m_row->setContentsMargins(0, 0, 0, 0);
     m_row->setSpacing(6);
