@@ -45,8 +45,7 @@ QByteArray textOf(const QList<ZQRef<ZQLibraryBaseItem>> &items, const Distances 
 {
     QByteArray text;
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        const QString extension = item->extension().isEmpty() ? QString() : u'.' + item->extension();
-        text += (item->bundleID() + u'\t' + item->title() + extension).toUtf8();
+        text += (item->bundleID() + u'\t' + zqListedName(*item)).toUtf8();
         if (const auto distance = distances.constFind(item->objectID()); distance != distances.cend()) {
             text += '\t' + QByteArray::number(*distance);
         }
@@ -72,6 +71,11 @@ QByteArray jsonOf(const QList<ZQRef<ZQLibraryBaseItem>> &items, const Distances 
 }
 
 } // namespace
+
+QString zqListedName(const ZQLibraryBaseItem &item)
+{
+    return item.extension().isEmpty() ? item.title() : item.title() + u'.' + item.extension();
+}
 
 QByteArray zqJSONElements(const QJsonArray &array)
 {

@@ -8,6 +8,10 @@
 
 #include <functional>
 
+class ZQLibraryBaseItem;
+
+QString zqListedName(const ZQLibraryBaseItem &item); // title and extension
+
 // Prints items: a line each with bundleID and name, or an array of objects where JSON was asked for. Some at a time, so
 // that many take no more memory than their text; in the process of a window its loop runs in between. False, with a
 // message, when nobody waits for it any more.

@@ -4,6 +4,10 @@
 <context>
     <name>Zelto</name>
     <message>
+        <source> %@: %@</source>
+        <translation> %@ : %@</translation>
+    </message>
+    <message>
         <source> GiB</source>
         <translation> Gio</translation>
     </message>
@@ -44,6 +48,10 @@
 Copies the link. With Ctrl: opens it in the browser.</source>
         <translation>%@
 Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
+    </message>
+    <message>
+        <source>%@ %%</source>
+        <translation>%@ %%</translation>
     </message>
     <message>
         <source>%@ (gone)</source>
@@ -383,12 +391,24 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%@. Rien ne manque.</translation>
     </message>
     <message>
+        <source>%@: %@</source>
+        <translation>%@ : %@</translation>
+    </message>
+    <message>
+        <source>%@: %@ (%@)</source>
+        <translation>%@ : %@ (%@)</translation>
+    </message>
+    <message>
         <source>%@: %@ more</source>
         <translation>%@ : %@ de plus</translation>
     </message>
     <message>
         <source>%@: %@ of %@ items</source>
         <translation>%@ : %@ éléments sur %@</translation>
+    </message>
+    <message>
+        <source>%@: %@, %@</source>
+        <translation>%@ : %@, %@</translation>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
@@ -7785,6 +7805,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>hier</translation>
     </message>
     <message>
+        <source>“%@”</source>
+        <translation>« %@ »</translation>
+    </message>
+    <message>
         <source>“%@” and %d others</source>
         <translation>« %@ » et %d autres</translation>
     </message>
@@ -8371,6 +8395,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” was written, but pictures in it are incomplete.</source>
         <translation>« %@ » a été écrit, mais des images qu’il contient sont incomplètes.</translation>
+    </message>
+    <message>
+        <source>“%@”: %@</source>
+        <translation>« %@ » : %@</translation>
     </message>
     <message>
         <source>“%@”: %@ There are %d more notes like this.</source>

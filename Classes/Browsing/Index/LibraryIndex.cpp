@@ -423,7 +423,7 @@ std::vector<std::pair<ZQObjectID, int>> LibraryIndex::Reading::similar(const ZQP
 {
     const IndexItems &items = d->columns.items;
     std::vector<std::pair<ZQObjectID, int>> result;
-    for (const SimilarPicture &each : zqNearestPictures(items, hash, active(), limit, farthest)) {
+    for (const SimilarPicture &each : zqNearestPictures(items.pictures, hash, active(), limit, farthest)) {
         result.emplace_back(items.id(each.row), each.distance);
     }
     return result;

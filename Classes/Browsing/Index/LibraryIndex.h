@@ -101,7 +101,8 @@ public:
 
         // What the picture of an item looks like; nothing for one that shows nothing, or was not yet looked at.
         std::optional<ZQPictureHash> pictureHash(const ZQObjectID &item) const;
-        // The active items that look most like it, with how many bits they are apart: nearest first.
+        // The active items that look most like it, with how many bits they are apart: nearest first. Some of them when
+        // the thread's ZQCancellation was cancelled.
         std::vector<std::pair<ZQObjectID, int>> similar(const ZQPictureHash &hash, size_t limit, int farthest) const;
         // The pictures of rows, to be looked at for longer than an answer may take.
         PictureSet pictures(const ZQRowSet &among) const;

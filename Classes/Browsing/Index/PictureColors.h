@@ -39,7 +39,7 @@ struct PictureColors
 class ColorNearness
 {
 public:
-    ColorNearness(const ZQOklab &color, float tolerance);
+    ColorNearness(const ZQOklab &color, float tolerance); // as ZQOklab::distance has it
     bool operator()(const PictureColors &picture) const
     {
         bool isNear = false;

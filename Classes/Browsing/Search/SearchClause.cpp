@@ -166,11 +166,10 @@ SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &contex
 SearchClause likeClause(const SearchLexeme &lexeme, const SearchContext &context)
 {
     const LikeArgument like = LikeArgument::of(lexeme.text);
-    const int farthest = std::min(like.farthestBits(), ZQPictureHash::similarDistance);
     QStringList conditions;
     for (const ZQPictureHash &hash :
          context.picturesNamed ? context.picturesNamed(like.name) : QList<ZQPictureHash>()) {
-        conditions.append(PictureCondition{hash, farthest}.text());
+        conditions.append(PictureCondition{hash, like.farthestBits()}.text());
     }
     const QString query = SearchQueries::resemblanceQuery(QStringLiteral("pictureHash"), conditions, context.rows);
     const bool isUnknown = context.picturesNamed && conditions.isEmpty();

@@ -32,6 +32,16 @@ void BrowserViewController::refine(FacetKind kind, const QString &token)
     Q_EMIT searchRequested(FacetText(m_content->tab().searchString()).toggled(kind, token));
 }
 
+void BrowserViewController::search(const QString &token, bool adds)
+{
+    const QString &text = m_content->tab().searchString();
+    if (!adds) {
+        Q_EMIT searchRequested(text.trimmed() == token ? QString() : token);
+    } else if (!SearchManager::contains(text, token)) {
+        Q_EMIT searchRequested(SearchManager::toggled(text, token));
+    }
+}
+
 // A saved search is explained, and changed where it is edited.
 void BrowserViewController::showChips()
 {

@@ -25,7 +25,7 @@ public:
     void setNextStop(QWidget *widget); // of the Tab key, after its values
     const QList<Facet> &facets() const { return m_facets; }
     void choose(FacetKind kind, const QString &token); // or takes it away
-    void openColorWheel(const QPoint &globalPoint);
+    void openColorWheel(const QWidget &anchor);        // below it
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override { return place(width, false); }
@@ -42,6 +42,7 @@ Q_SIGNALS:
 protected:
     void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void showFacets(const QList<Facet> &facets);

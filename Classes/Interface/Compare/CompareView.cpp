@@ -39,7 +39,6 @@ CompareView::CompareView(QWidget *parent)
 {
     zqSetAccessibleRole(this, QAccessible::Grouping);
     setAccessibleName(zqLocalized("Compare"));
-    setFocusPolicy(Qt::ClickFocus);
     m_grid->setObjectName(QStringLiteral("Hairline")); // what shows between the pictures
     m_cells->setContentsMargins(0, 1, 0, 0);
     m_cells->setSpacing(1);
@@ -280,8 +279,14 @@ void CompareView::showFacts()
 
 void CompareView::setRating(const ZQObjectID &item, int stars)
 {
-    if (ComparePane *pane = paneOf(item)) {
-        pane->setRating(stars);
+    ComparePane *pane = paneOf(item);
+    if (!pane) {
+        return;
+    }
+    const bool isAnother = pane->picture().rating != stars;
+    pane->setRating(stars);
+    if (isAnother && pane->canvas().hasFocus()) { // by a key, which is not heard of elsewhere
+        zqAnnounce(&pane->canvas(), zqFormat(zqLocalized("Rating: %@ of 5"), {QString::number(stars)}));
     }
 }
 
@@ -314,9 +319,10 @@ void CompareView::removePane(ComparePane *pane)
         m_current = nullptr;
         ComparePane *next = m_panes.value(std::min(index, m_panes.size() - 1));
         markCurrent(next);
-        if (hadFocus) {
-            next ? next->canvas().setFocus(Qt::OtherFocusReason) : setFocus(Qt::OtherFocusReason);
-        }
+    }
+    if (hadFocus) {
+        ComparePane *next = currentPane();
+        next ? next->canvas().setFocus(Qt::OtherFocusReason) : setFocus(Qt::OtherFocusReason);
     }
 }
 

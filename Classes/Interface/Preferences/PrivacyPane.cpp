@@ -86,8 +86,8 @@ void PrivacyPane::showCounts()
         --day;
         for (auto count = day->cbegin(); count != day->cend(); ++count) {
             const QString times = zqCounted({"%@ time", "%@ times"}, count.value());
-            lines.append(zqFormat(QStringLiteral("%@: %@, %@"), {QLocale().toString(day.key(), QLocale::ShortFormat),
-                                                                 titleOfFeature(count.key()), times}));
+            lines.append(zqFormat(zqLocalized("%@: %@, %@"), {QLocale().toString(day.key(), QLocale::ShortFormat),
+                                                              titleOfFeature(count.key()), times}));
         }
     }
     m_counts->setPlainText(!error.isNull()   ? error.localizedDescription()

@@ -8,6 +8,7 @@
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQProgressLine.h"
 
 #include <QBoxLayout>
@@ -35,6 +36,11 @@ QString detailsOf(const ZQLibraryBaseItem &item)
     const QString bytes = QLocale().formattedDataSize(item.byteSize(), 1, QLocale::DataSizeSIFormat);
     const QString size = item.pixelSizeString();
     return size.isEmpty() ? bytes : size + QStringLiteral(" · ") + bytes;
+}
+
+QString proposal(const NearDuplicateGroup &group)
+{
+    return zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason});
 }
 
 } // namespace
@@ -148,7 +154,7 @@ void NearDuplicatesSheet::find(const std::optional<QList<ZQObjectID>> &items)
 void NearDuplicatesSheet::fail(const QString &reason)
 {
     m_progress->hide();
-    m_state->setText(zqFormat(zqLocalized("The library could not be looked through: %@"), {reason}));
+    say(zqFormat(zqLocalized("The library could not be looked through: %@"), {reason}));
 }
 
 void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
@@ -156,7 +162,7 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     m_groups = groups.first(std::min(groups.size(), mostShown));
     m_progress->hide();
     if (groups.isEmpty()) {
-        m_state->setText(zqLocalized("No pictures look alike."));
+        say(zqLocalized("No pictures look alike."));
         return;
     }
     QList<ZQObjectID> best;
@@ -167,7 +173,10 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     for (const NearDuplicateGroup &group : std::as_const(m_groups)) {
         const auto item = m_context.libraryItem(group.items.value(group.best));
         const QString title = item ? zqShortened(item->title(), longestTitle) : QString();
-        m_groupList->addItem(zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}));
+        auto *row = new QListWidgetItem(
+            zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}), m_groupList);
+        row->setData(Qt::AccessibleTextRole, title);
+        row->setData(Qt::AccessibleDescriptionRole, zqCounted({"1 picture", "%@ pictures"}, group.items.size()));
     }
     m_pages->setCurrentIndex(1);
     m_keep->show();
@@ -175,8 +184,8 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     m_groupList->setCurrentRow(0);
     m_groupList->setFocus();
     if (groups.size() > mostShown) {
-        m_state->setText(zqFormat(zqLocalized("The %@ largest of %@ groups. Look again for the others."),
-                                  {QLocale().toString(mostShown), QLocale().toString(groups.size())}));
+        say(zqFormat(zqLocalized("The %@ largest of %@ groups. Look again for the others."),
+                     {QLocale().toString(mostShown), QLocale().toString(groups.size())}));
     } else {
         showState();
     }
@@ -184,8 +193,14 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
 
 void NearDuplicatesSheet::showState()
 {
-    m_state->setText(m_groups.isEmpty() ? zqLocalized("That was the last group.")
-                                        : zqCounted({"1 group is left", "%@ groups are left"}, m_groups.size()));
+    say(m_groups.isEmpty() ? zqLocalized("That was the last group.")
+                           : zqCounted({"1 group is left", "%@ groups are left"}, m_groups.size()));
+}
+
+void NearDuplicatesSheet::say(const QString &state)
+{
+    m_state->setText(state);
+    zqAnnounce(this, state);
 }
 
 void NearDuplicatesSheet::showGroup(int row)
@@ -211,6 +226,7 @@ void NearDuplicatesSheet::showGroup(int row)
         shown->setData(itemRole, QVariant::fromValue(item->objectID()));
         showPicture(*shown);
         if (item->objectID() == group.items.value(group.best)) {
+            shown->setData(Qt::AccessibleDescriptionRole, proposal(group));
             m_pictures->setCurrentItem(shown);
         }
     }
@@ -243,8 +259,7 @@ void NearDuplicatesSheet::showReason()
     }
     const NearDuplicateGroup &group = m_groups.at(row);
     const bool isProposed = chosen->data(itemRole).value<ZQObjectID>() == group.items.value(group.best);
-    QString text = isProposed ? zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason})
-                              : zqLocalized("Chosen to be kept, in place of the proposed one.");
+    QString text = isProposed ? proposal(group) : zqLocalized("Chosen to be kept, in place of the proposed one.");
     if (group.items.size() > mostInGroup) {
         text += u' ' + zqFormat(zqLocalized("The first %@ of %@ are shown; the others stay as they are."),
                                 {QLocale().toString(mostInGroup), QLocale().toString(group.items.size())});

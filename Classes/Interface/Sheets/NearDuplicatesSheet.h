@@ -36,6 +36,7 @@ private:
     void showPicture(QListWidgetItem &row);
     void showReason();
     void showState();
+    void say(const QString &state); // and aloud
     void keepChosen();
     void endGroup(); // it is settled, or to stay as it is
 

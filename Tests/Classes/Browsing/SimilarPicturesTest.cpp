@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Index/SimilarPictures.h"
 
+#include "Classes/Browsing/Content/LookAlikes.h"
 #include "Classes/Browsing/Content/NearDuplicates.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Browsing/Index/NearGroups.h"
@@ -337,5 +338,60 @@ TEST_F(NearDuplicatesTest, AreFoundAlikeByTheIndexAndByTheStoreAlone)
             context, each, IDs{small->objectID(), large->objectID(), other->objectID()}, nullptr, &error);
         ASSERT_TRUE(some && some->size() == 1);
         EXPECT_EQ(some->first().items, pair);
+    }
+}
+
+// Views of the window go first, and may do so in the middle of a look.
+TEST_F(NearDuplicatesTest, WhatCameLooksLikeTheSameHoweverOftenTheLookIsCutOff)
+{
+    LibraryIndex index(library.coordinator());
+    index.follow(library.context());
+    const auto made = [this](unsigned pictures, const char *digest) {
+        QList<ZQRef<ZQLibraryImage>> items;
+        std::mt19937_64 bits(pictures);
+        for (int i = 0; i < 40; ++i) {
+            ZQPictureHash hash;
+            std::generate(hash.words.begin(), hash.words.end(), std::ref(bits));
+            const auto item = library.addImage(QLatin1StringView(digest), QStringLiteral("jpg"));
+            item->setPictureHash(hash.bytes());
+            item->setSHA1(QLatin1StringView(digest));
+            items.append(item);
+        }
+        return items;
+    };
+    made(1, "there");
+    made(2, "copied");
+    ASSERT_TRUE(library.context().save());
+    const auto others = made(1, "other form");
+    const auto copies = made(2, "copied"); // were asked about
+    const auto strangers = made(3, "like nothing");
+    ASSERT_TRUE(library.context().save());
+    const auto idsOf = [](const QList<ZQRef<ZQLibraryImage>> &items) {
+        QList<ZQObjectID> ids;
+        std::transform(items.begin(), items.end(), std::back_inserter(ids),
+                       [](const auto &item) { return item->objectID(); });
+        return ids;
+    };
+    ASSERT_TRUE(index.waitUntilCurrent());
+    for (const int cutOffAfter : {0, 1, 2}) { // questions whether it is wanted
+        SCOPED_TRACE(cutOffAfter);
+        LookAlikes looking(idsOf(copies) + idsOf(others) + idsOf(strangers));
+        bool isThrough = false;
+        for (int turn = 0; turn < 100 && !isThrough; ++turn) {
+            ZQManagedObjectContext context(library.coordinator());
+            const auto cancellation = std::make_shared<ZQCancellation>();
+            const ZQCancellation::Scope scope(cancellation);
+            int asked = 0;
+            isThrough = looking.look(index, context, [&] {
+                const bool isWanted = !cancellation->isCancelled();
+                if (++asked == cutOffAfter) {
+                    cancellation->cancel();
+                }
+                return isWanted;
+            });
+        }
+        EXPECT_TRUE(isThrough);
+        EXPECT_EQ(looking.arrived(), idsOf(others));
+        EXPECT_EQ(looking.before().size(), 40);
     }
 }

@@ -7,6 +7,7 @@
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -62,8 +63,11 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     }
     ASSERT_TRUE(slider());
     EXPECT_EQ(slider()->value(), slider()->maximum());
+    const QString widest = slider()->accessibleDescription();
     slider()->setValue(20);
     EXPECT_TRUE(waitFor([this] { return text().endsWith(QStringLiteral("~20")); })) << text().toStdString();
+    EXPECT_EQ(slider()->accessibleDescription(), QStringLiteral("Likeness 81 % or more"));
+    EXPECT_NE(slider()->accessibleDescription(), widest);
     settle();
     EXPECT_EQ(shown(), (QStringList{"red", "clear"}));
 
@@ -162,6 +166,14 @@ TEST_F(SimilarTest, OneOfEachGroupIsKept)
     ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
     EXPECT_EQ(groups->count(), 1);
     EXPECT_TRUE(pictures->currentItem()) << "one is proposed";
+    const auto heard = [](QListWidget &of, int row, QAccessible::Text kind) {
+        return QAccessible::queryAccessibleInterface(&of)->child(row)->text(kind);
+    };
+    EXPECT_EQ(heard(*groups, 0, QAccessible::Description), QStringLiteral("%1 pictures").arg(pictures->count()));
+    for (int row = 0; row < pictures->count(); ++row) {
+        EXPECT_EQ(heard(*pictures, row, QAccessible::Description).startsWith(QStringLiteral("Proposed to be kept.")),
+                  row == pictures->currentRow());
+    }
     for (int row = 0; row < pictures->count(); ++row) {
         if (pictures->item(row)->text().startsWith(QStringLiteral("clear\n"))) {
             pictures->setCurrentRow(row);
