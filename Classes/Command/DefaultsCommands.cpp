@@ -1,6 +1,5 @@
 #include "Classes/Command/Commands.h"
 
-#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -46,7 +45,7 @@ QVariant parsed(const QString &value)
 
 bool isKnown(const QString &key)
 {
-    return PreferencesController::defaultPreferences().contains(key) || HotKeyCommand::find(key) ||
+    return PreferencesController::isKnown(key) ||
            ZQUserDefaults::standardUserDefaults().objectForKey(key).isValid();
 }
 
