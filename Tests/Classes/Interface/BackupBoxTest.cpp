@@ -233,4 +233,8 @@ TEST_F(BackupBoxTest, TheStatisticsAreThoseOfTheLibraryAndEndWithTheirSheet)
     run(CommandID::LibraryStatistics);
     QTest::keyClick(sheet(), Qt::Key_Escape); // in the middle of it
     EXPECT_TRUE(waitFor([&] { return !sheet(); }));
+    const StatisticsSheet ofNone(&window(), nullptr, {});
+    EXPECT_EQ(ofNone.findChild<QLabel *>(QStringLiteral("SmallMuted"))->text(),
+              QStringLiteral("The library is not open."))
+        << "nothing will come";
 }
