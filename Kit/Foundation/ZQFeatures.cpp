@@ -13,20 +13,20 @@ namespace {
 struct Feature
 {
     ZQFeature feature;
-    const char *name;
+    QLatin1StringView name;
     const char *title;
 };
 
 // The names are those that counts of older versions have.
 constexpr Feature features[] = {
-    {ZQFeature::AddExportPreset, "Add Export Preset", zqKey("Add Export Preset")},
-    {ZQFeature::DeleteExportPreset, "Delete Export Preset", zqKey("Delete Export Preset")},
-    {ZQFeature::MoveExportPreset, "Move Export Preset", zqKey("Move Export Preset")},
-    {ZQFeature::ExportItems, "Export Items", zqKey("Export Items")},
-    {ZQFeature::AddNewFolder, "Add New Folder", zqKey("Add New Folder")},
-    {ZQFeature::AddNewProject, "Add New Project", zqKey("Add New Project")},
-    {ZQFeature::UploadToDropbox, "Cloud Upload (Dropbox)", zqKey("Cloud Upload (Dropbox)")},
-    {ZQFeature::UploadElsewhere, "Cloud Upload (CloudApp)", zqKey("Cloud Upload (other services)")},
+    {ZQFeature::AddExportPreset, QLatin1StringView("Add Export Preset"), zqKey("Add Export Preset")},
+    {ZQFeature::DeleteExportPreset, QLatin1StringView("Delete Export Preset"), zqKey("Delete Export Preset")},
+    {ZQFeature::MoveExportPreset, QLatin1StringView("Move Export Preset"), zqKey("Move Export Preset")},
+    {ZQFeature::ExportItems, QLatin1StringView("Export Items"), zqKey("Export Items")},
+    {ZQFeature::AddNewFolder, QLatin1StringView("Add New Folder"), zqKey("Add New Folder")},
+    {ZQFeature::AddNewProject, QLatin1StringView("Add New Project"), zqKey("Add New Project")},
+    {ZQFeature::UploadToDropbox, QLatin1StringView("Cloud Upload (Dropbox)"), zqKey("Cloud Upload (Dropbox)")},
+    {ZQFeature::UploadElsewhere, QLatin1StringView("Cloud Upload (CloudApp)"), zqKey("Cloud Upload (other services)")},
 };
 
 template <class Is>
@@ -53,12 +53,12 @@ Observing &observing()
 QString zqNameOfFeature(ZQFeature feature)
 {
     const Feature *const found = find([feature](const Feature &each) { return each.feature == feature; });
-    return found ? QLatin1StringView(found->name) : QString();
+    return found ? QString(found->name) : QString();
 }
 
 QString zqTitleOfFeature(const QString &name)
 {
-    const Feature *const found = find([&name](const Feature &each) { return name == QLatin1StringView(each.name); });
+    const Feature *const found = find([&name](const Feature &each) { return name == each.name; });
     return found ? zqLocalized(found->title) : name;
 }
 
