@@ -119,7 +119,9 @@ void BackupBox::chooseDirectory()
     FileChoice choice;
     choice.title = zqLocalized("Please choose the folder for backups");
     choice.prompt = zqLocalized("Choose");
-    choice.startFolder = BackupSchedule::directory();
+    if (m_answering == BackupSchedule::directory()) { // else the list of files would wait for it
+        choice.startFolder = m_answering;
+    }
     choice.directory = true;
     const QStringList chosen = m_delegate.userInteraction().chooseFilesToOpen(choice);
     if (chosen.isEmpty()) {
@@ -177,6 +179,7 @@ void BackupBox::showLast()
     m_last->setText(zqLocalized("Looking at the folder…"));
     m_backups.findLast([self = QPointer(this), directory](const BackupLook::Found &found) {
         if (self && directory == BackupSchedule::directory()) {
+            self->m_answering = directory;
             self->showFound(found.last);
         }
     });

@@ -38,6 +38,7 @@ private:
     tamberin_AppDelegate &m_delegate;
     BackupSchedule &m_backups;
     PreferencesPane &m_pane; // tells what could not be written
+    QString m_answering;     // the folder that was looked at; it may be another by now
     QLabel *m_directory;
     QLabel *m_last;
     QLabel *m_state;

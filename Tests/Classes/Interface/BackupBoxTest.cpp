@@ -175,14 +175,25 @@ TEST_F(BackupBoxTest, AFolderThatDoesNotAnswerHoldsNothingUp)
     ASSERT_TRUE(waitFor([&] { return entered->available() > 0; }));
     person.files = {folder()};
     button("&Folder…")->click();
+    EXPECT_EQ(person.choices.last().startFolder, QString()) << "the choice does not begin in it either";
     const auto saysThatNoneIsThere = [this] { return says(QStringLiteral("There is no backup of this library")); };
     EXPECT_TRUE(waitFor(saysThatNoneIsThere)) << "the other folder answers meanwhile";
     EXPECT_EQ(entered->available(), 1) << "one thread a folder";
-    silent->release();
-    ASSERT_TRUE(waitFor([&] { return entered->available() == 2; })) << "who asked later is answered, too";
+    button("&Folder…")->click();
+    EXPECT_EQ(person.choices.last().startFolder, folder());
+    ASSERT_TRUE(waitFor(saysThatNoneIsThere));
+    bool isAnswered = false; // behind the box that was opened second
+    defaults().setObjectForKey(gone, BackupSchedule::directoryKey);
+    schedule->findLast([&isAnswered](const BackupLook::Found &) { isAnswered = true; });
+    defaults().setObjectForKey(folder(), BackupSchedule::directoryKey);
+    silent->release(2);
+    ASSERT_TRUE(waitFor([&isAnswered] { return isAnswered; })) << "who asks while one looks gets a look of their own";
+    EXPECT_EQ(entered->available(), 2);
     EXPECT_TRUE(saysThatNoneIsThere()) << "an answer of the folder before";
+    defaults().setObjectForKey(gone, BackupSchedule::directoryKey);
+    schedule->findLast([](const BackupLook::Found &) { ADD_FAILURE() << "nobody is there"; });
     pane.reset();
-    schedule.reset();
+    schedule.reset(); // waits for nobody
     silent->release();
 }
 
