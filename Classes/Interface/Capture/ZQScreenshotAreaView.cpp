@@ -280,7 +280,7 @@ QPointF ZQScreenshotAreaView::placeOfFirstHint() const
 {
     const QSizeF size = tagSize(hint());
     const QRectF below({(width() - size.width()) / 2, height() - 4 * tagDistance}, size);
-    const QRectF taken = lensRect().adjusted(0, 0, 0, tagDistance + size.height()); // with its own tag
+    const QRectF taken = lensRect().adjusted(-2, -2, 2, tagDistance + size.height()); // with its line and its own tag
     const bool isFree = !showsMagnifier() || !taken.intersects(below);
     return isFree ? below.topLeft() : QPointF(below.left(), 2 * tagDistance);
 }

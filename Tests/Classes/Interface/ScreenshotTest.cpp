@@ -318,8 +318,9 @@ TEST_F(ScreenshotTest, TheHintStaysReadableWhereverTheMagnifierIs)
         }
     }
     ASSERT_TRUE(hint.width() > 100 && hint.top() > 400) << "it stands below";
-    for (const QPoint &pointer : {QPoint(20, 20), hint.center(), hint.topLeft() - QPoint(60, 60),
-                                  hint.topRight() - QPoint(0, 100), hint.bottomRight()}) {
+    const int over = hint.top() - 120; // from there the magnifier reaches down into it
+    for (const QPoint &pointer : {QPoint(20, 20), hint.center(), QPoint(hint.left() - 60, over),
+                                  QPoint(hint.center().x(), over), hint.bottomRight()}) {
         QTest::mouseMove(&one, pointer);
         const QImage now = drawn();
         int places = 0;
