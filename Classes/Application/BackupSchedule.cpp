@@ -86,12 +86,14 @@ bool BackupSchedule::mayBeginByItself() const
 
 void BackupSchedule::look()
 {
-    if (m_isLooking || !mayBeginByItself()) {
+    if (m_lookingAt == directory() || !mayBeginByItself()) {
         return;
     }
-    m_isLooking = true;
-    findLast([this, chosen = directory(), before = m_lastEnded](const BackupLook::Found &found) {
-        m_isLooking = false;
+    m_lookingAt = directory();
+    findLast([this, chosen = m_lookingAt, before = m_lastEnded](const BackupLook::Found &found) {
+        if (m_lookingAt == chosen) {
+            m_lookingAt.clear();
+        }
         const bool isOutdated = m_work.isRunning() || m_lastEnded != before; // the person made one meanwhile
         if (chosen == directory() && !isOutdated) {
             beginByItself(found);

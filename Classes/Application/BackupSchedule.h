@@ -46,5 +46,5 @@ private:
     QDateTime m_notBefore; // after a failure
     QDateTime m_lastEnded; // so that a disk is not woken up every minute; invalid: not looked yet
     bool m_isByItself = false;
-    bool m_isLooking = false;
+    QString m_lookingAt; // a folder that does not answer must not keep from another
 };
