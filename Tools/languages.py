@@ -41,7 +41,7 @@ def without_comments(text):
 
 
 def unescaped(literal):
-    return re.sub(r"\\(.)", lambda m: ESCAPES[m[1]], literal)
+    return re.sub(r"\\(.)", lambda m: ESCAPES.get(m[1], m[1]), literal)
 
 
 def arguments(text, start):
@@ -205,13 +205,33 @@ def with_bare_colons():
     return out
 
 
+# Titles and sentences in a source that looks up what stands elsewhere: from a table of it they reach the person, and only zqKey
+# makes them known here. What is said to machines and logs is written as what it is.
+JOINED = re.compile(r'"(?:[^"\\\n]|\\.)*"(?:\s*"(?:[^"\\\n]|\\.)*")*')
+NO_TEXT = re.compile(r"(?:QStringLiteral|QLatin1String(?:View)?|QByteArrayLiteral|\bqC[A-Z]\w+|\bstatic_assert)\s*\([^;]*$")
+
+
+def unmarked(wanted):
+    known = {key[0] for key in wanted} | {one for _, one in wanted.values() if one}
+    out = []
+    for name in sources():
+        text = without_comments((ROOT / name).read_text())
+        if not re.search(r'\bzqLocalized\(\s*[^\s"]', text):
+            continue
+        for match in JOINED.finditer(text):
+            shown = "".join(literals(match[0]))
+            if re.match(r"[A-Z“][^\n]* ", shown) and shown not in known and not NO_TEXT.search(text[max(0, match.start() - 300):match.start()]):
+                out.append(f"{name}:{text.count(chr(10), 0, match.start()) + 1}: “{shown}” is not marked; write zqKey(\"…\")")
+    return out
+
+
 def languages():
     return sorted(path.stem.split("_", 1)[1] for path in FOLDER.glob("zelto_*.ts"))
 
 
 def check():
     wanted = keys()
-    problems = glued() + with_bare_colons()
+    problems = glued() + with_bare_colons() + unmarked(wanted)
     for language in languages():
         have = read(language)
         problems += [f"{language}: “{key[0]}” is not in the catalogue" for key in sorted(filter(has_words, wanted.keys() - have.keys()))]

@@ -1382,6 +1382,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Un élément n’a pas de dossier qui puisse être le sien : %@</translation>
     </message>
     <message>
+        <source>An object that is still used by others through %@ cannot be deleted.</source>
+        <translation>Un objet que d’autres utilisent encore par %@ ne peut pas être supprimé.</translation>
+    </message>
+    <message>
         <source>Another backup into the folder “%@” is under way.</source>
         <translation>Une autre sauvegarde dans le dossier « %@ » est en cours.</translation>
     </message>
@@ -1875,12 +1879,12 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Cloud</translation>
     </message>
     <message>
-        <source>Cloud Upload (CloudApp)</source>
-        <translation>Envoi (CloudApp)</translation>
-    </message>
-    <message>
         <source>Cloud Upload (Dropbox)</source>
         <translation>Envoi (Dropbox)</translation>
+    </message>
+    <message>
+        <source>Cloud Upload (other services)</source>
+        <translation>Envoi (autres services)</translation>
     </message>
     <message>
         <source>Cloud preferences…</source>
@@ -1901,6 +1905,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Color is “%@”</source>
         <translation>La couleur est « %@ »</translation>
+    </message>
+    <message>
+        <source>Colors</source>
+        <translation>Couleurs</translation>
     </message>
     <message>
         <source>Columns</source>
@@ -2298,6 +2306,15 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Esc</source>
         <translation>Échap</translation>
+    </message>
+    <message numerus="yes">
+        <source>Every %@ days</source>
+        <comment>counted</comment>
+        <extracomment>for one: Every day</extracomment>
+        <translation>
+            <numerusform>Chaque jour</numerusform>
+            <numerusform>Tous les %@ jours</numerusform>
+        </translation>
     </message>
     <message>
         <source>Every day</source>
@@ -3353,12 +3370,20 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Fichiers les plus volumineux</translation>
     </message>
     <message>
+        <source>Last Hour</source>
+        <translation>Dernière heure</translation>
+    </message>
+    <message>
         <source>Last Import</source>
         <translation>Dernier import</translation>
     </message>
     <message>
         <source>Last Import: %@</source>
         <translation>Dernier import : %@</translation>
+    </message>
+    <message>
+        <source>Last Week</source>
+        <translation>Semaine dernière</translation>
     </message>
     <message>
         <source>Later</source>
@@ -3393,6 +3418,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Gauche</translation>
     </message>
     <message>
+        <source>Left and Right change the hue, Up and Down how full the color is</source>
+        <translation>Gauche et Droite changent la teinte, Haut et Bas la saturation</translation>
+    </message>
+    <message>
         <source>Left out was %@.</source>
         <translation>Omis : %@.</translation>
     </message>
@@ -3419,6 +3448,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Likeness %d %%</source>
         <translation>Ressemblance : %d %%</translation>
+    </message>
+    <message>
+        <source>Likeness %d %% or more</source>
+        <translation>Ressemblance de %d %% ou plus</translation>
     </message>
     <message>
         <source>Line %d: %s</source>
@@ -3519,6 +3552,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Looking at pictures…</source>
         <translation>Examen des images…</translation>
+    </message>
+    <message>
+        <source>Looking at the folder…</source>
+        <translation>Lecture du dossier…</translation>
     </message>
     <message>
         <source>Looking at the sizes of files…</source>
@@ -3795,6 +3832,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>No backup was made. %@</source>
         <translation>Aucune sauvegarde n’a été effectuée. %@</translation>
+    </message>
+    <message>
+        <source>No difference is seen at %ld × %ld pixels.</source>
+        <translation>Aucune différence n’est visible à %ld × %ld pixels.</translation>
     </message>
     <message>
         <source>No folder was chosen.</source>
@@ -5249,6 +5290,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Les modifications ne peuvent pas être enregistrées.</translation>
     </message>
     <message>
+        <source>The color as a name or a number, such as #3366cc</source>
+        <translation>La couleur sous forme de nom ou de nombre, par exemple #3366cc</translation>
+    </message>
+    <message>
         <source>The condition cannot be read at character %d:</source>
         <translation>La condition est illisible au caractère %d :</translation>
     </message>
@@ -5423,6 +5468,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The file “%@” cannot be made</source>
         <translation>Impossible de créer le fichier « %@ »</translation>
+    </message>
+    <message>
+        <source>The first %@ of %@ are shown; the others stay as they are.</source>
+        <translation>Les %@ premiers sur %@ sont affichés ; les autres restent tels quels.</translation>
     </message>
     <message>
         <source>The first of them is “%@”: %@</source>
@@ -6353,6 +6402,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Le titre contient « %@ »</translation>
     </message>
     <message>
+        <source>Today</source>
+        <translation>Aujourd’hui</translation>
+    </message>
+    <message>
         <source>Today, %@</source>
         <translation>Aujourd’hui, %@</translation>
     </message>
@@ -6723,6 +6776,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>XML document</source>
         <translation>Document XML</translation>
+    </message>
+    <message>
+        <source>Yesterday</source>
+        <translation>Hier</translation>
     </message>
     <message>
         <source>Yesterday, %@</source>
@@ -7161,6 +7218,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>extension</translation>
     </message>
     <message>
+        <source>file %@ is not a valid image</source>
+        <translation>le fichier %@ n’est pas une image valable</translation>
+    </message>
+    <message>
         <source>files as they are keep their size; choose a --format to scale them</source>
         <translation>les fichiers tels quels gardent leur taille ; choisissez un --format pour les mettre à l’échelle</translation>
     </message>
@@ -7457,8 +7518,16 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>rien</translation>
     </message>
     <message>
+        <source>nothing is counted; `zelto defaults write CountsUsage true` begins it</source>
+        <translation>rien n’est compté ; `zelto defaults write CountsUsage true` le commence</translation>
+    </message>
+    <message>
         <source>nothing selected</source>
         <translation>aucune sélection</translation>
+    </message>
+    <message>
+        <source>nothing was counted yet</source>
+        <translation>rien n’a encore été compté</translation>
     </message>
     <message>
         <source>nothing was imported from “%@”, which nobody has agreed to yet. %@ Add --yes if you asked for this in the browser</source>
