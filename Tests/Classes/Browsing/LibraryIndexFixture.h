@@ -235,7 +235,7 @@ protected:
                 QStringLiteral("NONE item.pictureHash RESEMBLES \"%1\" AND item.rating > 1")
                     .arg(PictureCondition{picture(2), apart}.text()),
                 QStringLiteral("item.palette RESEMBLES \"%1\"").arg(ColorCondition{0x3366cc, 8}.text()),
-                QStringLiteral("NOT (item.palette RESEMBLES \"%1\")").arg(ColorCondition{0xfefefe, 0}.text()),
+                QStringLiteral("NOT (item.palette RESEMBLES \"%1\")").arg(ColorCondition{0xfefefe, 1}.text()),
                 QStringLiteral("NONE item.tags.title ==[cd] \"final\" AND item.title != nil")};
     }
     void expectTheStoresAnswers(LibraryIndex &of);
