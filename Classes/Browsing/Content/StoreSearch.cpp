@@ -47,6 +47,10 @@ SearchContext StoreSearch::context(ZQListRows rows, const QList<ZQFetchRequest> 
     result.hashCounts = [requests, &context] { return hashCounts(requests, context); };
     result.liveFolderDepth = [&context] { return liveFolderDepth(context); };
     result.picturesNamed = [&context](const QString &name) { return picturesNamed(name, context); };
+    result.titleOfPicture = [&context](const QString &name) {
+        const auto item = zqFetchFirst<ZQLibraryBaseItem>(context, QStringLiteral("bundleID == %@"), {name});
+        return item ? item->title() : name;
+    };
     return result;
 }
 

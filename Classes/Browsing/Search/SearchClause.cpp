@@ -173,9 +173,10 @@ SearchClause likeClause(const SearchLexeme &lexeme, const SearchContext &context
     }
     const QString query = SearchQueries::resemblanceQuery(QStringLiteral("pictureHash"), conditions, context.rows);
     const bool isUnknown = context.picturesNamed && conditions.isEmpty();
+    const QString title = context.titleOfPicture ? context.titleOfPicture(like.name) : like.name;
     SearchClause clause = plainClause(
-        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is known by its looks"), {shown(lexeme.text)})
-                         : sentenceForText(SearchField::Like, lexeme.text));
+        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is known by its looks"), {shown(title)})
+                         : sentenceForText(SearchField::Like, title));
     clause.cost = 1 + int(conditions.size());
     clause.normalized = lexeme.token->name() + u' ' + zqFold(lexeme.text);
     return clause;
