@@ -3549,9 +3549,18 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <source>Looking at what changed</source>
         <translation>Änderungen werden ermittelt</translation>
     </message>
+    <message numerus="yes">
+        <source>Looking for pictures that look alike among %@ items…</source>
+        <comment>counted</comment>
+        <extracomment>for one: Looking for pictures that look alike in %@ item…</extracomment>
+        <translation>
+            <numerusform>In %@ Objekt werden ähnliche Bilder gesucht…</numerusform>
+            <numerusform>In %@ Objekten werden ähnliche Bilder gesucht…</numerusform>
+        </translation>
+    </message>
     <message>
-        <source>Looking for pictures that look alike…</source>
-        <translation>Ähnliche Bilder werden gesucht…</translation>
+        <source>Looking for pictures that look alike in the whole library…</source>
+        <translation>In der ganzen Bibliothek werden ähnliche Bilder gesucht…</translation>
     </message>
     <message>
         <source>Looks like the picture of this name</source>

@@ -3569,9 +3569,18 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <source>Looking at what changed</source>
         <translation>Examen des modifications</translation>
     </message>
+    <message numerus="yes">
+        <source>Looking for pictures that look alike among %@ items…</source>
+        <comment>counted</comment>
+        <extracomment>for one: Looking for pictures that look alike in %@ item…</extracomment>
+        <translation>
+            <numerusform>Recherche d’images semblables dans %@ élément…</numerusform>
+            <numerusform>Recherche d’images semblables parmi %@ éléments…</numerusform>
+        </translation>
+    </message>
     <message>
-        <source>Looking for pictures that look alike…</source>
-        <translation>Recherche d’images qui se ressemblent…</translation>
+        <source>Looking for pictures that look alike in the whole library…</source>
+        <translation>Recherche d’images semblables dans toute la bibliothèque…</translation>
     </message>
     <message>
         <source>Looks like the picture of this name</source>

@@ -19,6 +19,8 @@
 #include <QPushButton>
 #include <QStackedWidget>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int closeCode = 1;
@@ -57,7 +59,10 @@ NearDuplicatesSheet::NearDuplicatesSheet(QWidget *window, WindowContext &context
     m_state->setWordWrap(true);
     auto *waiting = new QWidget(this);
     auto *column = new QVBoxLayout(waiting);
-    m_progress->setText(zqLocalized("Looking for pictures that look alike…"));
+    m_progress->setText(items ? zqCounted({"Looking for pictures that look alike in %@ item…",
+                                           "Looking for pictures that look alike among %@ items…"},
+                                          items->size())
+                              : zqLocalized("Looking for pictures that look alike in the whole library…"));
     m_progress->setFraction(-1);
     column->addWidget(m_progress);
     column->addStretch(1);
@@ -282,7 +287,13 @@ void NearDuplicatesSheet::keepChosen()
         }
     }
     KeepOne(m_context).keep({choice});
-    endGroup();
+    const bool isDone = std::any_of(choice.others.begin(), choice.others.end(), [this](const ZQObjectID &other) {
+        const auto item = m_context.libraryItem(other);
+        return !item || !item->active();
+    });
+    if (isDone) { // otherwise it was told why not
+        endGroup();
+    }
 }
 
 void NearDuplicatesSheet::endGroup()
@@ -298,5 +309,11 @@ void NearDuplicatesSheet::endGroup()
     }
     showGroup(m_groupList->currentRow());
     showState();
-    m_groupList->setFocus();
+    if (m_groups.isEmpty()) {
+        m_pages->setCurrentIndex(0);
+        m_keep->hide();
+        m_leave->hide();
+    } else {
+        m_groupList->setFocus();
+    }
 }

@@ -98,7 +98,7 @@ void TabsController::findSimilar()
     if (!item || !library) {
         return;
     }
-    if (item->pictureHash().isEmpty()) { // null while nobody has looked
+    if (item->pictureHash().isEmpty()) {    // null while nobody has looked
         if (item->pictureHash().isNull()) { // among many, its turn may be hours away
             ZQLibraryEnvironment::current().thumbForLibraryItem(item.get());
         }
