@@ -17,8 +17,8 @@
 #include "Classes/Import/XDirectSave.h"
 #include "Classes/Interface/Capture/CaptureViews.h"
 #include "Classes/Interface/Sheets/CrashReportSheet.h"
-#include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Interface/TextScale.h"
+#include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"
@@ -520,6 +520,16 @@ int runWithWidgets(QApplication &application, const CommandLine &commandLine, co
                                      : runWindow(application, commandLine, arguments, context, reopens);
 }
 
+// Texts, and numbers among them, in one language. Answers the way it is written.
+Qt::LayoutDirection installLanguage()
+{
+    const ZQLanguage language = zqInstallLanguage();
+    if (language.locale) {
+        QLocale::setDefault(*language.locale);
+    }
+    return language.direction;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -545,7 +555,7 @@ int main(int argc, char *argv[])
     ZQImageSource::initialize(argv[0]);
     if (commandLine.isCommand() && !commandLine.isSnapshot() && !takesScreenItself(commandLine)) {
         QCoreApplication application(argc, argv);
-        zqInstallLanguage();
+        installLanguage();
         status = runCommand(commandLine, arguments, context);
         zqStopMainThreadCalls();
         return print(context, status);
@@ -562,7 +572,7 @@ int main(int argc, char *argv[])
     }
     QApplication application(argc, argv);
     scale.reset();
-    QApplication::setLayoutDirection(zqInstallLanguage().direction);
+    QApplication::setLayoutDirection(installLanguage());
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
     bool reopens = false;

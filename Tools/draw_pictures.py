@@ -4,14 +4,16 @@
 The library is made of the samples that zelto_samples draws and, where they are installed, of the wallpapers of
 plasma-workspace-wallpapers. ImageMagick makes the pictures small."""
 import json
-import os
 import shutil
 import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
+sys.dont_write_bytecode = True
+sys.path.append(str(ROOT / "Tests/Support"))
+from world import World  # noqa: E402
+
 BIN = Path(sys.argv[1]).resolve()
 WALLPAPERS = Path("/usr/share/wallpapers")
 MOST_BYTES = 400_000
@@ -28,24 +30,15 @@ PICTURES = [
 ]
 
 
-class World:
-    def __init__(self, folder):
-        self.folder = folder
-        self.environment = {**os.environ, "HOME": str(folder), "XDG_DATA_HOME": str(folder / "data"),
-                            "XDG_CONFIG_HOME": str(folder / "config"), "XDG_RUNTIME_DIR": str(folder / "run"),
-                            "TMPDIR": str(folder / "tmp"), "QT_QPA_PLATFORM": "offscreen"}
-        for name in ("run", "tmp"):
-            (folder / name).mkdir(mode=0o700)
+def zelto(world, *arguments):
+    done = world.run("zelto", *arguments, seconds=300)
+    if done.returncode not in (0, 1):
+        sys.exit(f"zelto {' '.join(arguments)}: {done.stderr}")
+    return done.stdout
 
-    def zelto(self, *arguments):
-        done = subprocess.run([BIN / "zelto", *arguments], env=self.environment, cwd=self.folder, text=True,
-                              capture_output=True, timeout=300)
-        if done.returncode not in (0, 1):
-            sys.exit(f"zelto {' '.join(arguments)}: {done.stderr}")
-        return done.stdout
 
-    def items(self, place):
-        return json.loads(self.zelto("items", "--in", place, "--json"))
+def items(world, place):
+    return json.loads(zelto(world, "items", "--in", place, "--json"))
 
 
 def one_of_each(wallpapers, folder):
@@ -59,26 +52,26 @@ def one_of_each(wallpapers, folder):
 
 
 def fill(world):
-    subprocess.run([BIN / "zelto_samples", world.folder / "samples"], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run([BIN / "zelto_samples", world.home / "samples"], check=True, stdout=subprocess.DEVNULL)
     for name in ("Photos", "Brand 2026"):
-        world.zelto("import", f"samples/{name}", "--into", "PROJECTS")
-    pictures = world.folder / "Wallpapers"
-    one_of_each(WALLPAPERS, pictures) if WALLPAPERS.is_dir() else shutil.copytree(world.folder / "samples/Photos", pictures)
-    world.zelto("livefolders", "add", str(pictures))
-    photos = world.items("PROJECTS/Photos")
+        zelto(world, "import", f"samples/{name}", "--into", "PROJECTS")
+    pictures = world.home / "Wallpapers"
+    one_of_each(WALLPAPERS, pictures) if WALLPAPERS.is_dir() else shutil.copytree(world.home / "samples/Photos", pictures)
+    zelto(world, "livefolders", "add", str(pictures))
+    photos = items(world, "PROJECTS/Photos")
     for number, item in enumerate(photos):
         tags = ["inspiration" if number % 2 else "landscape"] + (["harbour"] if number % 3 == 0 else [])
-        world.zelto("tag", item["bundleID"], *(word for tag in tags for word in ("--add", tag)))
+        zelto(world, "tag", item["bundleID"], *(word for tag in tags for word in ("--add", tag)))
         if number % 3:
-            world.zelto("rate", item["bundleID"], str(3 + number % 3))
-    world.zelto("smart", "Best pictures", "#rating=>3")
+            zelto(world, "rate", item["bundleID"], str(3 + number % 3))
+    zelto(world, "smart", "Best pictures", "#rating=>3")
 
 
 def draw(world):
     for name, place, theme, size in PICTURES:
-        target, drawn = ROOT / name, world.folder / "drawn.png"
+        target, drawn = ROOT / name, world.home / "drawn.png"
         target.parent.mkdir(parents=True, exist_ok=True)
-        world.zelto("snapshot", str(drawn), "--size", size, "--select", place, "--theme", theme)
+        zelto(world, "snapshot", str(drawn), "--size", size, "--select", place, "--theme", theme)
         subprocess.run(["convert", drawn, "-dither", "FloydSteinberg", "-colors", "256", "-strip", f"PNG8:{target}"], check=True)
         if target.stat().st_size > MOST_BYTES:
             sys.exit(f"{name} has {target.stat().st_size} bytes, which is more than {MOST_BYTES}")
@@ -86,7 +79,6 @@ def draw(world):
 
 
 if __name__ == "__main__":
-    with tempfile.TemporaryDirectory() as scratch:
-        scratch = World(Path(scratch))
-        fill(scratch)
-        draw(scratch)
+    with World(BIN / "zelto") as world:
+        fill(world)
+        draw(world)

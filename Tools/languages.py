@@ -41,7 +41,7 @@ def without_comments(text):
 
 
 def unescaped(literal):
-    return re.sub(r"\\(.)", lambda m: ESCAPES[m[1]], literal)
+    return re.sub(r"\\(.)", lambda m: ESCAPES.get(m[1], m[1]), literal)
 
 
 def arguments(text, start):
@@ -91,7 +91,12 @@ def keys():
                 continue
             for key in literals(given[0]) if given else []:
                 found.setdefault((key, ""), [set(), None])[0].add(name)
-    return {key: value for key, value in found.items() if re.search(r"\w", key[0])}
+    return {key: value for key, value in found.items() if key[0].strip()}
+
+
+def has_words(key):
+    """What has none, such as “%@: %@”, stands in the catalogues of those languages only that write its signs in another way."""
+    return re.search(r"\w", key[0])
 
 
 def forms_of(language):
@@ -113,7 +118,7 @@ def read(language):
 
 def write(language, translations, wanted):
     lines = ['<?xml version="1.0" encoding="utf-8"?>', "<!DOCTYPE TS>", f'<TS version="2.1" language="{language}">', "<context>", "    <name>Zelto</name>"]
-    for key in sorted(wanted):
+    for key in sorted(key for key in wanted if has_words(key) or key in translations):
         forms = translations.get(key, [""] * (forms_of(language) if key[1] else 1))
         state = "" if all(forms) else ' type="unfinished"'
         lines.append('    <message numerus="yes">' if key[1] else "    <message>")
@@ -189,16 +194,47 @@ def glued():
     return out
 
 
+def with_bare_colons():
+    """Some languages have a blank before a colon."""
+    out = []
+    for name in sources():
+        text = without_comments((ROOT / name).read_text()) if name.startswith("Classes/") else ""
+        for match in re.finditer(r'QStringLiteral\("(?:%@)?: (?:%@[^"]*)?"\)', text):
+            line = text.count("\n", 0, match.start()) + 1
+            out.append(f"{name}:{line}: a colon stands between texts; take zqLocalized(\"%@: %@\")")
+    return out
+
+
+# Titles and sentences in a source that looks up what stands elsewhere: from a table of it they reach the person, and only zqKey
+# makes them known here. What is said to machines and logs is written as what it is.
+JOINED = re.compile(r'"(?:[^"\\\n]|\\.)*"(?:\s*"(?:[^"\\\n]|\\.)*")*')
+NO_TEXT = re.compile(r"(?:QStringLiteral|QLatin1String(?:View)?|QByteArrayLiteral|\bqC[A-Z]\w+|\bstatic_assert)\s*\([^;]*$")
+
+
+def unmarked(wanted):
+    known = {key[0] for key in wanted} | {one for _, one in wanted.values() if one}
+    out = []
+    for name in sources():
+        text = without_comments((ROOT / name).read_text())
+        if not re.search(r'\bzqLocalized\(\s*[^\s"]', text):
+            continue
+        for match in JOINED.finditer(text):
+            shown = "".join(literals(match[0]))
+            if re.match(r"[A-Z“][^\n]* ", shown) and shown not in known and not NO_TEXT.search(text[max(0, match.start() - 300):match.start()]):
+                out.append(f"{name}:{text.count(chr(10), 0, match.start()) + 1}: “{shown}” is not marked; write zqKey(\"…\")")
+    return out
+
+
 def languages():
     return sorted(path.stem.split("_", 1)[1] for path in FOLDER.glob("zelto_*.ts"))
 
 
 def check():
     wanted = keys()
-    problems = glued()
+    problems = glued() + with_bare_colons() + unmarked(wanted)
     for language in languages():
         have = read(language)
-        problems += [f"{language}: “{key[0]}” is not in the catalogue" for key in sorted(wanted.keys() - have.keys())]
+        problems += [f"{language}: “{key[0]}” is not in the catalogue" for key in sorted(filter(has_words, wanted.keys() - have.keys()))]
         problems += [f"{language}: “{key[0]}” is in no source any more" for key in sorted(have.keys() - wanted.keys())]
         for key in sorted(wanted.keys() & have.keys()):
             if key[1] and len(have[key]) != forms_of(language):
@@ -222,7 +258,7 @@ def todo(language):
     have = read(language)
     out = {}
     for key, (_, one) in sorted(keys().items()):
-        if not all(have.get(key, [""])):
+        if has_words(key) and not all(have.get(key, [""])):
             out[key[0] + ("\x01" if key[1] else "")] = [one, key[0]] if key[1] else ""
     print(json.dumps(out, ensure_ascii=False, indent=0))
 

@@ -199,7 +199,7 @@ void BackupFiles::noteUnread(const QString &path, int code, Result &result) cons
         return;
     }
     const ZQError reading = ZQError::posix(code, m_places.library + u'/' + path);
-    result.problems.append(zqFormat(QStringLiteral("%@: %@"), {path, zqAdviceForFileError(reading)}));
+    result.problems.append(zqFormat(zqLocalized("%@: %@"), {path, zqAdviceForFileError(reading)}));
 }
 
 bool BackupFiles::copyLink(const QString &path, Result &result) const
@@ -264,7 +264,7 @@ void BackupFiles::copyNew(const QString &path, Result &result)
     } else if (!look(source, &status) && errno == ENOENT) {
         noteUnread(path, ENOENT, result);
     } else if (ZQError reading; zqSHA1OfFile(source, &reading).isEmpty()) {
-        result.problems.append(zqFormat(QStringLiteral("%@: %@"), {path, zqAdviceForFileError(reading)}));
+        result.problems.append(zqFormat(zqLocalized("%@: %@"), {path, zqAdviceForFileError(reading)}));
     } else { // it is the other side
         result.error = ZQError::with(
             error.domain, error.code,

@@ -7,7 +7,6 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -19,7 +18,8 @@ constexpr std::chrono::minutes between(1);
 constexpr qint64 untilTriedAgain = 3600; // seconds
 } // namespace
 
-BackupSchedule::BackupSchedule(tamberin_AppDelegate &delegate) : m_delegate(delegate), m_work(delegate)
+BackupSchedule::BackupSchedule(tamberin_AppDelegate &delegate, BackupLook::Read read)
+    : m_delegate(delegate), m_work(delegate), m_look(std::move(read))
 {
     connect(&m_timer, &QTimer::timeout, this, &BackupSchedule::look);
     connect(&m_work, &BackupWork::ended, this, &BackupSchedule::didEnd);
@@ -37,25 +37,21 @@ int BackupSchedule::keptCount()
     return int(std::clamp<qint64>(keep, 0, mostKept));
 }
 
-std::optional<BackupRecord> BackupSchedule::last() const
+void BackupSchedule::findLast(BackupLook::Then then)
 {
-    const auto store = m_delegate.persistentStoreCoordinator();
-    if (!store) {
-        return std::nullopt;
+    if (const auto store = m_delegate.persistentStoreCoordinator()) {
+        m_look.find({.directory = directory(),
+                     .bundle = m_delegate.libraryBundleDirectory(),
+                     .store = store->storeUUID(),
+                     .madeIn = ZQUserDefaults::standardUserDefaults().stringForKey(madeInKey)},
+                    std::move(then));
     }
-    const QString bundle = m_delegate.libraryBundleDirectory();
-    auto backups = BackupFolder::backupsIn(directory(), LibraryBackup::libraryName(bundle), store->storeUUID());
-    backups.removeIf([place = BackupRecord::placeOf(bundle)](const auto &backup) {
-        return !backup.record.isOf(place); // another computer may keep its copy's there
-    });
-    return backups.isEmpty() ? std::nullopt : std::optional(backups.last().record);
 }
 
 ZQError BackupSchedule::backUpNow()
 {
-    const ZQError refusal = LibraryBackup::refusal(m_delegate.libraryBundleDirectory(), directory());
-    if (!refusal.isNull()) {
-        return refusal;
+    if (directory().isEmpty()) {
+        return LibraryBackup::refusal(m_delegate.libraryBundleDirectory(), {});
     }
     if (m_work.isRunning()) {
         return ZQError::with(LibraryBackup::errorDomain, EBUSY,
@@ -66,17 +62,6 @@ ZQError BackupSchedule::backUpNow()
     return hasBegun ? ZQError()
                     : ZQError::with(LibraryBackup::errorDomain, LibraryBackup::LibraryGone,
                                     zqLocalized("The library is not open."));
-}
-
-ZQError BackupSchedule::refusalByItself(const QString &directory, const QString &library)
-{
-    const QString folder = QDir(directory).absoluteFilePath(library);
-    const bool isAbsent =
-        ZQUserDefaults::standardUserDefaults().stringForKey(madeInKey) == folder && !QFileInfo(folder).isDir();
-    return isAbsent ? ZQError::with(LibraryBackup::errorDomain, LibraryBackup::NoFolder,
-                                    zqFormat(zqLocalized("There is no folder “%@” for backups."), {folder}),
-                                    zqLocalized("Connect its disk, or choose another folder."))
-                    : ZQError();
 }
 
 bool BackupSchedule::isDue(const QDateTime &ended, const QDateTime &now, qint64 intervalInDays)
@@ -90,33 +75,56 @@ bool BackupSchedule::isIdle() const
     return m_delegate.backgroundOperationQueue().operationCount() == 0 && m_delegate.editQueue().operationCount() == 0;
 }
 
-void BackupSchedule::look()
+bool BackupSchedule::mayBeginByItself() const
 {
     const qint64 days = ZQUserDefaults::standardUserDefaults().integerForKey(intervalKey);
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const bool isWaiting = m_notBefore.isValid() && now < m_notBefore && m_notBefore <= now.addSecs(untilTriedAgain);
-    if (days <= 0 || directory().isEmpty() || isWaiting || m_work.isRunning() || m_delegate.isTerminating() ||
-        !m_delegate.persistentStoreCoordinator() || !isIdle()) {
+    return isDue(m_lastEnded, now, days) && !directory().isEmpty() && !isWaiting && !m_work.isRunning() &&
+           !m_delegate.isTerminating() && m_delegate.persistentStoreCoordinator() && isIdle();
+}
+
+void BackupSchedule::look()
+{
+    if (m_lookingAt == directory() || !mayBeginByItself()) {
         return;
     }
-    if (!isDue(m_lastEnded, now, days)) {
+    m_lookingAt = directory();
+    findLast([this, chosen = m_lookingAt, before = m_lastEnded](const BackupLook::Found &found) {
+        if (m_lookingAt == chosen) {
+            m_lookingAt.clear();
+        }
+        const bool isOutdated = m_work.isRunning() || m_lastEnded != before; // the person made one meanwhile
+        if (chosen == directory() && !isOutdated) {
+            beginByItself(found);
+        }
+    });
+}
+
+void BackupSchedule::beginByItself(const BackupLook::Found &found)
+{
+    m_lastEnded = found.last ? found.last->ended : QDateTime();
+    if (!mayBeginByItself()) {
         return;
     }
-    const auto before = last();
-    m_lastEnded = before ? before->ended : QDateTime();
-    if (!isDue(m_lastEnded, now, days)) {
-        return;
-    }
+    const ZQError absence =
+        found.isAbsent ? ZQError::with(LibraryBackup::errorDomain, LibraryBackup::NoFolder,
+                                       zqFormat(zqLocalized("There is no folder “%@” for backups."), {found.folder}),
+                                       zqLocalized("Connect its disk, or choose another folder."))
+                       : ZQError();
     m_isByItself = true;
-    const QString library = LibraryBackup::libraryName(m_delegate.libraryBundleDirectory());
-    const ZQError absence = refusalByItself(directory(), library);
     if (const ZQError refusal = absence.isNull() ? backUpNow() : absence; !refusal.isNull()) {
         m_isByItself = false;
-        m_notBefore = now.addSecs(untilTriedAgain);
-        m_delegate.userInteraction().showNotificationWithText(
-            zqFormat(zqLocalized("No backup was made. %@"), {refusal.localizedDescription()}),
-            NotificationPlace::Window, 2 * usualNotificationTime);
+        m_notBefore = QDateTime::currentDateTimeUtc().addSecs(untilTriedAgain);
+        tellFailure(refusal);
     }
+}
+
+void BackupSchedule::tellFailure(const ZQError &error)
+{
+    m_delegate.userInteraction().showNotificationWithText(
+        zqFormat(zqLocalized("No backup was made. %@"), {error.localizedDescription()}), NotificationPlace::Window,
+        2 * usualNotificationTime);
 }
 
 void BackupSchedule::didEnd()
@@ -130,12 +138,11 @@ void BackupSchedule::didEnd()
     // One that the person stopped is not begun again at once.
     m_notBefore = result.path.isEmpty() ? now.addSecs(untilTriedAgain) : QDateTime();
     const bool isTold = std::exchange(m_isByItself, false) && !result.isCancelled;
-    if (isTold && (result.path.isEmpty() || !result.problems.isEmpty())) {
-        const QString text =
-            result.path.isEmpty()
-                ? zqFormat(zqLocalized("No backup was made. %@"), {result.error.localizedDescription()})
-                : zqFormat(zqLocalized("The backup lacks something: %@"), {result.problems.first()});
-        m_delegate.userInteraction().showNotificationWithText(text, NotificationPlace::Window,
-                                                              2 * usualNotificationTime);
+    if (isTold && result.path.isEmpty()) {
+        tellFailure(result.error);
+    } else if (isTold && !result.problems.isEmpty()) {
+        m_delegate.userInteraction().showNotificationWithText(
+            zqFormat(zqLocalized("The backup lacks something: %@"), {result.problems.first()}),
+            NotificationPlace::Window, 2 * usualNotificationTime);
     }
 }

@@ -62,10 +62,9 @@ FingerprintFiller::Result FingerprintFiller::run(const Uses &uses)
 {
     Result result;
     ZQManagedObjectContext context(m_coordinator);
-    ZQError error;
-    auto items = context.fetchObjectIDs(request(), &error);
+    auto items = context.fetchObjectIDs(request(), &result.error);
     if (!items) {
-        zqLogFetchError(error);
+        zqLogFetchError(result.error);
         return result;
     }
     items->removeIf([this](const ZQObjectID &id) { return m_left.contains(id); });
@@ -81,12 +80,15 @@ FingerprintFiller::Result FingerprintFiller::run(const Uses &uses)
     for (qsizetype first = 0; first < items->size(); first += itemsPerSave) {
         std::vector<Picture> pictures = picturesOf(items->mid(first, itemsPerSave), context);
         qsizetype seen = 0;
-        const bool goesOn = look(pictures, [&] {
-            if (seen++ % picturesPerProgress == 0) {
-                progress(first + seen - 1);
-            }
-            return uses.goesOn();
-        });
+        const bool goesOn = look(
+            pictures,
+            [&] {
+                if (seen++ % picturesPerProgress == 0) {
+                    progress(first + seen - 1);
+                }
+                return uses.goesOn();
+            },
+            &result.error);
         if (!store(pictures, context, result) || !goesOn) {
             return result;
         }
@@ -127,7 +129,8 @@ std::vector<FingerprintFiller::Picture> FingerprintFiller::picturesOf(const QLis
     return pictures;
 }
 
-bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn) const
+bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn,
+                             ZQError *endedBy) const
 {
     for (auto picture = pictures.begin(); picture != pictures.end(); ++picture) {
         if (!goesOn()) {
@@ -145,6 +148,7 @@ bool FingerprintFiller::look(std::vector<Picture> &pictures, const std::function
         }
         qCInfo(zqLogStore, "no fingerprint yet: %s", qUtf8Printable(error.localizedDescription()));
         if (!isAboutOneFile(error)) {
+            *endedBy = error;
             pictures.erase(picture, pictures.end());
             return false;
         }
@@ -179,5 +183,6 @@ bool FingerprintFiller::store(const std::vector<Picture> &pictures, ZQManagedObj
         }
     }
     qCInfo(zqLogStore, "fingerprints not saved: %s", qUtf8Printable(error.localizedDescription()));
+    result.error = error;
     return false;
 }

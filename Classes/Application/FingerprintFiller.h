@@ -32,6 +32,7 @@ public:
         qint64 nothing = 0;      // were looked at: they show nothing, or cannot be read
         qint64 left = 0;         // are not there now
         bool isComplete = false; // nothing ended it before
+        ZQError error;           // what did, but for `goesOn`
     };
 
     explicit FingerprintFiller(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator)
@@ -54,7 +55,7 @@ private:
     };
     std::vector<Picture> picturesOf(const QList<ZQObjectID> &items, ZQManagedObjectContext &context) const;
     // False when the run is to end before the last of them, which are left out then.
-    bool look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn) const;
+    bool look(std::vector<Picture> &pictures, const std::function<bool()> &goesOn, ZQError *error) const;
     bool store(const std::vector<Picture> &pictures, ZQManagedObjectContext &context, Result &result) const;
 
     const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;

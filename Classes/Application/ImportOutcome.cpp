@@ -14,12 +14,6 @@ QString ImportOutcome::text() const
     return (saysNothingCame ? texts + QStringList(textForNothing()) : texts).join(u'\n');
 }
 
-QString ImportOutcome::textForAlike() const
-{
-    return alike > 0 ? zqCounted({"1 looks like a picture you have", "%d look like pictures you have"}, alike)
-                     : QString();
-}
-
 void ImportOutcome::summarize()
 {
     const bool saysWhy = notImported == 1 && refused.size() == 1 && !text().isEmpty() && !isCancelled;
@@ -44,7 +38,6 @@ void ImportOutcome::add(const ImportOutcome &part)
     imported += part.imported;
     refused += part.refused;
     notImported += part.notImported;
-    alike += part.alike;
     isCancelled = isCancelled || part.isCancelled;
     hasMore = part.hasMore;
     summarize();

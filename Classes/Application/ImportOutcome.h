@@ -27,14 +27,12 @@ struct ImportOutcome
     QList<ZQObjectID> imported;
     QList<RefusedFile> refused;   // those whose reasons are for a person
     qsizetype notImported = 0;    // of them; the others came in part
-    qsizetype alike = 0;          // of the imported ones: look like pictures that were there before
     QUuid import = {};            // the same for all parts of one
     bool hasMore = false;         // parts of it are still to come
     bool isCancelled = false;     // or one of its parts is
     bool saysNothingCame = false; // besides the texts
 
-    QString text() const;         // all of it
-    QString textForAlike() const; // empty: there are none
+    QString text() const; // all of it
     static QString textForNothing();
 
     // Adds a later part of the same import.

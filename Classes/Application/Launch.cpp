@@ -13,8 +13,8 @@
 #include "Classes/Application/RatingFiller.h"
 #include "Classes/Application/RunningParts.h"
 #include "Classes/Application/StoreWork.h"
+#include "Classes/Application/UpdateChannel.h"
 #include "Kit/Files/ZQPersistentURL.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
@@ -124,8 +124,5 @@ bool Launch::openLibraryForCommand(ZQError *error)
 
 QString Launch::appCastURL(bool testKeysHeld)
 {
-    if (ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("PartecipateToBeta"))) {
-        return QStringLiteral("updates/beta/feed.json");
-    }
-    return testKeysHeld ? QStringLiteral("updates/test/feed.json") : QStringLiteral("updates/release/feed.json");
+    return UpdateChannel::feedOf(UpdateChannel::chosen(testKeysHeld));
 }

@@ -44,7 +44,7 @@ void checkItem(ZQLibraryBaseItem &item, bool deep, LibraryFindings &findings)
     ZQError error;
     const QByteArray digest = zqSHA1OfFile(digested, &error);
     if (digest.isEmpty()) {
-        problems.append(name + QStringLiteral(": ") + error.localizedDescription());
+        problems.append(zqFormat(zqLocalized("%@: %@"), {name, error.localizedDescription()}));
     } else if (QString::fromLatin1(digest) != item.SHA1()) {
         problems.append(zqFormat(zqLocalized("%@: the file's content has changed since it was imported"), {name}));
     }

@@ -4,6 +4,68 @@
 #include "Classes/Tags/DesktopMirror.h"
 #include "Kit/Files/ZQUserDefaults.h"
 
+#include <algorithm>
+#include <iterator>
+
+namespace {
+// Those that mean something only once they are set; the parts that have them are below and above this one.
+constexpr const char *withoutDefault[] = {"AlwaysMakeThumbsWhileImporting",
+                                          "BackupDirectory",
+                                          "BackupMadeIn",
+                                          "BrowserListColumns",
+                                          "ChecksForUpdates",
+                                          "CloudAppAPIHost",
+                                          "CloudAppWebHost",
+                                          "CloudService",
+                                          "CountsUsage",
+                                          "CrashReportAddress",
+                                          "CustomUploadServices",
+                                          "DropboxAPIHost",
+                                          "DropboxAppKey",
+                                          "DropboxAuthorizeURL",
+                                          "DropboxContentHost",
+                                          "DropboxLoopbackPort",
+                                          "ExportFolder",
+                                          "ExportItems",
+                                          "ExportPanelShown",
+                                          "ImgurAPIHost",
+                                          "ImgurClientID",
+                                          "InfoPanelHidden",
+                                          "LaunchAtLoginGranted",
+                                          "MainWindowGeometry",
+                                          "MainWindowPanes",
+                                          "PartecipateToBeta",
+                                          "PreferencesGeometry",
+                                          "PreferencesPane",
+                                          "ProtocolKnownPages",
+                                          "RefineBarShown",
+                                          "SecretAccounts",
+                                          "SidebarHidden",
+                                          "UpdateFeedAddress",
+                                          "UpdateKey",
+                                          "UpdateLastCheck",
+                                          "UpdateNewestSeen",
+                                          "UpdateSkippedVersion",
+                                          "WebCaptureBrowser",
+                                          "WebCaptureDouble",
+                                          "WebCaptureGeometry",
+                                          "WebCaptureLayered",
+                                          "WebCaptureVisible",
+                                          "WebCaptureWidth",
+                                          "WebDAVAddress",
+                                          "WebDAVFolder",
+                                          "WebDAVPublicAddress",
+                                          "WebDAVUser",
+                                          "ZeltoCloudLatestUploads"};
+} // namespace
+
+bool PreferencesController::isKnown(const QString &key)
+{
+    return defaultPreferences().contains(key) ||
+           std::any_of(std::begin(withoutDefault), std::end(withoutDefault),
+                       [&key](const char *each) { return key == QLatin1StringView(each); });
+}
+
 QVariantMap PreferencesController::defaultPreferences()
 {
     QVariantMap preferences{

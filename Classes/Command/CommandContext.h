@@ -40,7 +40,7 @@ struct CommandContext
     QString workingDirectory;
     bool json = false;
     QByteArray output; // data only
-    QByteArray errors; // one line an error, each says what to do
+    QByteArray errors; // one line an error, each says what to do; and notes
     // In the process of a window: whether who asked has gone, as by Ctrl+C. Null where nobody can.
     std::function<bool()> isAbandoned;
 
@@ -63,6 +63,8 @@ struct CommandContext
 
     void print(const QString &line) { output += line.toUtf8() + '\n'; }
     void printJSON(const QJsonValue &value);
+    // Worth knowing, and nothing that went wrong.
+    void note(const QString &text) { errors += "zelto: " + text.toUtf8() + '\n'; }
     // Exit status 2: nothing was changed, or of many items only some.
     int fail(const QString &message);
 };

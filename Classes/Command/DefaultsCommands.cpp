@@ -1,6 +1,5 @@
 #include "Classes/Command/Commands.h"
 
-#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -46,8 +45,7 @@ QVariant parsed(const QString &value)
 
 bool isKnown(const QString &key)
 {
-    return PreferencesController::defaultPreferences().contains(key) || HotKeyCommand::find(key) ||
-           ZQUserDefaults::standardUserDefaults().objectForKey(key).isValid();
+    return PreferencesController::isKnown(key) || ZQUserDefaults::standardUserDefaults().objectForKey(key).isValid();
 }
 
 int stored(const QVariant &value, const QString &key, CommandContext &context)
@@ -100,13 +98,9 @@ int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext 
                                      {value, zqShortened(key), zqShortened(plainText(before))}));
     }
     if (!isKnown(key)) {
-        context.errors +=
-            "zelto: " +
-            zqFormat(zqLocalized("“%@” is not among the preferences that `zelto defaults read` lists; it is "
-                                 "kept, see whether it is written right"),
-                     {zqShortened(key)})
-                .toUtf8() +
-            '\n';
+        context.note(zqFormat(zqLocalized("“%@” is not among the preferences that `zelto defaults read` lists; it is "
+                                          "kept, see whether it is written right"),
+                              {zqShortened(key)}));
     }
     return stored(wanted, key, context);
 }

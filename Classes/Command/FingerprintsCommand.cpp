@@ -48,6 +48,9 @@ std::function<void(qint64, qint64)> progressFor(const CommandContext &context)
 int answer(const FingerprintFiller::Result &result, CommandContext &context)
 {
     if (!result.isComplete) {
+        if (!result.error.isNull()) {
+            context.fail(result.error.localizedDescription());
+        }
         return context.fail(zqLocalized("not all pictures could be looked at; what was found is kept: ask again for "
                                         "the rest"));
     }

@@ -283,7 +283,7 @@ void zqTellOfCutOffImports(CommandContext &context)
             zqFormat(zqLocalized("%@; zelto import --resume goes on with the missing files, zelto import --forget "
                                  "gives them up"),
                      {which.isEmpty() ? what : zqFormat(zqLocalized("%@: %@"), {what, which})});
-        context.errors += "zelto: " + text.toUtf8() + '\n';
+        context.note(text);
     }
 }
 

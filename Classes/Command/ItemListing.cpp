@@ -39,21 +39,13 @@ QJsonObject itemObject(ZQLibraryBaseItem &item)
     return object;
 }
 
-// The elements alone, as they stand in the text of a whole array.
-QByteArray asElements(const QJsonArray &array)
-{
-    const QByteArray text = QJsonDocument(array).toJson();
-    return text.sliced(2, text.size() - 5); // without "[\n" and "\n]\n"
-}
-
 using Distances = QHash<ZQObjectID, int>;
 
 QByteArray textOf(const QList<ZQRef<ZQLibraryBaseItem>> &items, const Distances &distances)
 {
     QByteArray text;
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        const QString extension = item->extension().isEmpty() ? QString() : u'.' + item->extension();
-        text += (item->bundleID() + u'\t' + item->title() + extension).toUtf8();
+        text += (item->bundleID() + u'\t' + zqListedName(*item)).toUtf8();
         if (const auto distance = distances.constFind(item->objectID()); distance != distances.cend()) {
             text += '\t' + QByteArray::number(*distance);
         }
@@ -75,10 +67,21 @@ QByteArray jsonOf(const QList<ZQRef<ZQLibraryBaseItem>> &items, const Distances 
         }
         array.append(object);
     }
-    return asElements(array);
+    return zqJSONElements(array);
 }
 
 } // namespace
+
+QString zqListedName(const ZQLibraryBaseItem &item)
+{
+    return item.extension().isEmpty() ? item.title() : item.title() + u'.' + item.extension();
+}
+
+QByteArray zqJSONElements(const QJsonArray &array)
+{
+    const QByteArray text = array.isEmpty() ? QByteArray() : QJsonDocument(array).toJson();
+    return text.isEmpty() ? text : text.sliced(2, text.size() - 5); // without "[\n" and "\n]\n"
+}
 
 bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context)
 {
@@ -88,6 +91,15 @@ bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context)
 bool zqPrintItems(const QList<ZQObjectID> &items, const QHash<ZQObjectID, int> &distances, CommandContext &context)
 {
     constexpr qsizetype atATime = 200; // takes a few milliseconds
+    return zqPrintInParts(items.size(), atATime, context, [&](qsizetype start) {
+        const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, atATime), context.store());
+        return batch.isEmpty() ? QByteArray() : context.json ? jsonOf(batch, distances) : textOf(batch, distances);
+    });
+}
+
+bool zqPrintInParts(qsizetype count, qsizetype atATime, CommandContext &context,
+                    const std::function<QByteArray(qsizetype first)> &partAt)
+{
     const bool isServed = bool(context.isAbandoned);
     const std::weak_ptr<ZQPersistentStoreCoordinator> library = context.store().persistentStoreCoordinator();
     const auto isOpen = [&] { // the person may open another one, or quit, while the loop runs
@@ -95,16 +107,13 @@ bool zqPrintItems(const QList<ZQObjectID> &items, const QHash<ZQObjectID, int> &
         return store && store->persistentStoreCoordinator() == library.lock();
     };
     bool hasElements = false;
-    for (qsizetype start = 0; start < items.size(); start += atATime) {
+    for (qsizetype start = 0; start < count; start += atATime) {
         if (!isOpen() || !context.isWanted()) {
             context.output.clear();
             context.fail(zqLocalized("the list was given up"));
             return false;
         }
-        const QByteArray text = [&] { // no object is held while the loop runs
-            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, atATime), context.store());
-            return batch.isEmpty() ? QByteArray() : context.json ? jsonOf(batch, distances) : textOf(batch, distances);
-        }();
+        const QByteArray text = partAt(start);
         if (context.json && !text.isEmpty()) {
             context.output += std::exchange(hasElements, true) ? ",\n" : "[\n";
         }

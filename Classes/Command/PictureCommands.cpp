@@ -1,5 +1,6 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/NearDuplicates.h"
+#include "Classes/Browsing/Content/SimilarItems.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Command/Commands.h"
 #include "Classes/Command/ItemListing.h"
@@ -14,7 +15,6 @@
 
 namespace {
 
-using Similar = std::vector<std::pair<ZQObjectID, int>>;
 using Groups = QList<NearDuplicateGroup>;
 
 template <class Found>
@@ -35,20 +35,7 @@ int failed(const ZQError &error, CommandContext &context)
     return context.fail(error.isNull() ? zqLocalized("the search was given up") : error.localizedDescription());
 }
 
-std::optional<Similar> similarTo(const ZQPictureHash &hash, size_t limit, ZQManagedObjectContext &store,
-                                 LibraryIndex *index, ZQError *error)
-{
-    if (index && index->waitUntilCurrent()) {
-        if (const auto reading = index->read()) {
-            return reading->similar(hash, limit, ZQPictureHash::similarDistance);
-        }
-    }
-    const auto pictures = PictureSet::ofStore(store, error);
-    return pictures ? std::optional(pictures->nearest(hash.words, limit, ZQPictureHash::similarDistance))
-                    : std::nullopt;
-}
-
-int printSimilar(Similar found, const ZQObjectID &item, size_t limit, CommandContext &context)
+int printSimilar(SimilarItems found, const ZQObjectID &item, size_t limit, CommandContext &context)
 {
     std::erase_if(found, [&item](const auto &each) { return each.first == item; });
     QList<ZQObjectID> items;
@@ -60,11 +47,6 @@ int printSimilar(Similar found, const ZQObjectID &item, size_t limit, CommandCon
     return zqPrintItems(items, distances, context) ? 0 : 2;
 }
 
-QString nameOf(const ZQLibraryBaseItem &item)
-{
-    return item.extension().isEmpty() ? item.title() : item.title() + u'.' + item.extension();
-}
-
 QJsonObject objectOf(const ZQLibraryBaseItem &item)
 {
     return {{QStringLiteral("bundleID"), item.bundleID()},       {QStringLiteral("title"), item.title()},
@@ -72,42 +54,55 @@ QJsonObject objectOf(const ZQLibraryBaseItem &item)
             {QStringLiteral("pixelHeight"), item.pixelHeight()}, {QStringLiteral("rating"), item.rating()}};
 }
 
+using Items = QList<ZQRef<ZQLibraryBaseItem>>;
+
+QJsonObject objectOf(const NearDuplicateGroup &group, const Items &items)
+{
+    QJsonArray members;
+    for (const auto &item : items) {
+        members.append(objectOf(*item));
+    }
+    return {{QStringLiteral("items"), members},
+            {QStringLiteral("best"), items[group.best]->bundleID()},
+            {QStringLiteral("reason"), group.reason}};
+}
+
+QByteArray linesOf(const NearDuplicateGroup &group, const Items &items)
+{
+    QByteArray lines;
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const QString line = items[i]->bundleID() + u'\t' + zqListedName(*items[i]);
+        lines += (i == group.best ? line + u'\t' + group.reason : line).toUtf8() + '\n';
+    }
+    return lines;
+}
+
 int printGroups(const Groups &groups, CommandContext &context)
 {
-    QJsonArray array;
+    constexpr qsizetype atATime = 40; // takes a few milliseconds
     bool isFirst = true;
-    for (const NearDuplicateGroup &group : groups) {
-        if (!context.isWanted()) {
-            context.output.clear();
-            return context.fail(zqLocalized("the list was given up"));
+    const auto partAt = [&](qsizetype first) {
+        QList<ZQObjectID> ids;
+        for (const NearDuplicateGroup &group : groups.mid(first, atATime)) {
+            ids += group.items;
         }
-        const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items, context.store());
-        const bool isWhole = items.size() == group.items.size(); // nothing was removed meanwhile
-        if (!isWhole) {
-            continue;
-        }
-        if (context.json) {
-            QJsonArray members;
-            for (const auto &item : items) {
-                members.append(objectOf(*item));
+        const Items read = ZQLibraryBaseItem::itemsWithIDs(ids, context.store()); // in one go, and held meanwhile
+        QJsonArray array;
+        QByteArray text;
+        for (const NearDuplicateGroup &group : groups.mid(first, atATime)) {
+            const Items items = ZQLibraryBaseItem::itemsWithIDs(group.items, context.store());
+            if (items.size() != group.items.size()) {
+                continue; // one of them was removed meanwhile
             }
-            array.append(QJsonObject{{QStringLiteral("items"), members},
-                                     {QStringLiteral("best"), items[group.best]->bundleID()},
-                                     {QStringLiteral("reason"), group.reason}});
-            continue;
+            if (context.json) {
+                array.append(objectOf(group, items));
+            } else {
+                text += (std::exchange(isFirst, false) ? "" : "\n") + linesOf(group, items);
+            }
         }
-        if (!std::exchange(isFirst, false)) {
-            context.print({});
-        }
-        for (qsizetype i = 0; i < items.size(); ++i) {
-            const QString line = items[i]->bundleID() + u'\t' + nameOf(*items[i]);
-            context.print(i == group.best ? line + u'\t' + group.reason : line);
-        }
-    }
-    if (context.json) {
-        context.printJSON(array);
-    }
-    return 0;
+        return context.json ? zqJSONElements(array) : text;
+    };
+    return zqPrintInParts(groups.size(), atATime, context, partAt) ? 0 : 2;
 }
 
 } // namespace
@@ -124,18 +119,20 @@ int zqRunSimilar(const QString &item, int limit, CommandContext &context)
         return context.fail(
             first->pictureHash().isNull()
                 ? zqFormat(zqLocalized("what “%@” looks like is not known yet; `zelto fingerprints` finds it out"),
-                           {nameOf(*first)})
-                : zqFormat(zqLocalized("“%@” shows nothing that another picture could look like"), {nameOf(*first)}));
+                           {zqListedName(*first)})
+                : zqFormat(zqLocalized("“%@” shows nothing that another picture could look like"),
+                           {zqListedName(*first)}));
     }
     const auto most = size_t(limit);
     const auto search = [hash = *hash, most, index = indexOf(context)](ZQManagedObjectContext &store,
                                                                        const std::stop_token &) {
-        Answer<Similar> answer;
-        answer.found = similarTo(hash, most + 1, store, index.get(), &answer.error); // itself is among them
+        Answer<SimilarItems> answer;
+        auto found = zqSimilarItems({hash}, most + 1, store, index.get(), &answer.error); // itself is among them
+        answer.found = found ? std::optional(std::move(found->front())) : std::nullopt;
         return answer;
     };
-    return WorkBeside<Answer<Similar>>::run(
-        context, search, [most, id = first->objectID()](const Answer<Similar> &answer, CommandContext &finished) {
+    return WorkBeside<Answer<SimilarItems>>::run(
+        context, search, [most, id = first->objectID()](const Answer<SimilarItems> &answer, CommandContext &finished) {
             return answer.found ? printSimilar(*answer.found, id, most, finished) : failed(answer.error, finished);
         });
 }

@@ -1,11 +1,13 @@
 // What Zelto does beside a library: new versions, reports of crashes, counts, and starting at login.
 
-#include "Classes/Application/Launch.h"
+#include "Classes/Application/UpdateChannel.h"
 #include "Classes/Command/Commands.h"
 #include "Classes/Services/CrashReports.h"
 #include "Classes/Services/LaunchAtLogin.h"
 #include "Classes/Services/SoftwareUpdater.h"
 #include "Classes/Services/UsageCounts.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 
@@ -37,8 +39,7 @@ QJsonObject objectOf(const UpdateAnswer &answer)
 
 int zqRunUpdatesCheck(const QString &channel, CommandContext &context)
 {
-    const QString place = channel.isEmpty() ? Launch::appCastURL(false)
-                                            : QStringLiteral("updates/") + channel + QStringLiteral("/feed.json");
+    const QString place = UpdateChannel::feedOf(channel.isEmpty() ? UpdateChannel::chosen(false) : channel);
     const UpdateCheck::Settings settings = UpdateCheck::settingsFor(place);
     const QString whyNot = SoftwareUpdater::whyNot(settings, QCoreApplication::applicationFilePath());
     if (!whyNot.isEmpty()) {
@@ -63,8 +64,9 @@ int zqRunUpdatesCheck(const QString &channel, CommandContext &context)
 int zqRunReportsList(CommandContext &context)
 {
     const CrashReports reports;
+    const auto found = reports.all();
     QJsonArray all;
-    for (const CrashReports::Report &report : reports.all()) {
+    for (const CrashReports::Report &report : found) {
         if (context.json) {
             all.append(QJsonObject{{QStringLiteral("file"), report.path},
                                    {QStringLiteral("date"), utc(report.date)},
@@ -77,6 +79,8 @@ int zqRunReportsList(CommandContext &context)
     }
     if (context.json) {
         context.printJSON(all);
+    } else if (found.isEmpty()) {
+        context.note(zqLocalized("there is no report of a crash"));
     }
     return 0;
 }
@@ -117,13 +121,17 @@ int zqRunUsageShow(CommandContext &context)
         for (auto count = day->cbegin(); count != day->cend(); ++count) {
             features.insert(count.key(), count.value());
             if (!context.json) {
-                context.print(date + u'\t' + QString::number(count.value()) + u'\t' + count.key());
+                context.print(date + u'\t' + QString::number(count.value()) + u'\t' + zqTitleOfFeature(count.key()));
             }
         }
         all.insert(date, features);
     }
     if (context.json) {
         context.printJSON(all);
+    } else if (days.isEmpty()) {
+        const bool counts = ZQUserDefaults::standardUserDefaults().boolForKey(UsageCounts::countsKey);
+        context.note(counts ? zqLocalized("nothing was counted yet")
+                            : zqLocalized("nothing is counted; `zelto defaults write CountsUsage true` begins it"));
     }
     return 0;
 }

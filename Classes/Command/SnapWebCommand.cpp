@@ -82,7 +82,7 @@ public:
             return context.fail(result.error.localizedDescription());
         }
         for (const QString &note : result.notes) {
-            context.errors += "zelto: " + note.toUtf8() + '\n';
+            context.note(note);
         }
         if (const int status = zqStatusOfCapture(*m_end, context); status != 0) {
             return status;

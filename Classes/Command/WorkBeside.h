@@ -2,7 +2,7 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Command/CommandContext.h"
-#include "Kit/Foundation/ZQCancellation.h"
+#include "Kit/Foundation/ZQStopScope.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 
@@ -31,9 +31,7 @@ public:
         job->m_queue.addOperationWithBlock(
             [job = job.get(), work = std::move(work), store = context.delegate->persistentStoreCoordinator()] {
                 const std::stop_token stop = job->m_stop.get_token();
-                const auto cancellation = std::make_shared<ZQCancellation>();
-                const std::stop_callback cancel(stop, [&cancellation] { cancellation->cancel(); });
-                const ZQCancellation::Scope scope(cancellation);
+                const ZQStopScope scope(stop);
                 ZQManagedObjectContext own(store);
                 job->m_result = work(own, stop);
                 job->m_isDone = true;

@@ -112,7 +112,7 @@ SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
 SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
 {
     const auto [father, index] = spotFor(onItem);
-    zqDidUseFeature(kind == NewItem::Folder ? QStringLiteral("Add New Folder") : QStringLiteral("Add New Project"));
+    zqDidUseFeature(kind == NewItem::Folder ? ZQFeature::AddNewFolder : ZQFeature::AddNewProject);
     return addNewListItem(kind, father, index);
 }
 

@@ -348,10 +348,11 @@ void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
         if (!oldThumb.isEmpty() && oldThumb != thumb) {
             QFile::remove(oldThumb);
         }
-        const ZQPictureFingerprint fingerprint = ZQPictureFingerprint::of(picture);
+        // What could not be drawn now is not what shows nothing: it is still to be looked at.
+        const auto fingerprint = picture.isNull() ? std::nullopt : std::optional(ZQPictureFingerprint::of(picture));
         zqOnMainThread([this, thumb, id, fingerprint] {
-            if (const auto there = itemInMainContext(id)) {
-                fingerprint.applyTo(*there);
+            if (const auto there = fingerprint ? itemInMainContext(id) : nullptr) {
+                fingerprint->applyTo(*there);
             }
             updateThumbPath(thumb, id);
         });

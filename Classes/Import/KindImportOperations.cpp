@@ -44,7 +44,7 @@ void QuickLookImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ZQPreviewService::previewOfFile(filePath(), previewBox, &error);
-    if (writeRepresentationBitmap(bitmap, "file %@ is not a valid image", error)) {
+    if (writeRepresentationBitmap(bitmap, zqKey("file %@ is not a valid image"), error)) {
         m_fileData->insert({{QStringLiteral("pixelWidth"), bitmap.width()},
                             {QStringLiteral("pixelHeight"), bitmap.height()},
                             {QStringLiteral("pixelTotal"), qint64(bitmap.width()) * bitmap.height()}});

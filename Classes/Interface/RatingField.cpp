@@ -84,7 +84,8 @@ QString RatingField::accessibleNumberText() const
 
 int RatingField::starAt(const QPointF &position) const
 {
-    return std::clamp(int((position.x() + starWidth / 2.0 - radius - margin) / starWidth) + 1, 1, stars);
+    const double fromFirst = isRightToLeft() ? width() - position.x() : position.x();
+    return std::clamp(int((fromFirst + starWidth / 2.0 - radius - margin) / starWidth) + 1, 1, stars);
 }
 
 void RatingField::edit(double rating)
@@ -119,11 +120,18 @@ void RatingField::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setLayoutDirection(layoutDirection());
     if (const QString shown = text(); !shown.isEmpty()) {
         painter.setPen(zqColor(ZQColorRole::TextMuted));
         painter.drawText(rect().adjusted(textMargin, 0, -textMargin, 0), Qt::AlignLeft | Qt::AlignVCenter, shown);
     } else {
+        painter.save();
+        if (isRightToLeft()) {
+            painter.translate(width(), 0);
+            painter.scale(-1, 1);
+        }
         paintStars(painter);
+        painter.restore();
     }
     if (hasFocus()) {
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1));
@@ -159,9 +167,9 @@ void RatingField::keyPressEvent(QKeyEvent *event)
     const int digit = event->key() - Qt::Key_0;
     if (event->modifiers() == Qt::NoModifier && digit >= 0 && digit <= stars) {
         edit(digit);
-    } else if (event->key() == Qt::Key_Right) {
+    } else if (event->key() == (isRightToLeft() ? Qt::Key_Left : Qt::Key_Right)) {
         edit(std::floor(rating()) + 1);
-    } else if (event->key() == Qt::Key_Left) {
+    } else if (event->key() == (isRightToLeft() ? Qt::Key_Right : Qt::Key_Left)) {
         edit(std::ceil(rating()) - 1);
     } else {
         QWidget::keyPressEvent(event);

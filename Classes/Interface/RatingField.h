@@ -4,8 +4,8 @@
 
 #include <QWidget>
 
-// Five stars. A click on a star rates; on the last lit one it takes the rating away. Left and Right change it by one, 0
-// to 5 set it.
+// Five stars, the first where reading begins. A click on a star rates; on the last lit one it takes the rating away.
+// The arrow keys change it by one, 0 to 5 set it.
 class RatingField : public QWidget, public ZQAccessibleNumber
 {
     Q_OBJECT

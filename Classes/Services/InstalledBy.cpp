@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -60,6 +61,11 @@ std::optional<InstalledBy> InstalledBy::sandboxOf(const QString &executable, con
         return InstalledBy{QStringLiteral("Snap"), environment.value(QStringLiteral("SNAP_NAME"))};
     }
     return std::nullopt;
+}
+
+bool InstalledBy::isInSandbox()
+{
+    return sandboxOf(QCoreApplication::applicationFilePath(), QProcessEnvironment::systemEnvironment()).has_value();
 }
 
 std::optional<InstalledBy> InstalledBy::managerOf(const QString &executable, const QProcessEnvironment &environment,

@@ -15,6 +15,8 @@ struct InstalledBy
     // One that is closed off from the rest of the machine and that the program is in; nothing: it is in none.
     static std::optional<InstalledBy> sandboxOf(const QString &executable, const QProcessEnvironment &environment,
                                                 const QString &root = QStringLiteral("/"));
+    static bool isInSandbox(); // this program
+
     // Nothing: it was put there by hand. `root` is where the system's own files are looked for.
     static std::optional<InstalledBy> managerOf(const QString &executable, const QProcessEnvironment &environment,
                                                 const QString &root = QStringLiteral("/"));

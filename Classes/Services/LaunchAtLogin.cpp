@@ -86,12 +86,9 @@ QByteArray contentOf(const QString &path)
 } // namespace
 
 LaunchAtLogin::LaunchAtLogin()
-    : LaunchAtLogin(
-          {ZQPaths::configHome() + QStringLiteral("/autostart"),
-           QStandardPaths::locate(QStandardPaths::ApplicationsLocation, fileName),
-           QCoreApplication::applicationFilePath(),
-           InstalledBy::sandboxOf(QCoreApplication::applicationFilePath(), QProcessEnvironment::systemEnvironment())
-               .has_value()})
+    : LaunchAtLogin({ZQPaths::configHome() + QStringLiteral("/autostart"),
+                     QStandardPaths::locate(QStandardPaths::ApplicationsLocation, fileName),
+                     QCoreApplication::applicationFilePath(), InstalledBy::isInSandbox()})
 {
 }
 

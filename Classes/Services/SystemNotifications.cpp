@@ -1,5 +1,6 @@
 #include "Classes/Services/SystemNotifications.h"
 
+#include "Classes/Services/InstalledBy.h"
 #include "Kit/Desktop/ZQPortal.h"
 
 #include <QDBusMessage>
@@ -46,7 +47,7 @@ QString keyOf(qsizetype action)
 
 SystemNotifications::Way SystemNotifications::usualWay()
 {
-    return qEnvironmentVariableIsSet("FLATPAK_ID") ? Way::Portal : Way::Service;
+    return InstalledBy::isInSandbox() ? Way::Portal : Way::Service;
 }
 
 SystemNotifications::SystemNotifications(QDBusConnection bus, Way way) : m_bus(std::move(bus)), m_way(way)

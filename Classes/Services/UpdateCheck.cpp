@@ -1,5 +1,6 @@
 #include "Classes/Services/UpdateCheck.h"
 
+#include "Classes/Application/UpdateChannel.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -64,7 +65,7 @@ UpdateCheck::Settings UpdateCheck::settingsFor(const QString &appCastURL)
         address += u'/'; // what is below it is meant, and not what is beside it
     }
     return {.feed = address.isEmpty() ? QUrl() : QUrl(address).resolved(QUrl(appCastURL)),
-            .channel = appCastURL.section(u'/', -2, -2),
+            .channel = UpdateChannel::channelOf(appCastURL),
             .publicKey = QByteArray::fromBase64(setOr("UpdateKey", ZELTO_UPDATE_KEY).toLatin1()),
             .version = QCoreApplication::applicationVersion()};
 }

@@ -35,7 +35,7 @@ public:
         QString version; // that runs
         bool isComplete() const { return zqIsSafeOnTheWay(feed) && !publicKey.isEmpty(); }
     };
-    // For a place below the address of the feeds, as "updates/beta/feed.json": the address and the key are those that
+    // For a place below the address of the feeds, see `UpdateChannel`: the address and the key are those that
     // the program was built with, or what the preferences "UpdateFeedAddress" and "UpdateKey" (Base64) name instead.
     static Settings settingsFor(const QString &appCastURL);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Sharing/CloudAdapter.h"
+#include "Kit/Foundation/ZQFeatures.h"
 
 #include <QString>
 
@@ -18,8 +19,7 @@ public:
     virtual QString title() const = 0;      // for the person
     bool isReady() const { return whatIsMissing().isEmpty(); } // has the account, address or key it needs
     virtual QString whatIsMissing() const = 0;                 // localized, and says what to do; empty when it is ready
-    // As the use of it is logged: all that is not Dropbox counts as one.
-    virtual QString featureName() const { return QStringLiteral("Cloud Upload (CloudApp)"); }
+    virtual ZQFeature feature() const { return ZQFeature::UploadElsewhere; } // as its use is counted
     virtual std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName,
                                                       const QString &fileID, CloudAdapterDelegate *delegate) = 0;
 };

@@ -210,7 +210,7 @@ void CloudUploader::uploadLibrayItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
     }
     if (const auto service = readyService()) {
         enqueue(files, *service, nullptr);
-        zqDidUseFeature(service->featureName());
+        zqDidUseFeature(service->feature());
     }
 }
 

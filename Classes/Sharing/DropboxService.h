@@ -8,7 +8,7 @@ public:
     QString identifier() const override { return QStringLiteral("dropbox"); }
     QString title() const override;
     QString whatIsMissing() const override;
-    QString featureName() const override { return QStringLiteral("Cloud Upload (Dropbox)"); }
+    ZQFeature feature() const override { return ZQFeature::UploadToDropbox; }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;
 };

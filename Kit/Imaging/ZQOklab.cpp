@@ -59,13 +59,3 @@ float ZQOklab::distance(const ZQOklab &other) const
     const float db = b - other.b;
     return std::sqrt(dL * dL + da * da + db * db);
 }
-
-float ZQOklab::chroma() const
-{
-    return std::sqrt(a * a + b * b);
-}
-
-float ZQOklab::hue() const
-{
-    return std::atan2(b, a);
-}

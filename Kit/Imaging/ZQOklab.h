@@ -16,6 +16,4 @@ struct ZQOklab
 
     // 1 from black to white; 0.02 is about the least difference that is seen side by side.
     float distance(const ZQOklab &other) const;
-    float chroma() const; // 0 for greys
-    float hue() const;    // radians, -π to π; means nothing where the chroma is tiny
 };

@@ -246,10 +246,10 @@ ZQPalette ZQPalette::of(const ZQBitmap &bitmap)
 ZQPalette ZQPalette::fromBytes(const QByteArray &bytes)
 {
     ZQPalette palette;
-    if (bytes.size() % 4 != 0 || bytes.size() > qsizetype(maximum) * 4) {
+    if (bytes.size() % bytesOfColor != 0 || bytes.size() > maximum * bytesOfColor) {
         return palette;
     }
-    for (qsizetype i = 0; i < bytes.size(); i += 4) {
+    for (qsizetype i = 0; i < bytes.size(); i += bytesOfColor) {
         const auto byte = [&bytes, i](qsizetype offset) { return uchar(bytes[i + offset]); };
         palette.colors.append({qRgb(byte(0), byte(1), byte(2)), byte(3)});
     }

@@ -21,8 +21,10 @@ struct ZQPalette
     static constexpr int maximum = 5;
     QList<Color> colors; // by share, the largest first
 
-    static ZQPalette of(const ZQBitmap &bitmap);         // none for a picture without a visible pixel
-    static ZQPalette fromBytes(const QByteArray &bytes); // 4 bytes a colour: R, G, B, share; empty for what is none
+    static ZQPalette of(const ZQBitmap &bitmap); // none for a picture without a visible pixel
+    // Of each colour R, G, B and share; empty for what is no palette.
+    static constexpr qsizetype bytesOfColor = 4;
+    static ZQPalette fromBytes(const QByteArray &bytes);
     QByteArray bytes() const;
     friend bool operator==(const ZQPalette &, const ZQPalette &) = default;
 };

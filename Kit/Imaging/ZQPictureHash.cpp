@@ -120,6 +120,15 @@ std::optional<ZQPictureHash> ZQPictureHash::fromBytes(const QByteArray &bytes)
     return hash;
 }
 
+int ZQPictureHash::alikeDistanceAmong(qint64 count)
+{
+    constexpr double few = 1000;
+    constexpr double bitsForTenfold = 13;
+    constexpr int least = 30; // what compression and scaling change
+    const double tenfolds = double(count) > few ? std::log10(double(count) / few) : 0;
+    return std::max(least, alikeDistance - int(std::lround(tenfolds * bitsForTenfold)));
+}
+
 QByteArray ZQPictureHash::bytes() const
 {
     QByteArray bytes(qsizetype(sizeof words), Qt::Uninitialized);

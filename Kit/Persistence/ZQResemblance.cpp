@@ -4,6 +4,8 @@
 
 #include <QHash>
 
+#include <optional>
+
 namespace {
 
 struct Registry
@@ -40,9 +42,9 @@ void zqRegisterResemblance(const QString &name, ZQResemblanceMaker maker)
 // A condition asks for the same one row after row.
 std::shared_ptr<const ZQResemblance> zqResemblanceFor(const QString &text)
 {
-    thread_local QString lastText;
+    thread_local std::optional<QString> lastText;
     thread_local std::shared_ptr<const ZQResemblance> last;
-    if (!last || lastText != text) {
+    if (lastText != text) {
         last = made(text);
         lastText = text;
     }

@@ -16,6 +16,6 @@ using ZQResemblance = std::function<bool(std::string_view data)>;
 // Makes the test that a whole text describes; an empty function when it describes none.
 using ZQResemblanceMaker = ZQResemblance (*)(const QString &text);
 
-void zqRegisterResemblance(const QString &name, ZQResemblanceMaker maker); // again: the same
+void zqRegisterResemblance(const QString &name, ZQResemblanceMaker maker); // before it is first asked for
 // Null when there is none. Those asked for last are made once.
 std::shared_ptr<const ZQResemblance> zqResemblanceFor(const QString &text);

@@ -51,7 +51,7 @@ public:
     qint64 int64(int column) const;
     double real(int column) const;
     QString text(int column) const;
-    std::string_view utf8(int column) const; // the text as it is stored, until the next step
+    std::string_view utf8(int column) const;  // the text as it is stored, until the next step
     std::string_view bytes(int column) const; // of a blob, until the next step
     QByteArray blob(int column) const;
     QVariant variant(int column) const; // by the stored class: qlonglong, double, QString, QByteArray or invalid

@@ -67,8 +67,9 @@ bool ZQSave::validate(ZQError *error)
             return false;
         }
         if (!denying->isEmpty()) {
-            zqSetError(error, validationError(*object, *denying,
-                                              "An object that is still used by others through %@ cannot be deleted."));
+            zqSetError(error,
+                       validationError(*object, *denying,
+                                       zqKey("An object that is still used by others through %@ cannot be deleted.")));
             return false;
         }
     }

@@ -1,8 +1,9 @@
 #include "Kit/Widgets/ZQAccessible.h"
 
+#include "Kit/Widgets/ZQAccessibleLeaf.h"
+
 #include <QAccessibleWidget>
 #include <QHash>
-#include <QPointer>
 #include <QVariant>
 #include <QWidget>
 
@@ -12,20 +13,12 @@ namespace {
 
 constexpr const char *roleProperty = "zqAccessibleRole";
 
-class Part : public QAccessibleInterface, public QAccessibleActionInterface
+class Part : public ZQAccessibleLeaf
 {
 public:
-    Part(QWidget *widget, int index) : m_widget(widget), m_index(index) {}
+    Part(QWidget *widget, int index) : ZQAccessibleLeaf(widget), m_index(index) {}
 
     bool isValid() const override { return parts() && m_index < parts()->accessiblePartCount(); }
-    QObject *object() const override { return nullptr; }
-    QWindow *window() const override { return m_widget ? m_widget->window()->windowHandle() : nullptr; }
-    QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(m_widget); }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    void setText(QAccessible::Text, const QString &) override {}
     QAccessible::Role role() const override { return isValid() ? parts()->accessiblePartRole() : QAccessible::NoRole; }
     QString text(QAccessible::Text kind) const override
     {
@@ -36,41 +29,32 @@ public:
     QRect rect() const override
     {
         const QRect place = part().place;
-        return place.isEmpty() ? QRect() : QRect(m_widget->mapToGlobal(place.topLeft()), place.size());
+        return place.isEmpty() ? QRect() : QRect(widget()->mapToGlobal(place.topLeft()), place.size());
     }
     QAccessible::State state() const override
     {
         const ZQAccessiblePart shown = part();
-        QAccessible::State state;
-        state.invalid = !isValid();
+        QAccessible::State state = ZQAccessibleLeaf::state();
         state.selectable = state.focusable = true;
         state.selected = shown.isChosen;
-        state.focused = shown.isCurrent && m_widget && m_widget->hasFocus();
-        state.invisible = !m_widget || !m_widget->isVisible();
+        state.focused = shown.isCurrent && widget() && widget()->hasFocus();
         state.offscreen = shown.place.isEmpty();
-        state.disabled = m_widget && !m_widget->isEnabled();
         return state;
-    }
-    void *interface_cast(QAccessible::InterfaceType type) override
-    {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this) : nullptr;
     }
     QStringList actionNames() const override { return {pressAction()}; }
     void doAction(const QString &name) override
     {
-        if (name == pressAction() && isValid() && m_widget->isEnabled()) {
+        if (name == pressAction() && isValid() && widget()->isEnabled()) {
             parts()->pressAccessiblePart(m_index);
         }
     }
-    QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
     int index() const { return m_index; }
 
 private:
-    ZQAccessibleParts *parts() const { return dynamic_cast<ZQAccessibleParts *>(m_widget.data()); }
+    ZQAccessibleParts *parts() const { return dynamic_cast<ZQAccessibleParts *>(widget()); }
     ZQAccessiblePart part() const { return isValid() ? parts()->accessiblePart(m_index) : ZQAccessiblePart(); }
 
-    QPointer<QWidget> m_widget;
     int m_index;
 };
 
@@ -166,6 +150,58 @@ private:
     ZQAccessibleNumber *number() const { return dynamic_cast<ZQAccessibleNumber *>(widget()); }
 };
 
+class Thing : public QAccessibleWidget
+{
+public:
+    Thing(QWidget *widget, QAccessible::Role role) : QAccessibleWidget(widget, role) {}
+    QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Value && thing() ? thing()->accessibleValueText() : QAccessibleWidget::text(kind);
+    }
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (thing()) {
+            thing()->completeAccessibleState(state);
+        }
+        return state;
+    }
+    QStringList actionNames() const override
+    {
+        const QStringList own = thing() && widget()->isEnabled() ? thing()->accessibleActions().keys() : QStringList();
+        return own + QAccessibleWidget::actionNames();
+    }
+    QString localizedActionDescription(const QString &name) const override
+    {
+        const QString own = thing() ? thing()->accessibleActions().value(name) : QString();
+        return own.isEmpty() ? QAccessibleWidget::localizedActionDescription(name) : own;
+    }
+    void doAction(const QString &name) override
+    {
+        if (thing() && widget()->isEnabled() && thing()->accessibleActions().contains(name)) {
+            thing()->doAccessibleAction(name);
+        } else {
+            QAccessibleWidget::doAction(name);
+        }
+    }
+
+private:
+    ZQAccessibleThing *thing() const { return dynamic_cast<ZQAccessibleThing *>(widget()); }
+};
+
+// Stands nowhere, and is there to be read out.
+class Announcement : public ZQAccessibleLeaf
+{
+public:
+    Announcement(QWidget *widget, const QString &text) : ZQAccessibleLeaf(widget), m_text(text) {}
+    QAccessible::Role role() const override { return QAccessible::Notification; }
+    QString text(QAccessible::Text kind) const override { return kind == QAccessible::Name ? m_text : QString(); }
+    QRect rect() const override { return {}; }
+
+private:
+    const QString m_text;
+};
+
 QAccessibleInterface *make(const QString & /*className*/, QObject *object)
 {
     auto *widget = qobject_cast<QWidget *>(object);
@@ -174,6 +210,9 @@ QAccessibleInterface *make(const QString & /*className*/, QObject *object)
     }
     if (auto *number = dynamic_cast<ZQAccessibleNumber *>(widget)) {
         return new Number(widget, number->accessibleRole());
+    }
+    if (auto *thing = dynamic_cast<ZQAccessibleThing *>(widget)) {
+        return new Thing(widget, thing->accessibleRole());
     }
     const QVariant role = widget ? widget->property(roleProperty) : QVariant();
     return role.isValid() ? new QAccessibleWidget(widget, QAccessible::Role(role.toInt())) : nullptr;
@@ -225,6 +264,19 @@ void ZQAccessibleNumber::accessibleNumberDidChange(QWidget *widget, double numbe
     }
 }
 
+ZQAccessibleThing::ZQAccessibleThing()
+{
+    install();
+}
+
+void ZQAccessibleThing::accessibleStateDidChange(QWidget *widget, QAccessible::State changed)
+{
+    if (QAccessible::isActive()) {
+        QAccessibleStateChangeEvent event(widget, changed);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
 void zqSetAccessibleRole(QWidget *widget, QAccessible::Role role)
 {
     install();
@@ -233,7 +285,7 @@ void zqSetAccessibleRole(QWidget *widget, QAccessible::Role role)
 
 void zqAnnounce(QWidget *widget, const QString &text)
 {
-    if (!QAccessible::isActive()) {
+    if (!QAccessible::isActive() || text.isEmpty()) {
         return;
     }
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
@@ -241,9 +293,17 @@ void zqAnnounce(QWidget *widget, const QString &text)
     QAccessible::updateAccessibility(&event);
 #else
     // What appears with the role of a notification is read out; the name is what there is to read.
-    widget->setAccessibleName(text);
+    static QAccessible::Id last = 0;
+    QAccessibleInterface *said = QAccessible::queryAccessibleInterface(widget);
+    if (said && said->role() == QAccessible::Notification) {
+        widget->setAccessibleName(text);
+    } else {
+        QAccessible::deleteAccessibleInterface(last);
+        said = new Announcement(widget, text);
+        last = QAccessible::registerAccessibleInterface(said);
+    }
     for (const QAccessible::Event kind : {QAccessible::Alert, QAccessible::ObjectShow}) {
-        QAccessibleEvent event(widget, kind);
+        QAccessibleEvent event(said, kind);
         QAccessible::updateAccessibility(&event);
     }
 #endif

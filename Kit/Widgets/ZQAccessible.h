@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAccessible>
+#include <QMap>
 #include <QRect>
 #include <QString>
 
@@ -55,8 +56,26 @@ protected:
     static void accessibleNumberDidChange(QWidget *widget, double number);
 };
 
+// Mixed into a widget that is one thing, as a picture, of which there is more to tell or to do than of any widget.
+class ZQAccessibleThing
+{
+public:
+    ZQAccessibleThing();
+    virtual ~ZQAccessibleThing() = default;
+    virtual QAccessible::Role accessibleRole() const = 0;
+    virtual QString accessibleValueText() const { return {}; }
+    virtual void completeAccessibleState(QAccessible::State & /*state*/) const {} // from what any widget has
+    // The names of QAccessibleActionInterface, each with what it does, localised; empty: what it always does.
+    virtual QMap<QString, QString> accessibleActions() const { return {}; }
+    virtual void doAccessibleAction(const QString & /*name*/) {}
+
+protected:
+    static void accessibleStateDidChange(QWidget *widget, QAccessible::State changed);
+};
+
 // For a widget that is one thing: a picture, a field. Before anybody asks for it, thus in its constructor.
 void zqSetAccessibleRole(QWidget *widget, QAccessible::Role role);
 
-// Has screen readers say the text at once, wherever the focus is. `widget` is what it is about, and is shown.
+// Has screen readers say the text at once, wherever the focus is. `widget` is what it is about, and is shown. One that
+// is a notification itself is called so from then on.
 void zqAnnounce(QWidget *widget, const QString &text);

@@ -1,6 +1,7 @@
 #include "Kit/Widgets/ZQGridAccessible.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQAccessibleLeaf.h"
 #include "Kit/Widgets/ZQGridView.h"
 #include "Kit/Widgets/ZQListHead.h"
 
@@ -21,18 +22,11 @@ int countOf(const ZQGridView &view)
     return int(std::min<qint64>(view.gridLayout().count(), std::numeric_limits<int>::max()));
 }
 
-class GridItem : public QAccessibleInterface, public QAccessibleActionInterface, public QAccessibleTableCellInterface
+class GridItem : public ZQAccessibleLeaf, public QAccessibleTableCellInterface
 {
 public:
-    GridItem(ZQGridView *view, qint64 index) : m_view(view), m_index(index) {}
-    bool isValid() const override { return m_view->dataSource() && m_index < m_view->gridLayout().count(); }
-    QWindow *window() const override { return m_view->window()->windowHandle(); }
-    QObject *object() const override { return nullptr; }
-    QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(m_view); }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
+    GridItem(ZQGridView *view, qint64 index) : ZQAccessibleLeaf(view), m_view(view), m_index(index) {}
+    bool isValid() const override { return widget() && m_view->dataSource() && m_index < m_view->gridLayout().count(); }
     QAccessible::Role role() const override { return QAccessible::ListItem; }
     QString text(QAccessible::Text kind) const override
     {
@@ -46,7 +40,6 @@ public:
         const ZQGridItem item = m_view->dataSource()->item(m_index);
         return item.extension.isEmpty() ? item.title : item.title + u'.' + item.extension;
     }
-    void setText(QAccessible::Text, const QString &) override {}
     QRect rect() const override
     {
         const QRect rect = m_view->visualRect(m_index);
@@ -54,8 +47,7 @@ public:
     }
     QAccessible::State state() const override
     {
-        QAccessible::State state;
-        state.invalid = !isValid();
+        QAccessible::State state = ZQAccessibleLeaf::state();
         state.selectable = state.multiSelectable = state.extSelectable = state.focusable = true;
         state.selected = isSelected();
         state.focused = m_view->hasFocus() && m_view->currentIndex() == m_index;
@@ -64,14 +56,8 @@ public:
     }
     void *interface_cast(QAccessible::InterfaceType type) override
     {
-        switch (type) {
-        case QAccessible::ActionInterface:
-            return static_cast<QAccessibleActionInterface *>(this);
-        case QAccessible::TableCellInterface:
-            return static_cast<QAccessibleTableCellInterface *>(this);
-        default:
-            return nullptr;
-        }
+        return type == QAccessible::TableCellInterface ? static_cast<QAccessibleTableCellInterface *>(this)
+                                                       : ZQAccessibleLeaf::interface_cast(type);
     }
 
     QStringList actionNames() const override

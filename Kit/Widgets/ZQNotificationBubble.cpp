@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QPropertyAnimation>
 #include <QPushButton>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -156,7 +157,8 @@ void ZQNotificationBubble::reposition()
     setGeometry(QRect(QPoint(x, std::max(0, y)), size));
     int left = (size.width() - buttonsWidth) / 2;
     for (QPushButton *button : std::as_const(m_buttons)) {
-        button->move(left, size.height() - shadowRoom - buttonGap - button->height());
+        const QRect room({left, size.height() - shadowRoom - buttonGap - button->height()}, button->size());
+        button->setGeometry(QStyle::visualRect(layoutDirection(), rect(), room));
         left += button->width() + buttonGap;
     }
 }
@@ -179,6 +181,7 @@ void ZQNotificationBubble::paintEvent(QPaintEvent * /*event*/)
     painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), 9, 9);
     painter.setPen(zqColor(ZQColorRole::Text));
     painter.setFont(ZQTheme::current().font());
+    painter.setLayoutDirection(layoutDirection());
     const int buttons = m_buttons.isEmpty() ? 0 : m_buttons.first()->height() + buttonGap;
     painter.drawText(box.adjusted(16, 4, -16, -4 - buttons), int(Qt::AlignCenter) | Qt::TextWordWrap, m_shown.text);
 }
@@ -186,6 +189,14 @@ void ZQNotificationBubble::paintEvent(QPaintEvent * /*event*/)
 void ZQNotificationBubble::mousePressEvent(QMouseEvent * /*event*/)
 {
     end();
+}
+
+void ZQNotificationBubble::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        reposition();
+    }
 }
 
 bool ZQNotificationBubble::eventFilter(QObject *object, QEvent *event)

@@ -32,3 +32,13 @@ bool zqRestoreGeometry(QWidget &window, const QByteArray &kept)
     }
     return true;
 }
+
+void zqMoveBelow(QWidget &popUp, const QWidget &anchor)
+{
+    constexpr int gap = 2;
+    const QRect above(anchor.mapToGlobal(QPoint(0, 0)), anchor.size());
+    const int left = popUp.isRightToLeft() ? above.right() + 1 - popUp.width() : above.left();
+    const QRect place(QPoint(left, above.bottom() + 1 + gap), popUp.size());
+    const QScreen *const screen = anchor.screen();
+    popUp.move((screen ? zqRectWithin(place, screen->availableGeometry()) : place).topLeft());
+}

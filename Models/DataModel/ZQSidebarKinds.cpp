@@ -83,10 +83,10 @@ QList<ZQSidebarRecent::Group> ZQSidebarRecent::groups()
     };
     const QDateTime now = zqNow();
     const QDate today = QDate::currentDate();
-    const QList<Span> spans = {{"Last Hour", now.addSecs(-3600)},
-                               {"Today", today.startOfDay().toUTC()},
-                               {"Yesterday", today.addDays(-1).startOfDay().toUTC()},
-                               {"Last Week", now.addDays(-days)}};
+    const QList<Span> spans = {{zqKey("Last Hour"), now.addSecs(-3600)},
+                               {zqKey("Today"), today.startOfDay().toUTC()},
+                               {zqKey("Yesterday"), today.addDays(-1).startOfDay().toUTC()},
+                               {zqKey("Last Week"), now.addDays(-days)}};
     QList<Group> groups;
     QList<ZQPredicate> earlierGroups;
     for (const Span &span : spans) {

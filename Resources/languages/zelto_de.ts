@@ -1362,6 +1362,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Ein Objekt hat keinen Ordner, der sein eigener sein kann: %@</translation>
     </message>
     <message>
+        <source>An object that is still used by others through %@ cannot be deleted.</source>
+        <translation>Ein Objekt, das andere noch über %@ verwenden, kann nicht gelöscht werden.</translation>
+    </message>
+    <message>
         <source>Another backup into the folder “%@” is under way.</source>
         <translation>Eine andere Sicherung in den Ordner „%@“ läuft gerade.</translation>
     </message>
@@ -1855,12 +1859,12 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Cloud</translation>
     </message>
     <message>
-        <source>Cloud Upload (CloudApp)</source>
-        <translation>Hochgeladen (CloudApp)</translation>
-    </message>
-    <message>
         <source>Cloud Upload (Dropbox)</source>
         <translation>Hochgeladen (Dropbox)</translation>
+    </message>
+    <message>
+        <source>Cloud Upload (other services)</source>
+        <translation>Hochgeladen (andere Dienste)</translation>
     </message>
     <message>
         <source>Cloud preferences…</source>
@@ -1881,6 +1885,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Color is “%@”</source>
         <translation>Farbe ist „%@“</translation>
+    </message>
+    <message>
+        <source>Colors</source>
+        <translation>Farben</translation>
     </message>
     <message>
         <source>Columns</source>
@@ -2278,6 +2286,15 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Esc</source>
         <translation>Esc</translation>
+    </message>
+    <message numerus="yes">
+        <source>Every %@ days</source>
+        <comment>counted</comment>
+        <extracomment>for one: Every day</extracomment>
+        <translation>
+            <numerusform>Täglich</numerusform>
+            <numerusform>Alle %@ Tage</numerusform>
+        </translation>
     </message>
     <message>
         <source>Every day</source>
@@ -3333,12 +3350,20 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Größte Dateien</translation>
     </message>
     <message>
+        <source>Last Hour</source>
+        <translation>Letzte Stunde</translation>
+    </message>
+    <message>
         <source>Last Import</source>
         <translation>Letzter Import</translation>
     </message>
     <message>
         <source>Last Import: %@</source>
         <translation>Letzter Import: %@</translation>
+    </message>
+    <message>
+        <source>Last Week</source>
+        <translation>Letzte Woche</translation>
     </message>
     <message>
         <source>Later</source>
@@ -3373,6 +3398,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Links</translation>
     </message>
     <message>
+        <source>Left and Right change the hue, Up and Down how full the color is</source>
+        <translation>Links und Rechts ändern den Farbton, Oben und Unten die Sättigung</translation>
+    </message>
+    <message>
         <source>Left out was %@.</source>
         <translation>Ausgelassen wurde %@.</translation>
     </message>
@@ -3399,6 +3428,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>Likeness %d %%</source>
         <translation>Ähnlichkeit %d %%</translation>
+    </message>
+    <message>
+        <source>Likeness %d %% or more</source>
+        <translation>Ähnlichkeit %d %% oder mehr</translation>
     </message>
     <message>
         <source>Line %d: %s</source>
@@ -3501,6 +3534,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <translation>Bilder werden angesehen…</translation>
     </message>
     <message>
+        <source>Looking at the folder…</source>
+        <translation>Ordner wird gelesen…</translation>
+    </message>
+    <message>
         <source>Looking at the sizes of files…</source>
         <translation>Dateigrößen werden ermittelt…</translation>
     </message>
@@ -3512,9 +3549,18 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
         <source>Looking at what changed</source>
         <translation>Änderungen werden ermittelt</translation>
     </message>
+    <message numerus="yes">
+        <source>Looking for pictures that look alike among %@ items…</source>
+        <comment>counted</comment>
+        <extracomment>for one: Looking for pictures that look alike in %@ item…</extracomment>
+        <translation>
+            <numerusform>In %@ Objekt werden ähnliche Bilder gesucht…</numerusform>
+            <numerusform>In %@ Objekten werden ähnliche Bilder gesucht…</numerusform>
+        </translation>
+    </message>
     <message>
-        <source>Looking for pictures that look alike…</source>
-        <translation>Ähnliche Bilder werden gesucht…</translation>
+        <source>Looking for pictures that look alike in the whole library…</source>
+        <translation>In der ganzen Bibliothek werden ähnliche Bilder gesucht…</translation>
     </message>
     <message>
         <source>Looks like the picture of this name</source>
@@ -3775,6 +3821,10 @@ OR eines von beiden; Klammern gruppieren, - oder NOT lässt aus, gerade Anführu
     <message>
         <source>No backup was made. %@</source>
         <translation>Es wurde keine Sicherung erstellt. %@</translation>
+    </message>
+    <message>
+        <source>No difference is seen at %ld × %ld pixels.</source>
+        <translation>Bei %ld × %ld Pixeln ist kein Unterschied zu sehen.</translation>
     </message>
     <message>
         <source>No folder was chosen.</source>
@@ -5229,6 +5279,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Die Änderungen können nicht gespeichert werden.</translation>
     </message>
     <message>
+        <source>The color as a name or a number, such as #3366cc</source>
+        <translation>Die Farbe als Name oder Zahl, zum Beispiel #3366cc</translation>
+    </message>
+    <message>
         <source>The condition cannot be read at character %d:</source>
         <translation>Die Bedingung ist ab Zeichen %d nicht lesbar:</translation>
     </message>
@@ -5403,6 +5457,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>The file “%@” cannot be made</source>
         <translation>Die Datei „%@“ kann nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>The first %@ of %@ are shown; the others stay as they are.</source>
+        <translation>Die ersten %@ von %@ werden gezeigt; die anderen bleiben, wie sie sind.</translation>
     </message>
     <message>
         <source>The first of them is “%@”: %@</source>
@@ -6333,6 +6391,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Titel enthält „%@“</translation>
     </message>
     <message>
+        <source>Today</source>
+        <translation>Heute</translation>
+    </message>
+    <message>
         <source>Today, %@</source>
         <translation>Heute, %@</translation>
     </message>
@@ -6703,6 +6765,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
     <message>
         <source>XML document</source>
         <translation>XML-Dokument</translation>
+    </message>
+    <message>
+        <source>Yesterday</source>
+        <translation>Gestern</translation>
     </message>
     <message>
         <source>Yesterday, %@</source>
@@ -7141,6 +7207,10 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>Endung</translation>
     </message>
     <message>
+        <source>file %@ is not a valid image</source>
+        <translation>Datei %@ ist kein gültiges Bild</translation>
+    </message>
+    <message>
         <source>files as they are keep their size; choose a --format to scale them</source>
         <translation>unveränderte Dateien behalten ihre Größe; zum Skalieren ein --format wählen</translation>
     </message>
@@ -7437,8 +7507,16 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>nichts</translation>
     </message>
     <message>
+        <source>nothing is counted; `zelto defaults write CountsUsage true` begins it</source>
+        <translation>es wird nichts gezählt; `zelto defaults write CountsUsage true` beginnt damit</translation>
+    </message>
+    <message>
         <source>nothing selected</source>
         <translation>nichts ausgewählt</translation>
+    </message>
+    <message>
+        <source>nothing was counted yet</source>
+        <translation>es wurde noch nichts gezählt</translation>
     </message>
     <message>
         <source>nothing was imported from “%@”, which nobody has agreed to yet. %@ Add --yes if you asked for this in the browser</source>

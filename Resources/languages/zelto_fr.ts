@@ -4,6 +4,10 @@
 <context>
     <name>Zelto</name>
     <message>
+        <source> %@: %@</source>
+        <translation> %@ : %@</translation>
+    </message>
+    <message>
         <source> GiB</source>
         <translation> Gio</translation>
     </message>
@@ -44,6 +48,10 @@
 Copies the link. With Ctrl: opens it in the browser.</source>
         <translation>%@
 Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
+    </message>
+    <message>
+        <source>%@ %%</source>
+        <translation>%@ %%</translation>
     </message>
     <message>
         <source>%@ (gone)</source>
@@ -383,12 +391,24 @@ Copie le lien. Avec Ctrl : l’ouvre dans le navigateur.</translation>
         <translation>%@. Rien ne manque.</translation>
     </message>
     <message>
+        <source>%@: %@</source>
+        <translation>%@ : %@</translation>
+    </message>
+    <message>
+        <source>%@: %@ (%@)</source>
+        <translation>%@ : %@ (%@)</translation>
+    </message>
+    <message>
         <source>%@: %@ more</source>
         <translation>%@ : %@ de plus</translation>
     </message>
     <message>
         <source>%@: %@ of %@ items</source>
         <translation>%@ : %@ éléments sur %@</translation>
+    </message>
+    <message>
+        <source>%@: %@, %@</source>
+        <translation>%@ : %@, %@</translation>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
@@ -1362,6 +1382,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Un élément n’a pas de dossier qui puisse être le sien : %@</translation>
     </message>
     <message>
+        <source>An object that is still used by others through %@ cannot be deleted.</source>
+        <translation>Un objet que d’autres utilisent encore par %@ ne peut pas être supprimé.</translation>
+    </message>
+    <message>
         <source>Another backup into the folder “%@” is under way.</source>
         <translation>Une autre sauvegarde dans le dossier « %@ » est en cours.</translation>
     </message>
@@ -1855,12 +1879,12 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Cloud</translation>
     </message>
     <message>
-        <source>Cloud Upload (CloudApp)</source>
-        <translation>Envoi (CloudApp)</translation>
-    </message>
-    <message>
         <source>Cloud Upload (Dropbox)</source>
         <translation>Envoi (Dropbox)</translation>
+    </message>
+    <message>
+        <source>Cloud Upload (other services)</source>
+        <translation>Envoi (autres services)</translation>
     </message>
     <message>
         <source>Cloud preferences…</source>
@@ -1881,6 +1905,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Color is “%@”</source>
         <translation>La couleur est « %@ »</translation>
+    </message>
+    <message>
+        <source>Colors</source>
+        <translation>Couleurs</translation>
     </message>
     <message>
         <source>Columns</source>
@@ -2278,6 +2306,15 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Esc</source>
         <translation>Échap</translation>
+    </message>
+    <message numerus="yes">
+        <source>Every %@ days</source>
+        <comment>counted</comment>
+        <extracomment>for one: Every day</extracomment>
+        <translation>
+            <numerusform>Chaque jour</numerusform>
+            <numerusform>Tous les %@ jours</numerusform>
+        </translation>
     </message>
     <message>
         <source>Every day</source>
@@ -3333,12 +3370,20 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Fichiers les plus volumineux</translation>
     </message>
     <message>
+        <source>Last Hour</source>
+        <translation>Dernière heure</translation>
+    </message>
+    <message>
         <source>Last Import</source>
         <translation>Dernier import</translation>
     </message>
     <message>
         <source>Last Import: %@</source>
         <translation>Dernier import : %@</translation>
+    </message>
+    <message>
+        <source>Last Week</source>
+        <translation>Semaine dernière</translation>
     </message>
     <message>
         <source>Later</source>
@@ -3373,6 +3418,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Gauche</translation>
     </message>
     <message>
+        <source>Left and Right change the hue, Up and Down how full the color is</source>
+        <translation>Gauche et Droite changent la teinte, Haut et Bas la saturation</translation>
+    </message>
+    <message>
         <source>Left out was %@.</source>
         <translation>Omis : %@.</translation>
     </message>
@@ -3399,6 +3448,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>Likeness %d %%</source>
         <translation>Ressemblance : %d %%</translation>
+    </message>
+    <message>
+        <source>Likeness %d %% or more</source>
+        <translation>Ressemblance de %d %% ou plus</translation>
     </message>
     <message>
         <source>Line %d: %s</source>
@@ -3501,6 +3554,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <translation>Examen des images…</translation>
     </message>
     <message>
+        <source>Looking at the folder…</source>
+        <translation>Lecture du dossier…</translation>
+    </message>
+    <message>
         <source>Looking at the sizes of files…</source>
         <translation>Examen de la taille des fichiers…</translation>
     </message>
@@ -3512,9 +3569,18 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
         <source>Looking at what changed</source>
         <translation>Examen des modifications</translation>
     </message>
+    <message numerus="yes">
+        <source>Looking for pictures that look alike among %@ items…</source>
+        <comment>counted</comment>
+        <extracomment>for one: Looking for pictures that look alike in %@ item…</extracomment>
+        <translation>
+            <numerusform>Recherche d’images semblables dans %@ élément…</numerusform>
+            <numerusform>Recherche d’images semblables parmi %@ éléments…</numerusform>
+        </translation>
+    </message>
     <message>
-        <source>Looking for pictures that look alike…</source>
-        <translation>Recherche d’images qui se ressemblent…</translation>
+        <source>Looking for pictures that look alike in the whole library…</source>
+        <translation>Recherche d’images semblables dans toute la bibliothèque…</translation>
     </message>
     <message>
         <source>Looks like the picture of this name</source>
@@ -3775,6 +3841,10 @@ OR l’un des deux ; les parenthèses regroupent, - ou NOT exclut, les guillem
     <message>
         <source>No backup was made. %@</source>
         <translation>Aucune sauvegarde n’a été effectuée. %@</translation>
+    </message>
+    <message>
+        <source>No difference is seen at %ld × %ld pixels.</source>
+        <translation>Aucune différence n’est visible à %ld × %ld pixels.</translation>
     </message>
     <message>
         <source>No folder was chosen.</source>
@@ -5229,6 +5299,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Les modifications ne peuvent pas être enregistrées.</translation>
     </message>
     <message>
+        <source>The color as a name or a number, such as #3366cc</source>
+        <translation>La couleur sous forme de nom ou de nombre, par exemple #3366cc</translation>
+    </message>
+    <message>
         <source>The condition cannot be read at character %d:</source>
         <translation>La condition est illisible au caractère %d :</translation>
     </message>
@@ -5403,6 +5477,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>The file “%@” cannot be made</source>
         <translation>Impossible de créer le fichier « %@ »</translation>
+    </message>
+    <message>
+        <source>The first %@ of %@ are shown; the others stay as they are.</source>
+        <translation>Les %@ premiers sur %@ sont affichés ; les autres restent tels quels.</translation>
     </message>
     <message>
         <source>The first of them is “%@”: %@</source>
@@ -6333,6 +6411,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>Le titre contient « %@ »</translation>
     </message>
     <message>
+        <source>Today</source>
+        <translation>Aujourd’hui</translation>
+    </message>
+    <message>
         <source>Today, %@</source>
         <translation>Aujourd’hui, %@</translation>
     </message>
@@ -6703,6 +6785,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>XML document</source>
         <translation>Document XML</translation>
+    </message>
+    <message>
+        <source>Yesterday</source>
+        <translation>Hier</translation>
     </message>
     <message>
         <source>Yesterday, %@</source>
@@ -7141,6 +7227,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>extension</translation>
     </message>
     <message>
+        <source>file %@ is not a valid image</source>
+        <translation>le fichier %@ n’est pas une image valable</translation>
+    </message>
+    <message>
         <source>files as they are keep their size; choose a --format to scale them</source>
         <translation>les fichiers tels quels gardent leur taille ; choisissez un --format pour les mettre à l’échelle</translation>
     </message>
@@ -7437,8 +7527,16 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>rien</translation>
     </message>
     <message>
+        <source>nothing is counted; `zelto defaults write CountsUsage true` begins it</source>
+        <translation>rien n’est compté ; `zelto defaults write CountsUsage true` le commence</translation>
+    </message>
+    <message>
         <source>nothing selected</source>
         <translation>aucune sélection</translation>
+    </message>
+    <message>
+        <source>nothing was counted yet</source>
+        <translation>rien n’a encore été compté</translation>
     </message>
     <message>
         <source>nothing was imported from “%@”, which nobody has agreed to yet. %@ Add --yes if you asked for this in the browser</source>
@@ -7783,6 +7881,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>yesterday</source>
         <translation>hier</translation>
+    </message>
+    <message>
+        <source>“%@”</source>
+        <translation>« %@ »</translation>
     </message>
     <message>
         <source>“%@” and %d others</source>
@@ -8371,6 +8473,10 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
     <message>
         <source>“%@” was written, but pictures in it are incomplete.</source>
         <translation>« %@ » a été écrit, mais des images qu’il contient sont incomplètes.</translation>
+    </message>
+    <message>
+        <source>“%@”: %@</source>
+        <translation>« %@ » : %@</translation>
     </message>
     <message>
         <source>“%@”: %@ There are %d more notes like this.</source>

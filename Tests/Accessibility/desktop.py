@@ -7,6 +7,9 @@ import tempfile
 import time
 from pathlib import Path
 
+sys.path.append(str(Path(__file__).resolve().parents[1] / "Support"))
+from world import redirected
+
 LAUNCHERS = ("/usr/libexec/at-spi-bus-launcher", "/usr/lib/at-spi2-core/at-spi-bus-launcher")
 DEBIAN_PYTHON = "/usr/bin/python3"  # which finds what Debian packages brought
 
@@ -55,8 +58,7 @@ class Desktop:
         os.environ["DISPLAY"] = ":" + number
         os.environ["XDG_RUNTIME_DIR"] = self.sockets.name
         self.environment = {
-            **os.environ, "HOME": str(self.home), "XDG_DATA_HOME": str(self.home / "data"), "XDG_CONFIG_HOME": str(self.home / "config"),
-            "XDG_CACHE_HOME": str(self.home / "cache"), "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "xcb", "QT_ACCESSIBILITY": "1",
+            **os.environ, **redirected(self.home, self.sockets.name), "QT_QPA_PLATFORM": "xcb", "QT_ACCESSIBILITY": "1",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", **environment,
         }
         self.start(["openbox"], self.environment)

@@ -9,6 +9,7 @@ import unittest
 from pathlib import Path
 
 sys.dont_write_bytecode = True
+sys.path.append(str(Path(__file__).resolve().parents[1] / "Support"))
 from world import World
 
 ZELTO, ROOT = Path(sys.argv[1]).resolve(), Path(sys.argv[2]).resolve()

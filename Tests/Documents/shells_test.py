@@ -10,6 +10,10 @@ import time
 import unittest
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.append(str(Path(__file__).resolve().parents[1] / "Support"))
+from world import redirected
+
 ZELTO = Path(sys.argv[1]).resolve()
 
 # The line up to the cursor; what has to be offered; what must not be.
@@ -40,9 +44,8 @@ class Shells(unittest.TestCase):
         (cls.folder / "bin/zelto").symlink_to(ZELTO)
         (cls.folder / "place/photo one.png").touch()
         cls.environment = {
-            "PATH": f"{cls.folder}/bin:/usr/bin:/bin", "HOME": str(cls.folder), "LC_ALL": "C.UTF-8", "TERM": "dumb",
-            "XDG_CONFIG_HOME": str(cls.folder / "config"), "XDG_DATA_HOME": str(cls.folder / "data"),
-            "XDG_RUNTIME_DIR": str(cls.folder / "run"), **{k: v for k, v in os.environ.items() if k.endswith("SAN_OPTIONS")},
+            **redirected(cls.folder, cls.folder / "run"), "PATH": f"{cls.folder}/bin:/usr/bin:/bin", "TERM": "dumb",
+            **{k: v for k, v in os.environ.items() if k.endswith("SAN_OPTIONS")},
         }
         for shell in ("bash", "zsh", "fish"):
             (cls.folder / shell).write_text(cls.run_in_place([str(ZELTO), "completions", shell]))

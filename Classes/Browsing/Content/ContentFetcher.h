@@ -21,8 +21,9 @@ public:
     // What answers instead of the store once it is ready; null: nothing. Before the first request.
     void setIndex(std::shared_ptr<LibraryIndex> index);
 
-    // Those named first go first: what runs gives way to them, and begins anew afterwards.
-    enum class Priority { Content, Typing, Counts, Summary };
+    // Those named first go first: what runs gives way to them, and begins anew afterwards. `Idle`: nobody waits for it,
+    // and it may take long.
+    enum class Priority { Content, Typing, Counts, Summary, Idle };
 
     // What its owner is waiting for: one request at a time. A new one replaces the one before, also while that runs,
     // and only the answer of the latest is delivered. When the ticket ends, what was asked for ends with it: no answer

@@ -25,9 +25,6 @@ bool LookAlikes::look(LibraryIndex &index, ZQManagedObjectContext &context, cons
         return false;
     }
     while (m_next < m_arrived.size()) {
-        if (!isWanted()) {
-            return false;
-        }
         const qsizetype end = std::min(m_next + itemsPerReading, m_arrived.size());
         QList<Candidate> candidates;
         {
@@ -39,7 +36,11 @@ bool LookAlikes::look(LibraryIndex &index, ZQManagedObjectContext &context, cons
                 compare(*reading, m_arrived.at(i), candidates);
             }
         }
-        take(candidates, context);
+        const QList<Pair> pairs = pairsOf(candidates, context);
+        if (!isWanted()) {
+            return false; // what was cut off in the middle finds less than there is
+        }
+        take(pairs);
         m_next = end;
     }
     return true;
@@ -52,10 +53,11 @@ void LookAlikes::compare(const LibraryIndex::Reading &reading, const ZQObjectID 
     if (!hash) {
         return;
     }
+    const int farthest = ZQPictureHash::alikeDistanceAmong(qint64(reading.active().count()));
     // So many that those that came with it cannot keep the others out.
     const auto limit = static_cast<size_t>(m_arrived.size() + mostOthers);
     Candidate candidate{.item = item, .others = {}};
-    for (const auto &[other, distance] : reading.similar(*hash, limit, ZQPictureHash::alikeDistance)) {
+    for (const auto &[other, distance] : reading.similar(*hash, limit, farthest)) {
         if (!m_isArrived.contains(other) && candidate.others.size() < mostOthers) {
             candidate.others.append(other);
         }
@@ -65,8 +67,9 @@ void LookAlikes::compare(const LibraryIndex::Reading &reading, const ZQObjectID 
     }
 }
 
-void LookAlikes::take(const QList<Candidate> &candidates, ZQManagedObjectContext &context)
+QList<LookAlikes::Pair> LookAlikes::pairsOf(const QList<Candidate> &candidates, ZQManagedObjectContext &context)
 {
+    QList<Pair> pairs;
     for (const Candidate &candidate : candidates) {
         const auto items = ZQLibraryBaseItem::itemsWithIDs(QList{candidate.item} + candidate.others, context);
         if (items.isEmpty() || items.first()->objectID() != candidate.item) {
@@ -76,11 +79,18 @@ void LookAlikes::take(const QList<Candidate> &candidates, ZQManagedObjectContext
         const auto other = std::find_if(items.begin() + 1, items.end(), [&digest](const auto &each) {
             return each->active() && (digest.isEmpty() || each->SHA1() != digest);
         });
-        if (other == items.end()) {
-            continue;
+        if (other != items.end()) {
+            pairs.append({candidate.item, (*other)->objectID()});
         }
-        m_found.append(candidate.item);
-        if (const ZQObjectID before = (*other)->objectID(); !m_before.contains(before)) {
+    }
+    return pairs;
+}
+
+void LookAlikes::take(const QList<Pair> &pairs)
+{
+    for (const auto &[item, before] : pairs) {
+        m_found.append(item);
+        if (!m_before.contains(before)) {
             m_before.append(before);
         }
     }

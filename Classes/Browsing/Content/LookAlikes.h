@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include <functional>
+#include <utility>
 
 // Which of the items that just came look like one that was there before, beside plain copies of the same file, which
 // were asked about. A pass over the index for each; may be cut off and goes on with the next call. One thread at a
@@ -28,7 +29,9 @@ private:
         QList<ZQObjectID> others; // the nearest first
     };
     void compare(const LibraryIndex::Reading &reading, const ZQObjectID &item, QList<Candidate> &candidates) const;
-    void take(const QList<Candidate> &candidates, ZQManagedObjectContext &context);
+    using Pair = std::pair<ZQObjectID, ZQObjectID>; // the item, and the one before that it looks like
+    static QList<Pair> pairsOf(const QList<Candidate> &candidates, ZQManagedObjectContext &context);
+    void take(const QList<Pair> &pairs);
 
     const QList<ZQObjectID> m_arrived;
     const QSet<ZQObjectID> m_isArrived;

@@ -155,9 +155,10 @@ NearDuplicateGroup NearDuplicates::groupOf(QList<Worth> items)
 
 std::optional<QList<NearDuplicateGroup>> NearDuplicates::find(ZQManagedObjectContext &context, LibraryIndex *index,
                                                               const std::optional<QList<ZQObjectID>> &items,
-                                                              const Progress &progress, ZQError *error, int farthest)
+                                                              const Progress &progress, ZQError *error)
 {
     const auto set = pictures(context, index, items, error);
+    const int farthest = set ? ZQPictureHash::alikeDistanceAmong(qint64(set->hashes.size())) : 0;
     const auto found = set ? NearGroups::of(set->hashes, farthest, progress) : std::nullopt;
     if (!found) {
         return std::nullopt;

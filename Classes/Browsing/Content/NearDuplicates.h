@@ -21,13 +21,13 @@ class NearDuplicates
 public:
     using Progress = std::function<void(double)>; // 0 … 1, now and then, on the thread that asks; may be null
 
-    // The groups among all active items, or among `items`, as NearGroups cuts them; those with the most items first. On
-    // the context's thread, with what was saved; seconds for a million. `index` may be null, and is not held meanwhile.
-    // Nothing after an error, or, without one, when the thread's ZQCancellation was cancelled.
+    // The groups among all active items, or among `items`, as NearGroups cuts them, the nearer the more there are;
+    // those with the most items first. On the context's thread, with what was saved; seconds for a million. `index` may
+    // be null, and is not held meanwhile. Nothing after an error, or, without one, when the thread's ZQCancellation was
+    // cancelled.
     static std::optional<QList<NearDuplicateGroup>> find(ZQManagedObjectContext &context, LibraryIndex *index,
                                                          const std::optional<QList<ZQObjectID>> &items,
-                                                         const Progress &progress, ZQError *error,
-                                                         int farthest = ZQPictureHash::alikeDistance);
+                                                         const Progress &progress, ZQError *error);
 
     // What tells which of several is worth more.
     struct Worth

@@ -1,7 +1,6 @@
 #include "Classes/Browsing/Content/NearnessOrder.h"
 
-#include "Classes/Browsing/Index/LibraryIndex.h"
-#include "Classes/Browsing/Index/PictureSet.h"
+#include "Classes/Browsing/Content/SimilarItems.h"
 #include "Classes/Browsing/Search/LikeArgument.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
@@ -13,26 +12,14 @@
 QHash<ZQObjectID, int> NearnessOrder::distances(const QList<ZQPictureHash> &pictures) const
 {
     constexpr size_t all = std::numeric_limits<quint32>::max(); // rows
+    const std::vector<SimilarItems> none;
     QHash<ZQObjectID, int> result;
-    const auto take = [&result](const std::vector<std::pair<ZQObjectID, int>> &found) {
-        for (const auto &[item, distance] : found) {
+    for (const SimilarItems &each : zqSimilarItems(pictures, all, m_context, m_index, nullptr).value_or(none)) {
+        for (const auto &[item, distance] : each) {
             const auto known = result.constFind(item);
             if (known == result.cend() || *known > distance) {
                 result.insert(item, distance);
             }
-        }
-    };
-    if (m_index && m_index->isReady() && m_index->waitUntilCurrent()) {
-        if (const auto reading = m_index->read()) {
-            for (const ZQPictureHash &picture : pictures) {
-                take(reading->similar(picture, all, ZQPictureHash::similarDistance));
-            }
-            return result;
-        }
-    }
-    if (const auto set = PictureSet::ofStore(m_context, nullptr)) {
-        for (const ZQPictureHash &picture : pictures) {
-            take(set->nearest(picture.words, all, ZQPictureHash::similarDistance));
         }
     }
     return result;

@@ -45,14 +45,17 @@ std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading
 }
 
 // What the pictures of this title look like; nothing where the index has no answer.
-std::optional<QList<ZQPictureHash>> picturesTitled(const LibraryIndex::Reading &reading, const QString &title)
+std::optional<QList<ZQPictureHash>> picturesTitled(LibraryIndex &index, const QString &title)
 {
-    const auto rows = reading.matching(StoreSearch::titledPictures(title), ZQListRows::LibraryItems, reading.items());
+    const auto reading = index.isReady() && index.waitUntilCurrent() ? index.read() : std::nullopt;
+    const auto rows =
+        reading ? reading->matching(StoreSearch::titledPictures(title), ZQListRows::LibraryItems, reading->items())
+                : std::nullopt;
     if (!rows) {
         return std::nullopt;
     }
     QList<ZQPictureHash> found;
-    for (const HashWords &words : reading.pictures(*rows).hashes) {
+    for (const HashWords &words : reading->pictures(*rows).hashes) {
         if (found.size() < StoreSearch::mostPictures) {
             found.append(ZQPictureHash{words});
         }
@@ -105,11 +108,11 @@ SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetc
             const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
             return repeated ? *repeated : ofStore();
         };
-        result.picturesNamed = [index = m_index, ofStore = result.picturesNamed](const QString &name) {
-            const auto reading =
-                index->isReady() && index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
-            const auto titled = reading ? picturesTitled(*reading, name) : std::nullopt;
-            return titled && !titled->isEmpty() ? *titled : ofStore(name); // a bundleID only the store knows
+        result.picturesNamed = [index = m_index, &context = m_context,
+                                ofStore = result.picturesNamed](const QString &name) {
+            const QList<ZQPictureHash> identified = StoreSearch::picturesIdentified(name, context);
+            const auto titled = identified.isEmpty() ? picturesTitled(*index, name) : identified;
+            return titled ? *titled : ofStore(name);
         };
     }
     return result;

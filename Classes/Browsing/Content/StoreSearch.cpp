@@ -19,6 +19,24 @@ void addCounts(const ZQFetchRequest &request, ZQManagedObjectContext &context, Q
     }
 }
 
+// Of those that meet the condition and were looked at.
+QList<ZQPictureHash> picturesOf(const ZQPredicate &condition, ZQManagedObjectContext &context)
+{
+    static const QString picture = QStringLiteral("pictureHash");
+    const ZQPredicate known = ZQPredicate::predicateWithFormat(QStringLiteral("pictureHash != nil"));
+    const auto items = context.fetchDictionaries({.entityName = ZQLibraryBaseItem::entityName(),
+                                                  .predicate = ZQPredicate::andPredicate({condition, known}),
+                                                  .fetchLimit = StoreSearch::mostPictures},
+                                                 {picture});
+    QList<ZQPictureHash> found;
+    for (const QVariantMap &item : items.value_or(QList<QVariantMap>())) {
+        if (const auto read = ZQPictureHash::fromBytes(item.value(picture).toByteArray())) {
+            found.append(*read);
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 SearchContext StoreSearch::context(ZQListRows rows, const QList<ZQFetchRequest> &requests,
@@ -29,6 +47,10 @@ SearchContext StoreSearch::context(ZQListRows rows, const QList<ZQFetchRequest> 
     result.hashCounts = [requests, &context] { return hashCounts(requests, context); };
     result.liveFolderDepth = [&context] { return liveFolderDepth(context); };
     result.picturesNamed = [&context](const QString &name) { return picturesNamed(name, context); };
+    result.titleOfPicture = [&context](const QString &name) {
+        const auto item = zqFetchFirst<ZQLibraryBaseItem>(context, QStringLiteral("bundleID == %@"), {name});
+        return item ? item->title() : name;
+    };
     return result;
 }
 
@@ -72,26 +94,16 @@ ZQPredicate StoreSearch::titledPictures(const QString &name)
                                       stem.isEmpty() ? titled : ZQPredicate::orPredicate({titled, withExtension})});
 }
 
+QList<ZQPictureHash> StoreSearch::picturesIdentified(const QString &bundleID, ZQManagedObjectContext &context)
+{
+    return picturesOf(ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND bundleID == %@"), {bundleID}),
+                      context);
+}
+
 QList<ZQPictureHash> StoreSearch::picturesNamed(const QString &name, ZQManagedObjectContext &context)
 {
-    static const QString hash = QStringLiteral("pictureHash");
-    const ZQPredicate identified =
-        ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND bundleID == %@"), {name});
-    for (const ZQPredicate &predicate : {identified, titledPictures(name)}) { // the first has an index
-        const auto items = context.fetchDictionaries(
-            {.entityName = ZQLibraryBaseItem::entityName(), .predicate = predicate, .fetchLimit = mostPictures},
-            {hash});
-        QList<ZQPictureHash> found;
-        for (const QVariantMap &item : items.value_or(QList<QVariantMap>())) {
-            if (const auto read = ZQPictureHash::fromBytes(item.value(hash).toByteArray())) {
-                found.append(*read);
-            }
-        }
-        if (!found.isEmpty()) {
-            return found;
-        }
-    }
-    return {};
+    const QList<ZQPictureHash> identified = picturesIdentified(name, context); // has an index
+    return identified.isEmpty() ? picturesOf(titledPictures(name), context) : identified;
 }
 
 int StoreSearch::liveFolderDepth(ZQManagedObjectContext &context)

@@ -16,7 +16,10 @@ public:
     // How many items of the content have each SHA-1; an item that is in it twice is one.
     static QMap<QString, qint64> hashCounts(const QList<ZQFetchRequest> &requests,
                                             ZQManagedObjectContext &inManagedObjectContext);
-    // What the active pictures look like whose bundleID or title, with or without the extension, is `name`; at most
+    // What the active picture of this bundleID looks like; none where it is not known.
+    static QList<ZQPictureHash> picturesIdentified(const QString &bundleID,
+                                                   ZQManagedObjectContext &inManagedObjectContext);
+    // The same, or, where there is none, those whose title, with or without the extension, is `name`; at most
     // `mostPictures`.
     static QList<ZQPictureHash> picturesNamed(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     static ZQPredicate titledPictures(const QString &name); // the condition on those of this title

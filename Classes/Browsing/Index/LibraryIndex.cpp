@@ -3,7 +3,6 @@
 #include "Classes/Browsing/Index/IndexCounts.h"
 #include "Classes/Browsing/Index/IndexReader.h"
 #include "Classes/Browsing/Index/IndexRequests.h"
-#include "Classes/Browsing/Index/NearGroups.h"
 #include "Classes/Browsing/Index/SimilarPictures.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -424,15 +423,10 @@ std::vector<std::pair<ZQObjectID, int>> LibraryIndex::Reading::similar(const ZQP
 {
     const IndexItems &items = d->columns.items;
     std::vector<std::pair<ZQObjectID, int>> result;
-    for (const SimilarPicture &each : zqNearestPictures(items, hash, active(), limit, farthest)) {
+    for (const SimilarPicture &each : zqNearestPictures(items.pictures, hash, active(), limit, farthest)) {
         result.emplace_back(items.id(each.row), each.distance);
     }
     return result;
-}
-
-std::optional<ZQRowSet> LibraryIndex::Reading::near(const ZQOklab &color, float tolerance, const ZQRowSet &among) const
-{
-    return zqPicturesWithColor(d->columns.items.pictures, ColorNearness(color, tolerance), among);
 }
 
 PictureSet LibraryIndex::Reading::pictures(const ZQRowSet &among) const
@@ -446,21 +440,6 @@ PictureSet LibraryIndex::Reading::pictures(const ZQRowSet &among) const
             result.add(items.id(quint32(row)), *hash);
         }
     });
-    return result;
-}
-
-std::vector<QList<ZQObjectID>> LibraryIndex::Reading::nearDuplicates(const ZQRowSet &among, int farthest,
-                                                                     const std::function<void(double)> &progress) const
-{
-    const PictureSet pictures = this->pictures(among);
-    std::vector<QList<ZQObjectID>> result;
-    for (const std::vector<quint32> &group :
-         NearGroups::of(pictures.hashes, farthest, progress).value_or(NearGroups::Groups())) {
-        QList<ZQObjectID> &ids = result.emplace_back();
-        for (const quint32 place : group) {
-            ids.append(pictures.items[place]);
-        }
-    }
     return result;
 }
 

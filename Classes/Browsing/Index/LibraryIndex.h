@@ -3,7 +3,6 @@
 #include "Classes/Browsing/Index/IndexRows.h"
 #include "Classes/Browsing/Index/PictureSet.h"
 #include "Classes/Browsing/Index/SizeClasses.h"
-#include "Kit/Imaging/ZQOklab.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQRowSet.h"
 #include "Models/DataModel/ZQListRows.h"
@@ -13,7 +12,6 @@
 #include <QObject>
 #include <QVariant>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -103,17 +101,11 @@ public:
 
         // What the picture of an item looks like; nothing for one that shows nothing, or was not yet looked at.
         std::optional<ZQPictureHash> pictureHash(const ZQObjectID &item) const;
-        // The active items that look most like it, with how many bits they are apart: nearest first.
+        // The active items that look most like it, with how many bits they are apart: nearest first. Some of them when
+        // the thread's ZQCancellation was cancelled.
         std::vector<std::pair<ZQObjectID, int>> similar(const ZQPictureHash &hash, size_t limit, int farthest) const;
-        // Those among `among` whose palette has a colour at most so far from it, in Oklab; less far where it has only
-        // little of it.
-        std::optional<ZQRowSet> near(const ZQOklab &color, float tolerance, const ZQRowSet &among) const;
         // The pictures of rows, to be looked at for longer than an answer may take.
         PictureSet pictures(const ZQRowSet &among) const;
-        // Groups of `among` that look alike, as NearGroups finds them. Of a million this takes seconds, in which
-        // nothing can change: for few; for many, of `pictures`.
-        std::vector<QList<ZQObjectID>> nearDuplicates(const ZQRowSet &among, int farthest,
-                                                      const std::function<void(double)> &progress) const;
         // The rows of active items; others are left out.
         ZQRowSet rowsOf(const QList<ZQObjectID> &items) const;
 

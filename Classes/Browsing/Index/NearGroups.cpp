@@ -10,10 +10,12 @@
 namespace {
 
 constexpr int partCount = 16;
+constexpr int mostDiffering = 2; // bits of a part: with each more, five times as much is compared
 constexpr int partBits = ZQPictureHash::bitCount / partCount;
 constexpr size_t bucketCount = size_t(1) << partBits;
 constexpr quint32 blockBuckets = 16; // those whose values differ in the lowest bits only
 constexpr quint32 blockCount = bucketCount / blockBuckets;
+constexpr double workOfPairs = 0.95; // of all
 constexpr size_t comparisonsBetweenLooks = size_t(1) << 22;
 
 // Every sixteenth bit: neighbouring bits of a hash say much the same, and would leave a part few different values.
@@ -66,8 +68,8 @@ private:
 class Search
 {
 public:
-    Search(std::span<const HashWords> hashes, int farthest, const NearGroups::Progress &progress)
-        : m_hashes(hashes), m_farthest(farthest), m_progress(progress), m_joined(0)
+    Search(std::span<const HashWords> hashes, int farthest, const NearGroups::Progress &progress, size_t fewHashes)
+        : m_hashes(hashes), m_farthest(farthest), m_progress(progress), m_fewHashes(fewHashes), m_joined(0)
     {
     }
     std::optional<NearGroups::Groups> groups();
@@ -109,6 +111,7 @@ private:
     std::span<const HashWords> m_hashes;
     int m_farthest;
     const NearGroups::Progress &m_progress;
+    size_t m_fewHashes;
     // Different hashes, and the places of those that have each.
     ZQPagedVector<quint32> m_places;
     ZQPagedVector<quint32> m_firsts; // among the places; with the end
@@ -207,9 +210,9 @@ bool Search::joinBlocks(quint32 a, quint32 b, int differing)
 
 bool Search::joinByPart(int part)
 {
-    constexpr double workOfPairs = 0.95; // of all
     // When every part of two hashes differed in more than this, they would differ in more than `farthest` bits.
-    const int differing = m_farthest / partCount - (part <= m_farthest % partCount ? 0 : 1);
+    const int needed = m_farthest / partCount - (part <= m_farthest % partCount ? 0 : 1);
+    const int differing = std::min(needed, mostDiffering);
     if (differing < 0) {
         return true;
     }
@@ -325,26 +328,43 @@ bool Search::cutAll(NearGroups::Groups &groups)
     return true;
 }
 
-// Of few it is quicker to look at each pair than at each bucket.
+// Of few it is quicker to look at each pair than at each bucket; by blocks, which stay in the cache.
 bool Search::joinEach()
 {
-    m_order.resize(differentCount());
+    const size_t count = differentCount();
+    const size_t block = std::clamp<size_t>(count / 128, 16, 1024);
+    m_order.resize(count);
     std::iota(m_order.begin(), m_order.end(), 0U);
     std::transform(m_order.begin(), m_order.end(), std::back_inserter(m_sorted),
                    [this](quint32 each) { return hash(each); });
-    return joinBuckets({0, m_sorted}, {0, m_sorted});
+    const auto blockAt = [&](size_t first) {
+        return Bucket{first, std::span(m_sorted).subspan(first, std::min(block, count - first))};
+    };
+    for (size_t own = 0; own < count; own += block) {
+        for (size_t other = own; other < count; other += block) {
+            if (!joinBuckets(blockAt(own), blockAt(other))) {
+                return false;
+            }
+        }
+        if (ZQCancellation::isCurrentCancelled()) {
+            return false;
+        }
+        const double left = 1 - double(std::min(count, own + block)) / double(count); // of the rows, and of each row
+        report(workOfPairs * (1 - left * left));
+    }
+    return true;
 }
 
 std::optional<NearGroups::Groups> Search::groups()
 {
-    constexpr size_t few = 1024;
     gatherEqual();
-    for (int part = 0; part < partCount && differentCount() > few; ++part) {
+    const bool isFew = differentCount() <= m_fewHashes;
+    for (int part = 0; part < partCount && !isFew; ++part) {
         if (ZQCancellation::isCurrentCancelled() || !joinByPart(part)) {
             return std::nullopt;
         }
     }
-    if (ZQCancellation::isCurrentCancelled() || (differentCount() <= few && !joinEach())) {
+    if (ZQCancellation::isCurrentCancelled() || (isFew && !joinEach())) {
         return std::nullopt;
     }
     ZQPagedVector<HashWords>().swap(m_sorted);
@@ -361,7 +381,7 @@ std::optional<NearGroups::Groups> Search::groups()
 } // namespace
 
 std::optional<NearGroups::Groups> NearGroups::of(std::span<const HashWords> hashes, int farthest,
-                                                 const Progress &progress)
+                                                 const Progress &progress, size_t fewHashes)
 {
-    return Search(hashes, farthest, progress).groups();
+    return Search(hashes, farthest, progress, fewHashes).groups();
 }

@@ -23,7 +23,7 @@ PictureColor PictureColor::of(const ZQOklab &color, quint8 share)
 
 PictureColors PictureColors::of(std::string_view bytes)
 {
-    constexpr size_t bytesOfColor = 4;
+    constexpr size_t bytesOfColor = ZQPalette::bytesOfColor;
     PictureColors result;
     if (bytes.size() % bytesOfColor != 0 || bytes.size() > bytesOfColor * result.colors.size()) {
         return result;

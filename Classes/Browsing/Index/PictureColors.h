@@ -39,9 +39,7 @@ struct PictureColors
 class ColorNearness
 {
 public:
-    static constexpr float usual = 0.1F; // of tolerances in Oklab: "the same blue" in a lighter and a darker one
-
-    ColorNearness(const ZQOklab &color, float tolerance);
+    ColorNearness(const ZQOklab &color, float tolerance); // as ZQOklab::distance has it
     bool operator()(const PictureColors &picture) const
     {
         bool isNear = false;

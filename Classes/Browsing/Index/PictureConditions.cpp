@@ -2,6 +2,7 @@
 
 #include "Kit/Persistence/ZQResemblance.h"
 
+#include <QColor>
 #include <QStringList>
 
 namespace {
@@ -70,8 +71,7 @@ std::optional<PictureCondition> PictureCondition::fromText(const QString &text)
 
 QString ColorCondition::text() const
 {
-    const QString name = u'#' + QString::number(color & RGB_MASK, 16).rightJustified(6, u'0');
-    return QStringList{::color, name, within, QString::number(tolerance)}.join(u' ');
+    return QStringList{::color, QColor(color).name(), within, QString::number(tolerance)}.join(u' ');
 }
 
 std::optional<ColorCondition> ColorCondition::fromText(const QString &text)

@@ -27,7 +27,7 @@ struct ColorCondition
     QRgb color = 0;
     int tolerance = usualTolerance; // hundredths in Oklab, where black and white are a hundred apart
 
-    static constexpr int usualTolerance = 10;
+    static constexpr int usualTolerance = 10; // "the same blue" in a lighter and a darker one
     static constexpr int greatestTolerance = 100;
     ColorNearness nearness() const { return {ZQOklab::of(color), float(tolerance) / 100}; }
     QString text() const;

@@ -1,6 +1,5 @@
 #include "Classes/Browsing/Index/SimilarPictures.h"
 
-#include "Classes/Browsing/Index/IndexItems.h"
 #include "Kit/Foundation/ZQCancellation.h"
 
 #include <algorithm>
@@ -70,12 +69,6 @@ std::vector<SimilarPicture> zqNearestPictures(const IndexPictures &pictures, con
     });
     near.resize(std::min(limit, near.size()));
     return near;
-}
-
-std::vector<SimilarPicture> zqNearestPictures(const IndexItems &items, const ZQPictureHash &hash, const ZQRowSet &among,
-                                              size_t limit, int farthest)
-{
-    return zqNearestPictures(items.pictures, hash, among, limit, farthest);
 }
 
 std::optional<ZQRowSet> zqPicturesWithin(const IndexPictures &pictures, const ZQPictureHash &hash, int farthest,

@@ -4,8 +4,6 @@
 
 #include <vector>
 
-class IndexItems;
-
 // Pictures that look like one, or show a colour, by a pass over all of them: a few milliseconds a million, so that
 // nothing has to be kept for it. Any thread, while the index does not change.
 
@@ -16,13 +14,11 @@ struct SimilarPicture
 };
 
 // The nearest of `among` to `hash`, nearest first and equally near ones by row, at most `limit`, none beyond
-// `farthest`.
+// `farthest`. Some of them when the thread's ZQCancellation was cancelled.
 std::vector<SimilarPicture> zqNearestPictures(const IndexPictures &pictures, const ZQPictureHash &hash,
                                               const ZQRowSet &among, size_t limit, int farthest);
-std::vector<SimilarPicture> zqNearestPictures(const IndexItems &items, const ZQPictureHash &hash, const ZQRowSet &among,
-                                              size_t limit, int farthest);
 
-// Those of `among` that look like it; nothing when the thread's ZQCancellation was cancelled, here and below.
+// Those of `among` that look like it; nothing when it was cancelled, here and below.
 std::optional<ZQRowSet> zqPicturesWithin(const IndexPictures &pictures, const ZQPictureHash &hash, int farthest,
                                          const ZQRowSet &among);
 // Those of `among` that show the colour.

@@ -5,6 +5,7 @@
 #include "Kit/Persistence/ZQPredicate.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
+#include <QColor>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -85,7 +86,7 @@ std::optional<ColorArgument> ColorArgument::of(const QString &text)
 
 QString ColorArgument::textFor(QRgb color)
 {
-    return u'#' + QString::number(color & RGB_MASK, 16).rightJustified(6, u'0');
+    return QColor(color).name();
 }
 
 QString ColorArgument::textFor(const QString &color, int tolerance)

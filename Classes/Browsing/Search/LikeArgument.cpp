@@ -12,7 +12,8 @@ LikeArgument LikeArgument::of(const QString &text)
     static const QRegularExpression withNumber(QStringLiteral("^(.+)~([0-9]{1,3})$"));
     const auto match = withNumber.match(text);
     const int apart = match.hasMatch() ? match.captured(2).toInt() : 0;
-    return match.hasMatch() && apart <= farthestApart ? LikeArgument{match.captured(1), apart} : LikeArgument{text};
+    return match.hasMatch() && apart <= 100 ? LikeArgument{match.captured(1), std::min(apart, farthestApart)}
+                                            : LikeArgument{text};
 }
 
 QString LikeArgument::text() const

@@ -166,17 +166,17 @@ SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &contex
 SearchClause likeClause(const SearchLexeme &lexeme, const SearchContext &context)
 {
     const LikeArgument like = LikeArgument::of(lexeme.text);
-    const int farthest = std::min(like.farthestBits(), ZQPictureHash::similarDistance);
     QStringList conditions;
     for (const ZQPictureHash &hash :
          context.picturesNamed ? context.picturesNamed(like.name) : QList<ZQPictureHash>()) {
-        conditions.append(PictureCondition{hash, farthest}.text());
+        conditions.append(PictureCondition{hash, like.farthestBits()}.text());
     }
     const QString query = SearchQueries::resemblanceQuery(QStringLiteral("pictureHash"), conditions, context.rows);
     const bool isUnknown = context.picturesNamed && conditions.isEmpty();
+    const QString title = context.titleOfPicture ? context.titleOfPicture(like.name) : like.name;
     SearchClause clause = plainClause(
-        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is known by its looks"), {shown(lexeme.text)})
-                         : sentenceForText(SearchField::Like, lexeme.text));
+        query, isUnknown ? zqFormat(zqLocalized("No picture named “%@” is known by its looks"), {shown(title)})
+                         : sentenceForText(SearchField::Like, title));
     clause.cost = 1 + int(conditions.size());
     clause.normalized = lexeme.token->name() + u' ' + zqFold(lexeme.text);
     return clause;

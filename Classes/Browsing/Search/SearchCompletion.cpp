@@ -110,8 +110,10 @@ SearchCompletions forArgument(const SearchLexeme &lexeme, const QString &text, q
     result.options.removeIf([&result](const SearchCompletion &option) {
         return !option.text.startsWith(result.typed, Qt::CaseInsensitive);
     });
-    if (lexeme.token->argument == SearchArgument::Color) {
-        result.options += nearnesses(result.typed);
+    const auto nearer =
+        lexeme.token->argument == SearchArgument::Color ? nearnesses(result.typed) : QList<SearchCompletion>();
+    if (!nearer.isEmpty()) { // of what is typed in full
+        result.options = nearer;
     }
     return result;
 }

@@ -25,6 +25,8 @@ struct SearchContext
     // What the pictures look like that a name or bundleID means; those without a picture are left out. Null: none is
     // known.
     std::function<QList<ZQPictureHash>(const QString &name)> picturesNamed = nullptr;
+    // The title of the picture that a bundleID means, for the sentence; what is no bundleID as it is. Null: so is all.
+    std::function<QString(const QString &name)> titleOfPicture = nullptr;
     QDate today = QDate::currentDate();
     SizeClasses::Limits sizes = SizeClasses::Limits::current();
 };

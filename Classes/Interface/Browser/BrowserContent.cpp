@@ -548,10 +548,10 @@ QString BrowserContent::emptySearchText() const
     }
     const QList<SearchPart> problems = expression.problems();
     const QString advice = zqLocalized("Edit Search… in its menu gives it another text.");
-    return problems.isEmpty()
-               ? zqLocalized("This smart folder has nothing to search for.") + u'\n' + advice
-               : zqLocalized("The search of this smart folder cannot be understood.") + u'\n' + problems.first().text +
-                     QStringLiteral(": ") + problems.first().meaning + u'\n' + advice;
+    return problems.isEmpty() ? zqLocalized("This smart folder has nothing to search for.") + u'\n' + advice
+                              : zqLocalized("The search of this smart folder cannot be understood.") + u'\n' +
+                                    zqFormat(zqLocalized("%@: %@"), {problems.first().text, problems.first().meaning}) +
+                                    u'\n' + advice;
 }
 
 QString BrowserContent::emptyText() const

@@ -278,7 +278,11 @@ QList<WindowCommand> BrowserHead::commands()
                        .keys = {},
                        .run = [this, choice] { setSort(choice.value, m_content.tab().sortDirectionValue()); },
                        .isEnabled = [this, choice] { return canSortBy(choice.value); },
-                       .isChecked = [this, choice] { return m_content.tab().sortKeysValue() == choice.value; }});
+                       .isChecked =
+                           [this, choice] {
+                               const TabState &tab = m_content.tab();
+                               return tab.sortKeysValue() == choice.value && !tab.isByNearness();
+                           }});
     }
     for (const bool ascending : {true, false}) {
         result.append(

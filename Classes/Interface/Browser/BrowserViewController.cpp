@@ -444,10 +444,12 @@ void BrowserViewController::redrawVisible()
 
 void BrowserViewController::openDetail(bool quickLook)
 {
-    if (!m_content->isOfPlaceBefore() && m_content->libraryItem(m_grid->currentIndex())) {
+    const qint64 current = m_grid->currentIndex();
+    if (!m_content->isOfPlaceBefore() && m_content->libraryItem(current)) {
+        m_compare->close(); // it would keep its pictures in memory, unseen
         m_stack->setCurrentWidget(m_detail);
         m_detail->setQuickLook(quickLook);
-        showDetailAt(m_grid->currentIndex());
+        showDetailAt(current);
         m_detail->setFocus();
         Q_EMIT viewChanged();
     }

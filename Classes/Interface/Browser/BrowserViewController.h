@@ -38,7 +38,9 @@ public:
     void setFilter(const QString &text);
     void setTypedAt(qsizetype cursor);                 // of the search field; -1: it has no focus
     void refine(FacetKind kind, const QString &token); // chooses a value of a facet, or takes it away
-    void updateHead();                                 // title, count and order of what is shown
+    // For the token besides what is searched, or alone; for what is searched alone already, no more.
+    void search(const QString &token, bool adds);
+    void updateHead(); // title, count and order of what is shown
     BrowserHead &head() { return *m_head; }
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }

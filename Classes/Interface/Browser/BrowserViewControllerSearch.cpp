@@ -1,6 +1,7 @@
 // What a search shows and what it hides: chips, refine bar, and the counts of the head and the status row.
 
 #include "Classes/Browsing/Index/ItemCount.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
 #include "Classes/Interface/Browser/NearnessSlider.h"
@@ -18,11 +19,27 @@ void BrowserViewController::makeSearchRows(QWidget *page)
     connect(m_chips, &SearchChips::partChosen, this, &BrowserViewController::searchPartRequested);
     m_refine = new RefineBar(m_window, page);
     connect(m_refine, &RefineBar::chosen, this, &BrowserViewController::refine);
+    connect(m_refine, &RefineBar::colorChosen, this, [this](const QString &token, const QString &before) {
+        const QString typed = m_content->tab().searchString();
+        const bool isThere = SearchManager::contains(typed, before);
+        const QString text = isThere ? SearchManager::toggled(typed, before) : typed;
+        Q_EMIT searchRequested(FacetText(text).toggled(FacetKind::Color, token));
+    });
 }
 
 void BrowserViewController::refine(FacetKind kind, const QString &token)
 {
     Q_EMIT searchRequested(FacetText(m_content->tab().searchString()).toggled(kind, token));
+}
+
+void BrowserViewController::search(const QString &token, bool adds)
+{
+    const QString &text = m_content->tab().searchString();
+    if (!adds) {
+        Q_EMIT searchRequested(text.trimmed() == token ? QString() : token);
+    } else if (!SearchManager::contains(text, token)) {
+        Q_EMIT searchRequested(SearchManager::toggled(text, token));
+    }
 }
 
 // A saved search is explained, and changed where it is edited.

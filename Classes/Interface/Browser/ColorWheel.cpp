@@ -27,20 +27,13 @@ ColorWheel::ColorWheel(QWidget *parent) : QWidget(parent)
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::CrossCursor);
     setAccessibleName(zqLocalized("Color"));
+    setAccessibleDescription(zqLocalized("Left and Right change the hue, Up and Down how full the color is"));
+    setToolTip(accessibleDescription());
 }
 
 QColor ColorWheel::color() const
 {
     return QColor::fromHsv(m_hue, m_fullness, m_value);
-}
-
-void ColorWheel::setColor(const QColor &color)
-{
-    m_hue = std::max(0, color.hsvHue()); // greys have none
-    m_fullness = color.hsvSaturation();
-    m_value = color.value();
-    m_disk = {};
-    update();
 }
 
 void ColorWheel::setValue(int value)
@@ -130,15 +123,18 @@ void ColorWheel::mouseMoveEvent(QMouseEvent *event)
 
 void ColorWheel::keyPressEvent(QKeyEvent *event)
 {
+    const bool isFine = event->modifiers() & Qt::ShiftModifier;
+    const int turn = isFine ? 1 : hueStep;
+    const int fill = isFine ? 1 : fullnessStep;
     switch (event->key()) {
     case Qt::Key_Left:
-        return choose(m_hue + hueStep, m_fullness);
+        return choose(m_hue + turn, m_fullness);
     case Qt::Key_Right:
-        return choose(m_hue - hueStep, m_fullness);
+        return choose(m_hue - turn, m_fullness);
     case Qt::Key_Up:
-        return choose(m_hue, m_fullness + fullnessStep);
+        return choose(m_hue, m_fullness + fill);
     case Qt::Key_Down:
-        return choose(m_hue, m_fullness - fullnessStep);
+        return choose(m_hue, m_fullness - fill);
     default:
         QWidget::keyPressEvent(event);
     }

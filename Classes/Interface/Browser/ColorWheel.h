@@ -7,14 +7,13 @@
 #include <QWidget>
 
 // Hues around, and from grey in the middle to full colour at the edge. The pointer chooses, and the arrow keys: left
-// and right the hue, up and down how full it is. Main thread.
+// and right the hue, up and down how full it is, by the smallest step with Shift. Main thread.
 class ColorWheel : public QWidget, public ZQAccessibleNumber
 {
     Q_OBJECT
 public:
     explicit ColorWheel(QWidget *parent = nullptr);
     QColor color() const;
-    void setColor(const QColor &color);
     void setValue(int value); // from black, 0, to light, 255
     int value() const { return m_value; }
 

@@ -1,46 +1,52 @@
 #include "Classes/Interface/Browser/ColorWheelMenu.h"
 
+#include "Classes/Browsing/Index/PictureConditions.h"
 #include "Classes/Browsing/Search/ColorArgument.h"
 #include "Classes/Browsing/Search/SearchToken.h"
 #include "Classes/Interface/Browser/ColorWheel.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQWindowPlace.h"
 
 #include <QBoxLayout>
 #include <QLabel>
-#include <QScreen>
+#include <QLineEdit>
+#include <QSignalBlocker>
 #include <QSlider>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr int restMilliseconds = 60;
-constexpr int usualTolerance = 10; // hundredths of the way from black to white
+constexpr int usualTolerance = ColorCondition::usualTolerance;
 constexpr int greatestTolerance = 40;
 constexpr int lightest = 255;
 } // namespace
 
 ColorWheelMenu::ColorWheelMenu(QWidget *parent)
-    : QFrame(parent, Qt::Popup), m_wheel(new ColorWheel(this)), m_name(new QLabel(this))
+    : QFrame(parent, Qt::Popup), m_wheel(new ColorWheel(this)), m_code(new QLineEdit(this)), m_color(m_wheel->color())
 {
     setObjectName(QStringLiteral("FacetMenu"));
     setAttribute(Qt::WA_DeleteOnClose);
     setAccessibleName(zqLocalized("Find a color"));
-    m_name->setObjectName(QStringLiteral("SmallMuted"));
-    m_name->setAlignment(Qt::AlignCenter);
+    m_code->setAlignment(Qt::AlignCenter);
+    m_code->setAccessibleName(zqLocalized("The color as a name or a number, such as #3366cc"));
+    m_code->setToolTip(m_code->accessibleName());
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(12, 12, 12, 12);
     column->setSpacing(6);
     column->addWidget(m_wheel, 0, Qt::AlignCenter);
-    column->addWidget(m_name);
+    column->addWidget(m_code);
     m_value = addSlider(zqLocalized("Brightness"), lightest, m_wheel->value());
     m_tolerance = addSlider(zqLocalized("Tolerance"), greatestTolerance, usualTolerance);
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMilliseconds);
     connect(&m_rest, &QTimer::timeout, this, &ColorWheelMenu::search);
     connect(m_value, &QSlider::valueChanged, m_wheel, &ColorWheel::setValue);
-    connect(m_wheel, &ColorWheel::changed, this, &ColorWheelMenu::change);
-    connect(m_tolerance, &QSlider::valueChanged, this, &ColorWheelMenu::change);
-    m_name->setText(m_wheel->color().name());
+    connect(m_wheel, &ColorWheel::changed, this, &ColorWheelMenu::turn);
+    connect(m_code, &QLineEdit::textEdited, this, &ColorWheelMenu::type);
+    connect(m_tolerance, &QSlider::valueChanged, this, [this] { choose(m_color); });
+    m_code->setText(m_color.name());
     m_wheel->setFocus();
 }
 
@@ -58,23 +64,43 @@ QSlider *ColorWheelMenu::addSlider(const QString &name, int most, int value)
     return slider;
 }
 
-void ColorWheelMenu::popUp(const QPoint &globalPoint)
+void ColorWheelMenu::popUp(const QWidget &anchor)
 {
     adjustSize();
-    QPoint corner = globalPoint;
-    if (const QScreen *on = screen()) {
-        const QRect room = on->availableGeometry();
-        corner.setX(std::max(room.left(), std::min(corner.x(), room.right() - width())));
-        corner.setY(std::max(room.top(), std::min(corner.y(), room.bottom() - height())));
-    }
-    move(corner);
+    zqMoveBelow(*this, anchor);
     show();
     m_wheel->setFocus();
 }
 
-void ColorWheelMenu::change()
+void ColorWheelMenu::turn()
 {
-    m_name->setText(m_wheel->color().name());
+    m_code->setText(m_wheel->color().name());
+    choose(m_wheel->color());
+}
+
+// The wheel follows, as near as hue, fullness and lightness come; what is searched is what was typed.
+void ColorWheelMenu::type(const QString &text)
+{
+    QString given = text.trimmed();
+    if (ColorArgument::isHex(u'#' + given)) {
+        given.prepend(u'#');
+    } else if (given.isEmpty() || given.front().isDigit()) {
+        return; // of a number that is still being typed; by itself it would be that of a main colour
+    }
+    const auto typed = ColorArgument::of(given);
+    if (!typed || !typed->rgb || typed->tolerance) {
+        return;
+    }
+    const QColor color = QColor::fromRgb(*typed->rgb);
+    m_wheel->setColor(color);
+    const QSignalBlocker blocker(m_value);
+    m_value->setValue(m_wheel->value());
+    choose(color);
+}
+
+void ColorWheelMenu::choose(const QColor &color)
+{
+    m_color = color;
     if (!m_rest.isActive()) {
         m_rest.start();
     }
@@ -82,12 +108,11 @@ void ColorWheelMenu::change()
 
 void ColorWheelMenu::search()
 {
-    const QString color = ColorArgument::textFor(m_wheel->color().rgb());
+    const QString color = ColorArgument::textFor(m_color.rgb());
     const int tolerance = m_tolerance->value();
     const QString token = SearchToken::ofField(SearchField::Color).name() + u' ' +
                           (tolerance == usualTolerance ? color : ColorArgument::textFor(color, tolerance));
     if (token != m_searched) { // the same once more would take it away
-        m_searched = token;
-        Q_EMIT chosen(token);
+        Q_EMIT chosen(token, std::exchange(m_searched, token));
     }
 }

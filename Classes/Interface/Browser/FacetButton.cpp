@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLocale>
 #include <QPainter>
+#include <QStyle>
 
 namespace {
 
@@ -50,7 +51,7 @@ void FacetButton::showValue(FacetKind kind, const FacetValue &value)
     setCheckable(true);
     setChecked(value.isChosen);
     setAccessibleName(spoken(value));
-    setToolTip(Facet::title(kind) + QStringLiteral(": ") + value.title + QStringLiteral("  ") + value.token);
+    setToolTip(zqFormat(zqLocalized("%@: %@"), {Facet::title(kind), value.title}) + QStringLiteral("  ") + value.token);
     updateGeometry();
     update();
 }
@@ -97,6 +98,8 @@ void FacetButton::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1 : dimmed);
+    painter.setLayoutDirection(layoutDirection());
+    const auto mirrored = [this](const QRect &place) { return QStyle::visualRect(layoutDirection(), rect(), place); };
     const QRectF box = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     const ZQColorRole ground = isChecked()                ? ZQColorRole::Select
                                : isDown() || underMouse() ? ZQColorRole::Raised2
@@ -108,19 +111,20 @@ void FacetButton::paintEvent(QPaintEvent * /*event*/)
     if (m_value.color != 0) {
         painter.setPen(QPen(zqSwatchRing(m_value.color, zqColor(ground)), 1));
         painter.setBrush(ZQTheme::swatch(m_value.color));
-        painter.drawEllipse(QRectF(x + 0.5, (height() - dotSize) / 2.0 + 0.5, dotSize - 1, dotSize - 1));
+        const QRect dot(x, (height() - dotSize) / 2, dotSize, dotSize);
+        painter.drawEllipse(QRectF(mirrored(dot)).adjusted(0.5, 0.5, -0.5, -0.5));
         x += dotSize + gap;
     }
     const QColor accent = ZQTheme::withContrast(zqColor(ZQColorRole::Accent), zqColor(ZQColorRole::Select), 4.5);
     if (const QString title = shownTitle(); !title.isEmpty()) {
         painter.setFont(titleFont());
         painter.setPen(isChecked() ? accent : zqColor(ZQColorRole::Text));
-        painter.drawText(QRect(x, 0, width() - x, height()), Qt::AlignVCenter, title);
+        painter.drawText(mirrored({x, 0, width() - x, height()}), Qt::AlignVCenter, title);
         x += painter.fontMetrics().horizontalAdvance(title) + gap;
     }
     painter.setFont(countFont());
     painter.setPen(isChecked() ? accent : zqColor(ZQColorRole::TextMuted));
-    painter.drawText(QRect(x, 0, width() - x, height()), Qt::AlignVCenter, shownCount());
+    painter.drawText(mirrored({x, 0, width() - x, height()}), Qt::AlignVCenter, shownCount());
 }
 
 void FacetButton::keyPressEvent(QKeyEvent *event)

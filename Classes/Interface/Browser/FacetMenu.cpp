@@ -4,6 +4,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQPredicate.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Kit/Widgets/ZQWindowPlace.h"
 
 #include <QBoxLayout>
 #include <QCoreApplication>
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
-#include <QScreen>
 
 #include <algorithm>
 
@@ -59,16 +59,10 @@ FacetMenu::FacetMenu(const Facet &facet, QWidget *parent)
     connect(m_list, &QListWidget::itemClicked, this, &FacetMenu::choose);
 }
 
-void FacetMenu::popUp(const QPoint &globalPoint)
+void FacetMenu::popUp(const QWidget &anchor)
 {
     adjustSize();
-    QPoint place = globalPoint;
-    if (const QScreen *on = screen()) {
-        const QRect room = on->availableGeometry();
-        place.setX(std::clamp(place.x(), room.left(), std::max(room.left(), room.right() - width())));
-        place.setY(std::clamp(place.y(), room.top(), std::max(room.top(), room.bottom() - height())));
-    }
-    move(place);
+    zqMoveBelow(*this, anchor);
     show();
     m_field->setFocus();
 }

@@ -14,7 +14,7 @@ class FacetMenu : public QFrame
     Q_OBJECT
 public:
     explicit FacetMenu(const Facet &facet, QWidget *parent = nullptr);
-    void popUp(const QPoint &globalPoint); // its upper left corner, where there is room
+    void popUp(const QWidget &anchor); // below it
 
 Q_SIGNALS:
     void chosen(FacetKind kind, const QString &token);

@@ -19,23 +19,25 @@ NearnessSlider::NearnessSlider(QWidget *parent) : QWidget(parent), m_slider(new 
     m_slider->setFixedWidth(110);
     m_slider->setFocusPolicy(Qt::TabFocus);
     m_slider->setAccessibleName(zqLocalized("How near"));
-    m_slider->setToolTip(m_slider->accessibleName());
+    describe();
     m_rest.setSingleShot(true);
     m_rest.setInterval(restMilliseconds);
     connect(m_slider, &QSlider::valueChanged, this, [this] {
+        describe();
         if (!m_rest.isActive()) {
             m_rest.start();
         }
     });
     connect(&m_rest, &QTimer::timeout, this, &NearnessSlider::write);
     auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 8, 0);
+    row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(6);
     for (QWidget *each :
          {static_cast<QWidget *>(new QLabel(zqLocalized("Nearer"), this)), static_cast<QWidget *>(m_slider),
           static_cast<QWidget *>(new QLabel(zqLocalized("Wider"), this))}) {
         row->addWidget(each);
     }
+    row->addSpacing(8); // a margin would stay on its side
     for (QLabel *label : findChildren<QLabel *>()) {
         label->setObjectName(QStringLiteral("Muted"));
     }
@@ -50,7 +52,19 @@ void NearnessSlider::setText(const QString &searchText)
     if (like && !m_rest.isActive() && !m_slider->isSliderDown()) {
         const QSignalBlocker blocker(m_slider);
         m_slider->setValue(like->argument.apart);
+        describe();
     }
+}
+
+// The number of the slider itself is one that nobody knows.
+void NearnessSlider::describe()
+{
+    LikeArgument argument;
+    argument.apart = m_slider->value();
+    const QString text =
+        zqFormat(zqLocalized("Likeness %d %% or more"), {LikeArgument::likeness(argument.farthestBits())});
+    m_slider->setAccessibleDescription(text);
+    m_slider->setToolTip(text);
 }
 
 void NearnessSlider::write()

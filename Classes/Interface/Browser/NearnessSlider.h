@@ -20,6 +20,7 @@ Q_SIGNALS:
 
 private:
     void write();
+    void describe(); // what its value means
 
     QString m_text;
     QSlider *m_slider;

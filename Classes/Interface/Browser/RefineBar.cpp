@@ -9,7 +9,9 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 
+#include <QEvent>
 #include <QLabel>
+#include <QStyle>
 #include <QToolButton>
 
 #include <algorithm>
@@ -52,8 +54,7 @@ RefineBar::RefineBar(WindowContext &window, QWidget *parent)
     m_wheel->setToolTip(m_wheel->accessibleName());
     m_wheel->setFocusPolicy(Qt::NoFocus);
     m_wheel->hide();
-    connect(m_wheel, &QToolButton::clicked, this,
-            [this] { openColorWheel(m_wheel->mapToGlobal(QPoint(0, m_wheel->height() + 2))); });
+    connect(m_wheel, &QToolButton::clicked, this, [this] { openColorWheel(*m_wheel); });
     m_absent->setObjectName(QStringLiteral("SmallMuted"));
     m_shown = {m_absent};
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -271,6 +272,14 @@ void RefineBar::resizeEvent(QResizeEvent *event)
     place(width(), true);
 }
 
+void RefineBar::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        place(width(), true);
+    }
+}
+
 // A caption goes to the next line with its first value.
 int RefineBar::place(int width, bool moves) const
 {
@@ -286,7 +295,8 @@ int RefineBar::place(int width, bool moves) const
             y += lineHeight + lineGap;
         }
         if (moves) {
-            m_shown[i]->setGeometry(x, y, std::min(own, std::max(1, width - x)), lineHeight);
+            const QRect box(x, y, std::min(own, std::max(1, width - x)), lineHeight);
+            m_shown[i]->setGeometry(QStyle::visualRect(layoutDirection(), {0, 0, width, height()}, box));
         }
         x += own + gap;
     }
@@ -300,15 +310,16 @@ void RefineBar::openMenu(const FacetButton &button)
     if (facet != m_facets.end()) {
         auto *menu = new FacetMenu(*facet, this);
         connect(menu, &FacetMenu::chosen, this, &RefineBar::choose);
-        menu->popUp(button.mapToGlobal(QPoint(0, button.height() + 2)));
+        menu->popUp(button);
     }
 }
 
-void RefineBar::openColorWheel(const QPoint &globalPoint)
+void RefineBar::openColorWheel(const QWidget &anchor)
 {
     auto *wheel = new ColorWheelMenu(this);
-    connect(wheel, &ColorWheelMenu::chosen, this, [this](const QString &token) { choose(FacetKind::Color, token); });
-    wheel->popUp(globalPoint);
+    // Whatever was counted: a bar that is hidden counts nothing.
+    connect(wheel, &ColorWheelMenu::chosen, this, &RefineBar::colorChosen);
+    wheel->popUp(anchor);
 }
 
 void RefineBar::moveFrom(const FacetButton &button, int key)

@@ -25,7 +25,7 @@ public:
     void setNextStop(QWidget *widget); // of the Tab key, after its values
     const QList<Facet> &facets() const { return m_facets; }
     void choose(FacetKind kind, const QString &token); // or takes it away
-    void openColorWheel(const QPoint &globalPoint);
+    void openColorWheel(const QWidget &anchor);        // below it
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override { return place(width, false); }
@@ -36,11 +36,13 @@ public:
     static void setWanted(bool isWanted);
 
 Q_SIGNALS:
-    void chosen(FacetKind kind, const QString &token); // or taken away, by what the search text has now
+    void colorChosen(const QString &token, const QString &before); // by the wheel, in place of what it chose before
+    void chosen(FacetKind kind, const QString &token);             // or taken away, by what the search text has now
 
 protected:
     void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void showFacets(const QList<Facet> &facets);

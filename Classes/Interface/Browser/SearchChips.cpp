@@ -172,7 +172,7 @@ QString SearchChips::spoken(const Chip &chip)
     for (const QString &join : chip.before) {
         words.append(join == QStringLiteral("(") ? zqLocalized("open bracket") : join);
     }
-    words.append(chip.text + QStringLiteral(": ") + chip.meaning);
+    words.append(zqFormat(zqLocalized("%@: %@"), {chip.text, chip.meaning}));
     for (int i = 0; i < chip.closings; ++i) {
         words.append(zqLocalized("close bracket"));
     }

@@ -263,12 +263,26 @@ void ZQScreenshotAreaView::paintEvent(QPaintEvent * /*event*/)
     paintPicture(painter, m_selection);
     if (!m_selection.isEmpty()) {
         paintSelection(painter);
-    } else if (!m_isElsewhere) {
-        paintHint(painter, {(width() - tagSize(hint()).width()) / 2, height() - 4 * tagDistance});
     }
     if (showsMagnifier()) {
         paintMagnifier(painter);
     }
+    // What is read lies above what is looked at.
+    if (!m_selection.isEmpty()) {
+        paintTags(painter);
+    } else if (!m_isElsewhere) {
+        paintHint(painter, placeOfFirstHint());
+    }
+}
+
+// Below in the middle, or above while the magnifier is there.
+QPointF ZQScreenshotAreaView::placeOfFirstHint() const
+{
+    const QSizeF size = tagSize(hint());
+    const QRectF below({(width() - size.width()) / 2, height() - 4 * tagDistance}, size);
+    const QRectF taken = lensRect().adjusted(-2, -2, 2, tagDistance + size.height()); // with its line and its own tag
+    const bool isFree = !showsMagnifier() || !taken.intersects(below);
+    return isFree ? below.topLeft() : QPointF(below.left(), 2 * tagDistance);
 }
 
 void ZQScreenshotAreaView::paintSelection(QPainter &painter) const
@@ -288,6 +302,11 @@ void ZQScreenshotAreaView::paintSelection(QPainter &painter) const
         }
     }
     painter.restore();
+}
+
+void ZQScreenshotAreaView::paintTags(QPainter &painter) const
+{
+    const QRectF rect = viewRect(m_selection);
     const double below = rect.bottom() + tagDistance;
     const bool hasRoom = below + tagSize(sizeText()).height() <= height();
     const double line = hasRoom ? below : rect.bottom() - tagDistance - tagSize(sizeText()).height();
@@ -304,12 +323,18 @@ bool ZQScreenshotAreaView::showsMagnifier() const
     return m_isPointerHere && !grip.isMove;
 }
 
-void ZQScreenshotAreaView::paintMagnifier(QPainter &painter) const
+QRectF ZQScreenshotAreaView::lensRect() const
 {
     const double reach = lensDistance + 2 * lensRadius;
     const QPointF middle(m_pointer.x() + (m_pointer.x() + reach > width() ? -1 : 1) * (lensDistance + lensRadius),
                          m_pointer.y() + (m_pointer.y() + reach > height() ? -1 : 1) * (lensDistance + lensRadius));
-    const QRectF lens(middle - QPointF(lensRadius, lensRadius), QSizeF(2 * lensRadius, 2 * lensRadius));
+    return {middle - QPointF(lensRadius, lensRadius), QSizeF(2 * lensRadius, 2 * lensRadius)};
+}
+
+void ZQScreenshotAreaView::paintMagnifier(QPainter &painter) const
+{
+    const QRectF lens = lensRect();
+    const QPointF middle = lens.center();
     const QPoint pixel = pixelAt(m_pointer);
     const QPoint half(lensPixels / 2, lensPixels / 2);
     // Beside the screen there is nothing to see: `copy` leaves it transparent.

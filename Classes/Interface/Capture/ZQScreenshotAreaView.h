@@ -54,7 +54,10 @@ private:
     void moveBy(const QPoint &step, bool resizes);
     QRect startingSelection() const;
     bool showsMagnifier() const;
+    QRectF lensRect() const;
+    QPointF placeOfFirstHint() const;
     void paintSelection(QPainter &painter) const;
+    void paintTags(QPainter &painter) const; // of the selection
     void paintMagnifier(QPainter &painter) const;
     QString sizeText() const;
     void announceSelection();

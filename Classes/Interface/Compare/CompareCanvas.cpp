@@ -1,9 +1,10 @@
 #include "Classes/Interface/Compare/CompareCanvas.h"
 
 #include "Classes/Interface/Detail/DetailPainting.h"
-#include "Kit/Widgets/ZQAccessible.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQTheme.h"
 
+#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -14,6 +15,9 @@
 namespace {
 
 constexpr int margin = 8;
+constexpr double actionPan = 0.15; // of the room
+
+using Action = QAccessibleActionInterface;
 
 // The part of the picture that can be in the middle while no room is left beside what is larger than it.
 double heldInside(double center, double shown, double room)
@@ -29,7 +33,6 @@ double heldInside(double center, double shown, double room)
 
 CompareCanvas::CompareCanvas(QWidget *parent) : QWidget(parent), m_document(new DetailDocument(this))
 {
-    zqSetAccessibleRole(this, QAccessible::Graphic);
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(60, 60);
     connect(m_document, &DetailDocument::changed, this, [this] {
@@ -158,6 +161,57 @@ void CompareCanvas::panBy(const QPointF &distance)
     }
 }
 
+QString CompareCanvas::zoomText() const
+{
+    return naturalSize().isEmpty()
+               ? QString()
+               : zqFormat(zqLocalized("%@ %%"), {QLocale().toString(int(std::lround(scale() * 100)))});
+}
+
+void CompareCanvas::setCurrent(bool isCurrent)
+{
+    if (m_current != isCurrent) {
+        m_current = isCurrent;
+        QAccessible::State changed;
+        changed.selected = true;
+        accessibleStateDidChange(this, changed);
+    }
+}
+
+void CompareCanvas::completeAccessibleState(QAccessible::State &state) const
+{
+    state.selectable = m_current.has_value();
+    state.selected = m_current.value_or(false);
+    state.busy = !m_isPlain && m_document->state() == DetailDocument::State::Loading;
+}
+
+QMap<QString, QString> CompareCanvas::accessibleActions() const
+{
+    QMap<QString, QString> actions{{Action::increaseAction(), zqLocalized("Zoom In")},
+                                   {Action::decreaseAction(), zqLocalized("Zoom Out")},
+                                   {Action::scrollLeftAction(), {}},
+                                   {Action::scrollRightAction(), {}},
+                                   {Action::scrollUpAction(), {}},
+                                   {Action::scrollDownAction(), {}}};
+    if (!m_isPlain && m_document->pageCount() > 1) {
+        actions.insert({{Action::previousPageAction(), {}}, {Action::nextPageAction(), {}}});
+    }
+    return actions;
+}
+
+void CompareCanvas::doAccessibleAction(const QString &name)
+{
+    if (name == Action::increaseAction() || name == Action::decreaseAction()) {
+        zoomBy(name == Action::increaseAction() ? DetailPainting::keyZoom : 1 / DetailPainting::keyZoom);
+    } else if (name == Action::previousPageAction() || name == Action::nextPageAction()) {
+        m_document->setPage(m_document->page() + (name == Action::nextPageAction() ? 1 : -1));
+    } else {
+        const int x = int(name == Action::scrollRightAction()) - int(name == Action::scrollLeftAction());
+        const int y = int(name == Action::scrollDownAction()) - int(name == Action::scrollUpAction());
+        panBy(QPointF(x, y) * actionPan);
+    }
+}
+
 void CompareCanvas::updateWantedSide()
 {
     if (!m_isPlain) {
@@ -195,7 +249,10 @@ void CompareCanvas::resizeEvent(QResizeEvent *event)
 
 void CompareCanvas::focusInEvent(QFocusEvent *event)
 {
-    m_showsFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    const Qt::FocusReason reason = event->reason();
+    if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) { // it comes back as it was
+        m_showsFocus = reason != Qt::MouseFocusReason;
+    }
     QWidget::focusInEvent(event);
     update();
     Q_EMIT chosen();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/Content/DetailDocument.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQArtworkGround.h"
 
 #include <QPointF>
@@ -18,7 +19,7 @@ struct CompareZoom
 };
 
 // One of the pictures that are compared, zoomed by the wheel and panned by dragging. Main thread.
-class CompareCanvas : public QWidget
+class CompareCanvas : public QWidget, public ZQAccessibleThing
 {
     Q_OBJECT
 public:
@@ -39,6 +40,14 @@ public:
     void zoomTo(double scale);        // about the middle
     void zoomBy(double factor, std::optional<QPointF> anchor = {});
     void panBy(const QPointF &distance); // of what is seen, in parts of the room
+    QString zoomText() const;            // empty while nothing is shown
+    void setCurrent(bool isCurrent);     // of several
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Graphic; }
+    QString accessibleValueText() const override { return zoomText(); }
+    void completeAccessibleState(QAccessible::State &state) const override;
+    QMap<QString, QString> accessibleActions() const override;
+    void doAccessibleAction(const QString &name) override;
 
 Q_SIGNALS:
     void viewChanged(const CompareZoom &view); // by the person
@@ -72,6 +81,7 @@ private:
     ZQArtworkTone m_tone;
     CompareZoom m_view;
     double m_largestFit = 0;
-    bool m_showsFocus = false; // reached by Tab
+    bool m_showsFocus = false;     // not for who pressed on it
+    std::optional<bool> m_current; // none: it is the only one
     QPointF m_pressed;
 };

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Compare/ComparePane.h"
 
+#include "Classes/Interface/Detail/DetailPainting.h"
 #include "Classes/Interface/RatingField.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -7,7 +8,6 @@
 #include <QBoxLayout>
 #include <QEvent>
 #include <QLabel>
-#include <QLocale>
 #include <QPainter>
 #include <QToolButton>
 
@@ -35,21 +35,28 @@ QString marked(const CompareFact &fact, const QStringList &parts)
     return texts.join(fact.separator);
 }
 
-QString tableOf(const QList<CompareFact> &facts, qsizetype index)
+// Rich text takes no direction from its label.
+QString tableOf(const QList<CompareFact> &facts, qsizetype index, Qt::LayoutDirection direction)
 {
+    const bool isMirrored = direction == Qt::RightToLeft;
     QString rows;
     for (const CompareFact &fact : facts) {
         if (!fact.parts.at(index).isEmpty() || fact.differs()) {
-            rows += QStringLiteral("<tr><td style='color:%1; padding-right:14px'>%2</td><td>%3</td></tr>")
-                        .arg(zqColor(ZQColorRole::TextMuted).name(), fact.name.toHtmlEscaped(),
-                             fact.parts.at(index).isEmpty() ? QStringLiteral("<b>–</b>")
-                                                            : marked(fact, fact.parts.at(index)));
+            const QString value =
+                fact.parts.at(index).isEmpty() ? QStringLiteral("<b>–</b>") : marked(fact, fact.parts.at(index));
+            const QString cells = isMirrored
+                                      ? QStringLiteral("<td align='right'>%3</td>"
+                                                       "<td align='right' style='color:%1; padding-left:14px'>%2</td>")
+                                      : QStringLiteral("<td style='color:%1; padding-right:14px'>%2</td><td>%3</td>");
+            rows += QStringLiteral("<tr>%1</tr>")
+                        .arg(cells.arg(zqColor(ZQColorRole::TextMuted).name(), fact.name.toHtmlEscaped(), value));
         }
     }
-    return QStringLiteral("<table cellspacing='0' cellpadding='1'>%1</table>").arg(rows);
+    return QStringLiteral("<table align='%1' cellspacing='0' cellpadding='1'>%2</table>")
+        .arg(isMirrored ? QStringLiteral("right") : QStringLiteral("left"), rows);
 }
 
-QString lineOf(const QList<CompareFact> &facts, qsizetype index)
+QString lineOf(const QList<CompareFact> &facts, qsizetype index, Qt::LayoutDirection direction)
 {
     QStringList texts;
     for (const CompareFact &fact : facts) {
@@ -60,7 +67,10 @@ QString lineOf(const QList<CompareFact> &facts, qsizetype index)
             }
         }
     }
-    return texts.join(QStringLiteral(" · "));
+    return QStringLiteral("<div align='%1' dir='%2'>%3</div>")
+        .arg(direction == Qt::RightToLeft ? QStringLiteral("right") : QStringLiteral("left"),
+             direction == Qt::RightToLeft ? QStringLiteral("rtl") : QStringLiteral("ltr"),
+             texts.join(QStringLiteral(" · ")));
 }
 
 QString spokenOf(const QList<CompareFact> &facts, qsizetype index)
@@ -79,8 +89,10 @@ QString spokenOf(const QList<CompareFact> &facts, qsizetype index)
 
 ComparePane::ComparePane(const Picture &picture, QWidget *parent)
     : QWidget(parent), m_picture(picture), m_title(new QLabel(this)), m_zoom(new QLabel(this)),
-      m_rating(new RatingField(this)), m_canvas(new CompareCanvas(this)), m_facts(new QLabel(this))
+      m_rating(new RatingField(this)), m_canvas(new CompareCanvas(this)), m_reject(new QToolButton(this)),
+      m_facts(new QLabel(this))
 {
+    zqSetAccessibleRole(this, QAccessible::Grouping);
     m_title->setObjectName(QStringLiteral("Strong"));
     m_title->setMinimumWidth(leastTitleWidth);
     m_title->setTextFormat(Qt::PlainText);
@@ -90,15 +102,17 @@ ComparePane::ComparePane(const Picture &picture, QWidget *parent)
     m_facts->setWordWrap(true);
     m_facts->setContentsMargins(sideMargin, 6, sideMargin, 10);
     m_facts->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
-    auto *reject = new QToolButton(this);
-    reject->setIcon(ZQIcon::icon(QStringLiteral("close")));
-    reject->setFixedSize(24, 24);
-    reject->setFocusPolicy(Qt::TabFocus);
-    reject->setToolTip(zqLocalized("Take out of the comparison (X)"));
-    connect(reject, &QToolButton::clicked, this, &ComparePane::rejected);
+    m_reject->setIcon(ZQIcon::icon(QStringLiteral("close")));
+    m_reject->setFixedSize(24, 24);
+    m_reject->setFocusPolicy(Qt::TabFocus);
+    m_reject->setToolTip(zqLocalized("Take out of the comparison (X)"));
+    connect(m_reject, &QToolButton::clicked, this, &ComparePane::rejected);
     connect(m_rating, &RatingField::edited, this, [this](double stars) { Q_EMIT rated(int(std::lround(stars))); });
     m_rating->installEventFilter(this);
-    connect(m_canvas, &CompareCanvas::documentChanged, this, &ComparePane::showZoom);
+    connect(m_canvas, &CompareCanvas::documentChanged, this, [this] {
+        showZoom();
+        describe();
+    });
     connect(m_canvas, &CompareCanvas::roomChanged, this, &ComparePane::showZoom);
     connect(m_canvas, &CompareCanvas::scaleChanged, this, &ComparePane::showZoom);
     auto *head = new QHBoxLayout;
@@ -107,7 +121,7 @@ ComparePane::ComparePane(const Picture &picture, QWidget *parent)
     head->addWidget(m_title, 1);
     head->addWidget(m_zoom);
     head->addWidget(m_rating);
-    head->addWidget(reject);
+    head->addWidget(m_reject);
     auto *row = new QWidget(this);
     row->setFixedHeight(headHeight);
     row->setLayout(head);
@@ -119,7 +133,7 @@ ComparePane::ComparePane(const Picture &picture, QWidget *parent)
     column->addWidget(m_facts);
     setRating(picture.rating);
     setTitle(picture.title);
-    reject->setAccessibleName(reject->toolTip());
+    m_reject->setAccessibleName(m_reject->toolTip());
     m_canvas->open(picture.source);
 }
 
@@ -133,8 +147,11 @@ void ComparePane::setTitle(const QString &title)
 {
     m_picture.title = title;
     m_title->setToolTip(title);
+    setAccessibleName(title);
     m_title->setAccessibleName(title);
     m_canvas->setAccessibleName(title);
+    m_rating->setAccessibleDescription(title); // whose it is
+    m_reject->setAccessibleDescription(title);
     elideTitle();
 }
 
@@ -145,25 +162,30 @@ void ComparePane::elideTitle()
 
 void ComparePane::showZoom()
 {
-    m_zoom->setText(
-        m_canvas->naturalSize().isEmpty()
-            ? QString()
-            : zqFormat(zqLocalized("%@ %%"), {QLocale().toString(int(std::lround(m_canvas->scale() * 100)))}));
+    m_zoom->setText(m_canvas->zoomText());
 }
 
 void ComparePane::setCurrent(bool isCurrent)
 {
     m_isCurrent = isCurrent;
+    m_canvas->setCurrent(isCurrent);
     update();
 }
 
 void ComparePane::showFacts(const QList<CompareFact> &facts, qsizetype index, bool isBrief)
 {
-    const QString spoken = spokenOf(facts, index);
-    m_facts->setText(isBrief ? lineOf(facts, index) : tableOf(facts, index));
-    m_facts->setToolTip(isBrief ? spoken : QString());
-    m_facts->setAccessibleName(spoken);
-    m_canvas->setAccessibleDescription(spoken);
+    m_spoken = spokenOf(facts, index);
+    m_facts->setText(isBrief ? lineOf(facts, index, layoutDirection()) : tableOf(facts, index, layoutDirection()));
+    m_facts->setToolTip(isBrief ? m_spoken : QString());
+    m_facts->setAccessibleName(m_spoken);
+    describe();
+}
+
+void ComparePane::describe()
+{
+    QStringList texts{DetailPainting::messageOf(m_canvas->document()), m_spoken};
+    texts.removeAll(QString());
+    m_canvas->setAccessibleDescription(texts.join(u'\n'));
 }
 
 void ComparePane::paintEvent(QPaintEvent * /*event*/)

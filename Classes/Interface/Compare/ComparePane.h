@@ -5,6 +5,7 @@
 #include "Kit/Persistence/ZQObjectID.h"
 
 class QLabel;
+class QToolButton;
 class RatingField;
 
 // One of the pictures that are compared, with its title, its stars and what is known of it. Main thread.
@@ -44,12 +45,15 @@ protected:
 private:
     void elideTitle();
     void showZoom();
+    void describe(); // to those who hear of it
 
     Picture m_picture;
     QLabel *m_title;
     QLabel *m_zoom;
     RatingField *m_rating;
     CompareCanvas *m_canvas;
+    QToolButton *m_reject;
     QLabel *m_facts;
+    QString m_spoken; // the facts
     bool m_isCurrent = false;
 };

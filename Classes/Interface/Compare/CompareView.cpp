@@ -41,7 +41,6 @@ CompareView::CompareView(QWidget *parent)
 {
     zqSetAccessibleRole(this, QAccessible::Grouping);
     setAccessibleName(zqLocalized("Compare"));
-    setFocusPolicy(Qt::ClickFocus);
     m_grid->setObjectName(QStringLiteral("Hairline")); // what shows between the pictures
     m_cells->setContentsMargins(0, 1, 0, 0);
     m_cells->setSpacing(1);
@@ -282,8 +281,14 @@ void CompareView::showFacts()
 
 void CompareView::setRating(const ZQObjectID &item, int stars)
 {
-    if (ComparePane *pane = paneOf(item)) {
-        pane->setRating(stars);
+    ComparePane *pane = paneOf(item);
+    if (!pane) {
+        return;
+    }
+    const bool isAnother = pane->picture().rating != stars;
+    pane->setRating(stars);
+    if (isAnother && pane->canvas().hasFocus()) { // by a key, which is not heard of elsewhere
+        zqAnnounce(&pane->canvas(), zqFormat(zqLocalized("Rating: %@ of 5"), {QString::number(stars)}));
     }
 }
 

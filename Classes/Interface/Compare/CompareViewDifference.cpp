@@ -103,7 +103,12 @@ void CompareView::showDifference(const ZQPictureDifference &difference)
     if (difference.isNull()) {
         m_difference->showImage({}, zqLocalized("The difference of these two cannot be shown."));
     } else if (difference.greatest == 0) {
-        m_differenceText = zqLocalized("The two are the same in every pixel.");
+        // What is very large is compared smaller than it is.
+        const QSize size = difference.image.size();
+        m_differenceText = canShowDifference() && size.width() < m_panes.at(0)->canvas().naturalSize().width()
+                               ? zqFormat(zqLocalized("No difference is seen at %ld × %ld pixels."),
+                                          {qint64(size.width()), qint64(size.height())})
+                               : zqLocalized("The two are the same in every pixel.");
         m_difference->showImage(difference.image, m_differenceText);
     } else {
         m_differenceText = zqFormat(zqLocalized("%@ of the pixels differ, by up to %d of 255"),

@@ -117,7 +117,7 @@ std::shared_ptr<ExportOperation> ExportPanelViewController::exportItemsToURL(con
     if (each.isEmpty()) {
         return nullptr;
     }
-    zqDidUseFeature(QStringLiteral("Export Items"));
+    zqDidUseFeature(ZQFeature::ExportItems);
     const ExportRequest request = ExportRequest::with(exportItem, each, URL);
     if (paths) {
         ExportRequest silent = request;

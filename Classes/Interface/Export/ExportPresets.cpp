@@ -50,7 +50,7 @@ void ExportPresets::addItem(const ExportItem &item)
 {
     ExportItem added = item;
     added.dragIcon = PresetIcon::dragImage(added);
-    zqDidUseFeature(QStringLiteral("Add Export Preset"));
+    zqDidUseFeature(ZQFeature::AddExportPreset);
     perform(
         zqLocalized("add export preset"), [this, added] { insert(m_items.size(), added); },
         [this, added] { remove(added.identifier); });
@@ -62,7 +62,7 @@ void ExportPresets::deleteItem(const QString &identifier)
     if (index < 0) {
         return;
     }
-    zqDidUseFeature(QStringLiteral("Delete Export Preset"));
+    zqDidUseFeature(ZQFeature::DeleteExportPreset);
     perform(
         zqLocalized("delete export preset"), [this, identifier] { remove(identifier); },
         [this, kept = m_items[index], index] { insert(index, kept); });
@@ -75,7 +75,7 @@ void ExportPresets::moveItem(const QString &identifier, qsizetype dropIndex)
     if (from < 0 || from == to) {
         return;
     }
-    zqDidUseFeature(QStringLiteral("Move Export Preset"));
+    zqDidUseFeature(ZQFeature::MoveExportPreset);
     perform(
         zqLocalized("move export preset"), [this, identifier, to] { place(identifier, to); },
         [this, identifier, from] { place(identifier, from); });

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -126,7 +127,8 @@ QRect PresetsView::placeOf(qsizetype index) const
     const int left = std::max(0, (width() - columns * stepX + spacing.width()) / 2);
     const int column = int(index) % columns;
     const int row = int(index) / columns;
-    return {QPoint(left + column * stepX, row * stepY), PresetCell::cellSize};
+    return QStyle::visualRect(layoutDirection(), {0, 0, width(), height()},
+                              {QPoint(left + column * stepX, row * stepY), PresetCell::cellSize});
 }
 
 int PresetsView::heightForWidth(int width) const
@@ -160,14 +162,24 @@ void PresetsView::resizeEvent(QResizeEvent * /*event*/)
     updateGeometry();
 }
 
+void PresetsView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        layOut();
+    }
+}
+
 qsizetype PresetsView::dropIndexAt(const QPoint &point) const
 {
     const qsizetype count = m_cells.size();
     const int columns = columnsFor(width());
     const qsizetype rows = std::max<qsizetype>(1, (count + columns - 1) / columns);
     const qsizetype row = std::clamp<qsizetype>(point.y() / stepY, 0, rows - 1);
-    const int fromLeft = point.x() - placeOf(0).left() + spacing.width() / 2;
-    const qsizetype column = std::clamp((fromLeft + stepX / 2) / stepX, 0, columns);
+    const QRect first = placeOf(0);
+    const int fromFirst =
+        (isRightToLeft() ? first.right() - point.x() : point.x() - first.left()) + spacing.width() / 2;
+    const qsizetype column = std::clamp((fromFirst + stepX / 2) / stepX, 0, columns);
     return std::min(row * columns + column, count);
 }
 
@@ -242,7 +254,8 @@ void PresetsView::paintEvent(QPaintEvent * /*event*/)
     // Behind the last one of a row, where the next would begin a row of its own.
     const bool isBehind = m_dropIndex > 0 && m_dropIndex % columnsFor(width()) == 0 && m_dropIndex == m_cells.size();
     const QRect place = placeOf(isBehind ? m_dropIndex - 1 : m_dropIndex);
-    const int x = isBehind ? std::min(place.right() + 4, width() - 3) : std::max(place.left() - 4, 0);
+    const bool isOnRight = isBehind != isRightToLeft();
+    const int x = isOnRight ? std::min(place.right() + 4, width() - 3) : std::max(place.left() - 4, 0);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
@@ -269,7 +282,11 @@ void PresetsView::contextMenuEvent(QContextMenuEvent *event)
 void PresetsView::moveFocus(PresetCell *from, Qt::Key arrow)
 {
     const int columns = columnsFor(width());
-    const int step = arrow == Qt::Key_Left ? -1 : arrow == Qt::Key_Right ? 1 : arrow == Qt::Key_Up ? -columns : columns;
+    const int forward = isRightToLeft() ? -1 : 1;
+    const int step = arrow == Qt::Key_Left    ? -forward
+                     : arrow == Qt::Key_Right ? forward
+                     : arrow == Qt::Key_Up    ? -columns
+                                              : columns;
     const qsizetype to = m_cells.indexOf(from) + step;
     if (to >= 0 && to < m_cells.size()) {
         m_cells[to]->setFocus(Qt::OtherFocusReason);

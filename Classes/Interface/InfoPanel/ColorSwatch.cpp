@@ -6,6 +6,7 @@
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QPainter>
 
 #include <utility>
@@ -34,6 +35,26 @@ void ColorSwatch::setDescription(const QString &description)
 QSize ColorSwatch::sizeHint() const
 {
     return {edge, edge};
+}
+
+QMap<QString, QString> ColorSwatch::accessibleActions() const
+{
+    QMap<QString, QString> actions{{QAccessibleActionInterface::pressAction(), accessibleDescription()}};
+    if (isSignalConnected(QMetaMethod::fromSignal(&ColorSwatch::menuRequested))) {
+        actions.insert(QAccessibleActionInterface::showMenuAction(), {});
+    }
+    return actions;
+}
+
+// Who asks goes on before a menu is gone.
+void ColorSwatch::doAccessibleAction(const QString &name)
+{
+    if (name == QAccessibleActionInterface::pressAction()) {
+        QMetaObject::invokeMethod(this, &ColorSwatch::click, Qt::QueuedConnection);
+    } else {
+        QMetaObject::invokeMethod(
+            this, [this] { Q_EMIT menuRequested(mapToGlobal(rect().bottomLeft())); }, Qt::QueuedConnection);
+    }
 }
 
 void ColorSwatch::paintEvent(QPaintEvent * /*event*/)

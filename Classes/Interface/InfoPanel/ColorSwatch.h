@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Kit/Widgets/ZQAccessible.h"
+
 #include <QAbstractButton>
 #include <QColor>
 
 // One of an asset's colours, to be searched with a click, or with Shift in addition to what is searched. Main thread.
-class ColorSwatch : public QAbstractButton
+class ColorSwatch : public QAbstractButton, public ZQAccessibleThing
 {
     Q_OBJECT
 public:
@@ -12,6 +14,9 @@ public:
     // What is said of it besides.
     void setDescription(const QString &description);
     QSize sizeHint() const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Button; }
+    QMap<QString, QString> accessibleActions() const override;
+    void doAccessibleAction(const QString &name) override;
 
 Q_SIGNALS:
     void chosen(bool adds);

@@ -1,5 +1,6 @@
 #include "Classes/Interface/InfoPanel/FlowLayout.h"
 
+#include <QStyle>
 #include <QWidget>
 
 FlowLayout::FlowLayout(int spacing) : m_spacing(spacing) {}
@@ -60,6 +61,7 @@ int FlowLayout::place(const QRect &rect, bool apply) const
 {
     const QMargins margins = contentsMargins();
     const QRect inner = rect.marginsRemoved(margins);
+    const Qt::LayoutDirection direction = parentWidget() ? parentWidget()->layoutDirection() : Qt::LeftToRight;
     int x = inner.x();
     int y = inner.y();
     int lineHeight = 0;
@@ -73,7 +75,8 @@ int FlowLayout::place(const QRect &rect, bool apply) const
             lineHeight = 0;
         }
         if (apply) {
-            item->setGeometry(QRect(x, y, grows ? inner.right() + 1 - x : width, hint.height()));
+            const QRect box(x, y, grows ? inner.right() + 1 - x : width, hint.height());
+            item->setGeometry(QStyle::visualRect(direction, inner, box));
         }
         x += width + m_spacing;
         lineHeight = std::max(lineHeight, hint.height());

@@ -2,7 +2,7 @@
 
 #include <QLayout>
 
-// Lays its widgets out in lines, as words.
+// Lays its widgets out in lines, as words, from the side where reading begins.
 class FlowLayout : public QLayout
 {
 public:

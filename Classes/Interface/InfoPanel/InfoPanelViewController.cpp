@@ -443,14 +443,7 @@ void InfoPanelViewController::showColors(const ZQLibraryBaseItem &item)
 
 void InfoPanelViewController::searchColor(const QString &argument, bool adds)
 {
-    const QString token = SearchToken::ofField(SearchField::Color).name() + u' ' + argument;
-    const QString text = m_browser.content().tab().searchString();
-    if (adds) {
-        Q_EMIT m_browser.searchRequested(SearchManager::contains(text, token) ? text
-                                                                              : SearchManager::toggled(text, token));
-    } else {
-        Q_EMIT m_browser.searchRequested(text.trimmed() == token ? QString() : token); // again: everything
-    }
+    m_browser.search(SearchToken::ofField(SearchField::Color).name() + u' ' + argument, adds);
 }
 
 QStringList InfoPanelViewController::commonTagsForItems(const QList<ZQObjectID> &items) const

@@ -1,9 +1,12 @@
 #include "Classes/Interface/InfoPanel/PaletteStrip.h"
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Browsing/Search/ColorArgument.h"
+#include "Classes/Export/ExportNames.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQPaletteFiles.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
@@ -22,23 +25,9 @@ namespace {
 constexpr int stripHeight = 22;
 constexpr int wholeShare = 255;
 
-QString hexOf(QRgb color)
-{
-    return QColor(color).name(QColor::HexRgb);
-}
-
 QString percentOf(quint8 share)
 {
     return QLocale().toString(std::max(1, (share * 100 + wholeShare / 2) / wholeShare));
-}
-
-// As the name of a file: titles have no rules.
-QString fileNameOf(QString title, const QString &extension)
-{
-    constexpr qsizetype longest = 100;
-    title.replace(u'/', u'-');
-    title.remove(QChar(0));
-    return title.left(longest) + u'.' + extension;
 }
 
 } // namespace
@@ -46,6 +35,8 @@ QString fileNameOf(QString title, const QString &extension)
 PaletteStrip::PaletteStrip(UserInteraction &user, QWidget *parent)
     : QWidget(parent), m_user(user), m_row(new QHBoxLayout(this))
 {
+    zqSetAccessibleRole(this, QAccessible::Grouping);
+    setAccessibleName(zqLocalized("Colors"));
     setFixedHeight(stripHeight);
     m_row->setContentsMargins(0, 0, 0, 0);
     m_row->setSpacing(6);
@@ -82,7 +73,7 @@ void PaletteStrip::showPalette(const ZQPalette &palette, const QString &title)
     m_codes.clear();
     m_palette = palette;
     for (const ZQPalette::Color &color : palette.colors) {
-        const QString hex = hexOf(color.rgb);
+        const QString hex = ColorArgument::textFor(color.rgb);
         ColorSwatch *swatch = addSwatch(QColor(color.rgb), hex);
         swatch->setDescription(
             zqFormat(zqLocalized("Search for %@ (%@ %% of the picture). Shift adds it to the search"),
@@ -131,7 +122,7 @@ void PaletteStrip::save(const QString &extension, QByteArray (*fileOf)(const ZQP
     FileChoice choice;
     choice.title = zqLocalized("Save Palette");
     choice.prompt = zqLocalized("Save");
-    choice.suggestedName = fileNameOf(m_title, extension);
+    choice.suggestedName = ExportNames::nameForTitle(m_title, extension);
     choice.extensions = {extension};
     const auto path = user.chooseFileToSave(choice);
     if (!path) {

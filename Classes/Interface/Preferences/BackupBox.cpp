@@ -12,12 +12,14 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
 
 #include <algorithm>
+#include <utility>
 
 BackupBox::BackupBox(tamberin_AppDelegate &delegate, BackupSchedule &backups, PreferencesPane &pane, QWidget *parent)
     : QWidget(parent), m_delegate(delegate), m_backups(backups), m_pane(pane), m_directory(new QLabel(this)),
@@ -75,9 +77,10 @@ void BackupBox::addSettings()
     m_keep->setSpecialValueText(zqLocalized("All"));
     m_keep->setKeyboardTracking(false);
     m_keep->setButtonSymbols(QSpinBox::NoButtons); // the theme draws none
-    m_interval->addItem(zqLocalized("Never"), 0);
-    m_interval->addItem(zqLocalized("Every day"), 1);
-    m_interval->addItem(zqLocalized("Every week"), 7);
+    for (const auto &[text, days] :
+         {std::pair(zqLocalized("Never"), 0), {zqLocalized("Every day"), 1}, {zqLocalized("Every week"), 7}}) {
+        m_interval->addItem(text, qint64(days));
+    }
     showSettings();
     auto *form = new QFormLayout;
     form->addRow(zqLocalized("&Keep"), m_keep);
@@ -104,8 +107,11 @@ void BackupBox::showSettings()
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     const QSignalBlocker quiet(m_keep); // nobody chose it
     m_keep->setValue(BackupSchedule::keptCount());
-    m_interval->setCurrentIndex(
-        std::max(0, m_interval->findData(int(defaults.integerForKey(BackupSchedule::intervalKey)))));
+    const qint64 days = std::max<qint64>(0, defaults.integerForKey(BackupSchedule::intervalKey));
+    if (m_interval->findData(days) < 0) { // set elsewhere
+        m_interval->addItem(zqCounted({"Every day", "Every %@ days"}, days), days);
+    }
+    m_interval->setCurrentIndex(m_interval->findData(days));
 }
 
 void BackupBox::chooseDirectory()
@@ -113,7 +119,9 @@ void BackupBox::chooseDirectory()
     FileChoice choice;
     choice.title = zqLocalized("Please choose the folder for backups");
     choice.prompt = zqLocalized("Choose");
-    choice.startFolder = BackupSchedule::directory();
+    if (m_answering == BackupSchedule::directory()) { // else the list of files would wait for it
+        choice.startFolder = m_answering;
+    }
     choice.directory = true;
     const QStringList chosen = m_delegate.userInteraction().chooseFilesToOpen(choice);
     if (chosen.isEmpty()) {
@@ -166,11 +174,22 @@ void BackupBox::showState()
 
 void BackupBox::showLast()
 {
-    const auto last = m_backups.last();
+    const QString directory = BackupSchedule::directory();
+    m_last->setHidden(directory.isEmpty());
+    m_last->setText(zqLocalized("Looking at the folder…"));
+    m_backups.findLast([self = QPointer(this), directory](const BackupLook::Found &found) {
+        if (self && directory == BackupSchedule::directory()) {
+            self->m_answering = directory;
+            self->showFound(found.last);
+        }
+    });
+}
+
+void BackupBox::showFound(const std::optional<BackupRecord> &last)
+{
     const QLocale locale;
     m_last->setText(last ? zqFormat(zqLocalized("The last one: %@, %@, of which new: %@"),
                                     {locale.toString(last->ended.toLocalTime(), QLocale::ShortFormat),
                                      locale.formattedDataSize(last->bytes), locale.formattedDataSize(last->newBytes)})
                          : zqLocalized("There is no backup of this library in that folder."));
-    m_last->setHidden(BackupSchedule::directory().isEmpty());
 }

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class BackupSchedule;
 class PreferencesPane;
 class QComboBox;
@@ -12,6 +14,7 @@ class QProgressBar;
 class QPushButton;
 class QSpinBox;
 class tamberin_AppDelegate;
+struct BackupRecord;
 
 // The backups in the preferences: where to, how many stay, how often, the last one, and one now with its progress. It
 // goes on when the preferences are closed. Main thread.
@@ -30,10 +33,12 @@ private:
     void showSettings();
     void showState();
     void showLast();
+    void showFound(const std::optional<BackupRecord> &last);
 
     tamberin_AppDelegate &m_delegate;
     BackupSchedule &m_backups;
     PreferencesPane &m_pane; // tells what could not be written
+    QString m_answering;     // the folder that was looked at; it may be another by now
     QLabel *m_directory;
     QLabel *m_last;
     QLabel *m_state;

@@ -3,6 +3,7 @@
 #include "Classes/Interface/Sheets/CrashReportSheet.h"
 #include "Classes/Services/CrashReports.h"
 #include "Classes/Services/UsageCounts.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QBoxLayout>
@@ -10,25 +11,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
-
-#include <algorithm>
-#include <iterator>
-
-namespace {
-
-// Features are counted by names that are the same in every language; of newer ones, whose file this is, too.
-QString titleOfFeature(const QString &name)
-{
-    static constexpr const char *titles[] = {zqKey("Add Export Preset"),      zqKey("Delete Export Preset"),
-                                             zqKey("Move Export Preset"),     zqKey("Export Items"),
-                                             zqKey("Add New Folder"),         zqKey("Add New Project"),
-                                             zqKey("Cloud Upload (Dropbox)"), zqKey("Cloud Upload (CloudApp)")};
-    const auto *const title = std::find_if(std::begin(titles), std::end(titles),
-                                           [&name](const char *each) { return name == QLatin1StringView(each); });
-    return title == std::end(titles) ? name : zqLocalized(*title);
-}
-
-} // namespace
 
 PrivacyPane::PrivacyPane(UserInteraction &user, QWidget *parent)
     : PreferencesPane(zqLocalized("Privacy"), parent), m_user(user)
@@ -86,8 +68,8 @@ void PrivacyPane::showCounts()
         --day;
         for (auto count = day->cbegin(); count != day->cend(); ++count) {
             const QString times = zqCounted({"%@ time", "%@ times"}, count.value());
-            lines.append(zqFormat(QStringLiteral("%@: %@, %@"), {QLocale().toString(day.key(), QLocale::ShortFormat),
-                                                                 titleOfFeature(count.key()), times}));
+            lines.append(zqFormat(zqLocalized("%@: %@, %@"), {QLocale().toString(day.key(), QLocale::ShortFormat),
+                                                              zqTitleOfFeature(count.key()), times}));
         }
     }
     m_counts->setPlainText(!error.isNull()   ? error.localizedDescription()

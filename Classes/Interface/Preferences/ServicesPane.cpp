@@ -1,6 +1,7 @@
 #include "Classes/Interface/Preferences/ServicesPane.h"
 
 #include "Classes/Application/Launch.h"
+#include "Classes/Application/UpdateChannel.h"
 #include "Classes/Services/SoftwareUpdater.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -9,10 +10,6 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
-
-namespace {
-const QString betaKey = QStringLiteral("PartecipateToBeta");
-} // namespace
 
 ServicesPane::ServicesPane(QWidget *parent) : PreferencesPane(zqLocalized("Services"), parent)
 {
@@ -48,7 +45,7 @@ void ServicesPane::addUpdates()
     QCheckBox *const looks =
         addSwitch(SoftwareUpdater::checksKey, zqLocalized("&Look for new versions once a day"),
                   zqLocalized("Nothing about you or your library is sent, and nothing is installed."));
-    QCheckBox *const takesBeta = addSwitch(betaKey, zqLocalized("Take part in &beta versions"));
+    QCheckBox *const takesBeta = addSwitch(UpdateChannel::betaKey, zqLocalized("Take part in &beta versions"));
     m_updates = {looks, takesBeta, addButtonRow(zqLocalized("Check for &Updates..."), [] {
                      if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
                          updater->checkForUpdates();
@@ -64,23 +61,26 @@ void ServicesPane::addUpdates()
     m_whyNot->setWordWrap(true);
     m_whyNot->hide();
     column()->addWidget(m_whyNot);
-    SoftwareUpdater *const updater = SoftwareUpdater::current();
-    if (!updater) {
-        showWhyNoUpdates({});
-        return;
+    setUpdatesEnabled(false); // until it is known that there is something to choose
+    if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
+        updater->findWhyNot([self = QPointer(this)](const QString &reason) {
+            if (self) {
+                self->showUpdates(reason);
+            }
+        });
     }
-    updater->findWhyNot([self = QPointer(this)](const QString &reason) {
-        if (self && !reason.isEmpty()) {
-            self->showWhyNoUpdates(reason);
-        }
-    });
 }
 
-void ServicesPane::showWhyNoUpdates(const QString &reason)
+void ServicesPane::setUpdatesEnabled(bool isEnabled)
 {
     for (QWidget *control : std::as_const(m_updates)) {
-        control->setEnabled(false);
+        control->setEnabled(isEnabled);
     }
-    m_whyNot->setText(reason);
-    m_whyNot->setVisible(!reason.isEmpty());
+}
+
+void ServicesPane::showUpdates(const QString &whyNot)
+{
+    setUpdatesEnabled(whyNot.isEmpty());
+    m_whyNot->setText(whyNot);
+    m_whyNot->setVisible(!whyNot.isEmpty());
 }

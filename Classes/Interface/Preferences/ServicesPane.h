@@ -14,7 +14,8 @@ private:
     void addLogin();
     void addUpdates();
     void setLaunchAtLogin(bool isOn);
-    void showWhyNoUpdates(const QString &reason);
+    void setUpdatesEnabled(bool isEnabled);
+    void showUpdates(const QString &whyNot); // empty: they can be looked for
 
     LaunchAtLogin m_launchAtLogin;
     QCheckBox *m_login = nullptr;

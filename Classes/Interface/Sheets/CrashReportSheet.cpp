@@ -7,6 +7,7 @@
 
 #include <QBoxLayout>
 #include <QClipboard>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -34,6 +35,7 @@ CrashReportSheet::CrashReportSheet(QWidget *window, UserInteraction &user, const
     content()->addWidget(meaning);
     auto *report = new QPlainTextEdit(text, this);
     report->setReadOnly(true);
+    report->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     report->setTabChangesFocus(true);
     report->setAccessibleName(zqLocalized("Crash report"));
     report->setMinimumHeight(260);

@@ -8,6 +8,7 @@
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
+#include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQProgressLine.h"
 
 #include <QBoxLayout>
@@ -17,6 +18,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
+
+#include <algorithm>
 
 namespace {
 
@@ -38,6 +41,11 @@ QString detailsOf(const ZQLibraryBaseItem &item)
     return size.isEmpty() ? bytes : size + QStringLiteral(" · ") + bytes;
 }
 
+QString proposal(const NearDuplicateGroup &group)
+{
+    return zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason});
+}
+
 } // namespace
 
 NearDuplicatesSheet::NearDuplicatesSheet(QWidget *window, WindowContext &context,
@@ -52,7 +60,10 @@ NearDuplicatesSheet::NearDuplicatesSheet(QWidget *window, WindowContext &context
     m_state->setWordWrap(true);
     auto *waiting = new QWidget(this);
     auto *column = new QVBoxLayout(waiting);
-    m_progress->setText(zqLocalized("Looking for pictures that look alike…"));
+    m_progress->setText(items ? zqCounted({"Looking for pictures that look alike in %@ item…",
+                                           "Looking for pictures that look alike among %@ items…"},
+                                          items->size())
+                              : zqLocalized("Looking for pictures that look alike in the whole library…"));
     m_progress->setFraction(-1);
     column->addWidget(m_progress);
     column->addStretch(1);
@@ -149,7 +160,7 @@ void NearDuplicatesSheet::find(const std::optional<QList<ZQObjectID>> &items)
 void NearDuplicatesSheet::fail(const QString &reason)
 {
     m_progress->hide();
-    m_state->setText(zqFormat(zqLocalized("The library could not be looked through: %@"), {reason}));
+    say(zqFormat(zqLocalized("The library could not be looked through: %@"), {reason}));
 }
 
 void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
@@ -157,7 +168,7 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     m_groups = groups.first(std::min(groups.size(), mostShown));
     m_progress->hide();
     if (groups.isEmpty()) {
-        m_state->setText(zqLocalized("No pictures look alike."));
+        say(zqLocalized("No pictures look alike."));
         return;
     }
     QList<ZQObjectID> best;
@@ -171,6 +182,8 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
         auto *row = new QListWidgetItem(
             zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}), m_groupList);
         row->setSizeHint(QSize(0, groupHeight));
+        row->setData(Qt::AccessibleTextRole, title);
+        row->setData(Qt::AccessibleDescriptionRole, zqCounted({"1 picture", "%@ pictures"}, group.items.size()));
     }
     m_pages->setCurrentIndex(1);
     m_keep->show();
@@ -178,8 +191,8 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     m_groupList->setCurrentRow(0);
     m_groupList->setFocus();
     if (groups.size() > mostShown) {
-        m_state->setText(zqFormat(zqLocalized("The %@ largest of %@ groups. Look again for the others."),
-                                  {QLocale().toString(mostShown), QLocale().toString(groups.size())}));
+        say(zqFormat(zqLocalized("The %@ largest of %@ groups. Look again for the others."),
+                     {QLocale().toString(mostShown), QLocale().toString(groups.size())}));
     } else {
         showState();
     }
@@ -187,8 +200,14 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
 
 void NearDuplicatesSheet::showState()
 {
-    m_state->setText(m_groups.isEmpty() ? zqLocalized("That was the last group.")
-                                        : zqCounted({"1 group is left", "%@ groups are left"}, m_groups.size()));
+    say(m_groups.isEmpty() ? zqLocalized("That was the last group.")
+                           : zqCounted({"1 group is left", "%@ groups are left"}, m_groups.size()));
+}
+
+void NearDuplicatesSheet::say(const QString &state)
+{
+    m_state->setText(state);
+    zqAnnounce(this, state);
 }
 
 void NearDuplicatesSheet::showGroup(int row)
@@ -201,7 +220,8 @@ void NearDuplicatesSheet::showGroup(int row)
         return;
     }
     const NearDuplicateGroup &group = m_groups.at(row);
-    const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items, m_context.context);
+    const auto shownOnes = group.items.first(std::min(group.items.size(), mostInGroup));
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(shownOnes, m_context.context);
     for (const auto &item : items) {
         if (!item->active()) {
             continue;
@@ -213,6 +233,7 @@ void NearDuplicatesSheet::showGroup(int row)
         shown->setData(itemRole, QVariant::fromValue(item->objectID()));
         showPicture(*shown);
         if (item->objectID() == group.items.value(group.best)) {
+            shown->setData(Qt::AccessibleDescriptionRole, proposal(group));
             m_pictures->setCurrentItem(shown);
         }
     }
@@ -247,8 +268,12 @@ void NearDuplicatesSheet::showReason()
     }
     const NearDuplicateGroup &group = m_groups.at(row);
     const bool isProposed = chosen->data(itemRole).value<ZQObjectID>() == group.items.value(group.best);
-    m_reason->setText(isProposed ? zqFormat(zqLocalized("Proposed to be kept. %@."), {group.reason})
-                                 : zqLocalized("Chosen to be kept, in place of the proposed one."));
+    QString text = isProposed ? proposal(group) : zqLocalized("Chosen to be kept, in place of the proposed one.");
+    if (group.items.size() > mostInGroup) {
+        text += u' ' + zqFormat(zqLocalized("The first %@ of %@ are shown; the others stay as they are."),
+                                {QLocale().toString(mostInGroup), QLocale().toString(group.items.size())});
+    }
+    m_reason->setText(text);
 }
 
 void NearDuplicatesSheet::keepChosen()
@@ -266,7 +291,13 @@ void NearDuplicatesSheet::keepChosen()
         }
     }
     KeepOne(m_context).keep({choice});
-    endGroup();
+    const bool isDone = std::any_of(choice.others.begin(), choice.others.end(), [this](const ZQObjectID &other) {
+        const auto item = m_context.libraryItem(other);
+        return !item || !item->active();
+    });
+    if (isDone) { // otherwise it was told why not
+        endGroup();
+    }
 }
 
 void NearDuplicatesSheet::endGroup()
@@ -282,5 +313,11 @@ void NearDuplicatesSheet::endGroup()
     }
     showGroup(m_groupList->currentRow());
     showState();
-    m_groupList->setFocus();
+    if (m_groups.isEmpty()) {
+        m_pages->setCurrentIndex(0);
+        m_keep->hide();
+        m_leave->hide();
+    } else {
+        m_groupList->setFocus();
+    }
 }

@@ -24,7 +24,8 @@ public:
     NearDuplicatesSheet(QWidget *window, WindowContext &context, const std::optional<QList<ZQObjectID>> &items);
     ~NearDuplicatesSheet() override;
 
-    static constexpr qsizetype mostShown = 1000; // groups at a time
+    static constexpr qsizetype mostShown = 1000;  // groups at a time
+    static constexpr qsizetype mostInGroup = 200; // pictures of one that are shown, by their worth
 
 private:
     void makeGroups();
@@ -35,6 +36,7 @@ private:
     void showPicture(QListWidgetItem &row);
     void showReason();
     void showState();
+    void say(const QString &state); // and aloud
     void keepChosen();
     void endGroup(); // it is settled, or to stay as it is
 

@@ -1,8 +1,8 @@
 #include "Classes/Interface/Sheets/StatisticsSheet.h"
 
 #include "Classes/Browsing/Content/LibraryStatistics.h"
-#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQStopScope.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
@@ -27,7 +27,7 @@ StatisticsSheet::StatisticsSheet(QWidget *window, std::shared_ptr<ZQPersistentSt
     m_numbers->setAccessibleName(zqLocalized("Numbers of the library"));
     m_numbers->setMinimumHeight(320);
     m_state->setObjectName(QStringLiteral("SmallMuted"));
-    m_state->setText(zqLocalized("Counting…"));
+    m_state->setText(store ? zqLocalized("Counting…") : zqLocalized("The library is not open."));
     content()->addWidget(m_numbers);
     content()->addWidget(m_state);
     addButton(zqLocalized("Close"), closeCode, true);
@@ -47,9 +47,7 @@ void StatisticsSheet::count(std::shared_ptr<ZQPersistentStoreCoordinator> store,
 {
     m_queue->addOperationWithBlock(
         [self = QPointer(this), store = std::move(store), libraryDirectory, withSizes, stop = m_stop.get_token()] {
-            const auto cancellation = std::make_shared<ZQCancellation>();
-            const std::stop_callback cancel(stop, [&cancellation] { cancellation->cancel(); });
-            const ZQCancellation::Scope scope(cancellation);
+            const ZQStopScope scope(stop);
             ZQManagedObjectContext context(store);
             ZQError error;
             const auto numbers = LibraryStatistics(context, libraryDirectory).count(withSizes, &error, stop);

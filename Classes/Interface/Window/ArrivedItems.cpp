@@ -55,13 +55,18 @@ std::optional<QList<ZQObjectID>> stillThere(const QList<ZQObjectID> &items, ZQMa
     result.removeIf([&left](const ZQObjectID &id) { return !left.contains(id); });
     return result;
 }
+
+QString textForAlike(qsizetype count)
+{
+    return zqCounted({"1 looks like a picture you have", "%d look like pictures you have"}, count);
+}
 } // namespace
 
 ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, ProjectsSidebarViewController &sidebar,
                            BrowserViewController &browser, std::function<void()> showEverything, QObject *parent)
     : QObject(parent), m_window(window), m_user(user), m_sidebar(sidebar), m_browser(browser),
       m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content),
-      m_alikeTicket(window.fetcher, ContentFetcher::Priority::Summary)
+      m_alikeTicket(window.fetcher, ContentFetcher::Priority::Idle)
 {
     m_user.onImportEnd = [this](const ImportOutcome &outcome) {
         const ImportOutcome total = withEarlierParts(outcome);
@@ -133,9 +138,7 @@ void ArrivedItems::didLookForAlike(const QUuid &import, const LookAlikes &looked
 {
     m_alike = {import, looked.arrived().size(), looked.arrived() + looked.before()};
     if (m_saidOf == import) {
-        ImportOutcome outcome;
-        outcome.alike = m_alike.count;
-        m_user.showNotification(outcome.textForAlike(), NotificationPlace::Browser, timeToDecide,
+        m_user.showNotification(textForAlike(m_alike.count), NotificationPlace::Browser, timeToDecide,
                                 {showingAlike(zqLocalized("Show"))});
     }
 }
@@ -145,10 +148,9 @@ ZQNotificationAction ArrivedItems::showingAlike(const QString &title)
     return {title, [this, items = m_alike.items] { show(items, {}, Wanted::All); }};
 }
 
-void ArrivedItems::tell(const ImportOutcome &told)
+void ArrivedItems::tell(const ImportOutcome &outcome)
 {
-    ImportOutcome outcome = told;
-    outcome.alike = m_alike.import == told.import ? m_alike.count : 0;
+    const qsizetype alike = m_alike.import == outcome.import ? m_alike.count : 0;
     QString text = outcome.summary.isEmpty() ? outcome.text() : outcome.summary;
     QList<ZQNotificationAction> actions;
     m_saidOf = outcome.import;
@@ -161,8 +163,8 @@ void ArrivedItems::tell(const ImportOutcome &told)
     if (!outcome.refused.isEmpty() && !text.isEmpty()) {
         actions.append({zqLocalized("Reasons…"), [this, outcome] { showRefused(outcome); }});
     }
-    if (outcome.alike > 0) {
-        text += (text.isEmpty() ? QString() : QStringLiteral("\n")) + outcome.textForAlike();
+    if (alike > 0) {
+        text += (text.isEmpty() ? QString() : QStringLiteral("\n")) + textForAlike(alike);
         actions.append(showingAlike(actions.isEmpty() ? zqLocalized("Show") : zqLocalized("Show Similar")));
     }
     if (!text.isEmpty()) {

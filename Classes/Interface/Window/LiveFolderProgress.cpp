@@ -129,7 +129,8 @@ void LiveFolderProgress::show(const QList<ZQObjectID> &folders)
     // A title may hold what a format means by itself.
     QString escaped = title;
     escaped.replace(u'%', QStringLiteral("%%"));
-    m_line->setCountText(isKnown ? zqFormat(zqLocalized("Syncing %@"), {escaped}) + QStringLiteral(": %@ of %@")
+    m_line->setCountText(isKnown ? zqFormat(zqLocalized("%@: %@"),
+                                            {zqFormat(zqLocalized("Syncing %@"), {escaped}), zqLocalized("%@ of %@")})
                                  : QString());
     m_line->setMaximum(isKnown ? total : 0);
     m_line->advanceBy(done - m_done);

@@ -223,8 +223,8 @@ void MainWindowController::makeCommands()
           m_cloud->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
-    connect(m_sidebar, &ProjectsSidebarViewController::nearDuplicatesRequested, command(CommandID::FindNearDuplicates),
-            &QAction::trigger);
+    connect(m_sidebar, &ProjectsSidebarViewController::nearDuplicatesRequested, this,
+            [this] { NearDuplicateActions::findInLibrary(*m_window, m_mainWindow.get()); });
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
     m_toolbar->menuButton().setMenu(
         m_commands->makeMenus(&m_toolbar->menuButton(), [this](QMenu &menu) { m_export->addTo(menu); }));
@@ -475,6 +475,7 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::Open);
         if (m_browser->selectionCount() > 1) {
             add(CommandID::Compare);
+            add(CommandID::FindNearDuplicates);
         } else {
             add(CommandID::FindSimilar);
         }

@@ -32,3 +32,8 @@ QList<WindowCommand> NearDuplicateActions::commands(WindowContext &window, Brows
                  (new NearDuplicatesSheet(mainWindow, window, placeOf(browser)))->open([](std::optional<int>) {});
              }}};
 }
+
+void NearDuplicateActions::findInLibrary(WindowContext &window, QWidget *mainWindow)
+{
+    (new NearDuplicatesSheet(mainWindow, window, std::nullopt))->open([](std::optional<int>) {});
+}

@@ -8,6 +8,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQGridView.h"
 #include "Kit/Widgets/ZQTabStrip.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
 
 #include <QAction>
 #include <QLineEdit>
@@ -97,7 +98,10 @@ void TabsController::findSimilar()
     if (!item || !library) {
         return;
     }
-    if (item->pictureHash().isEmpty()) { // null while nobody has looked
+    if (item->pictureHash().isEmpty()) {    // null while nobody has looked
+        if (item->pictureHash().isNull()) { // among many, its turn may be hours away
+            ZQLibraryEnvironment::current().thumbForLibraryItem(item.get());
+        }
         const QString text =
             item->pictureHash().isNull()
                 ? zqLocalized("What “%@” looks like is not known yet. Try again in a moment.")
@@ -107,6 +111,9 @@ void TabsController::findSimilar()
         return;
     }
     const ZQObjectID id = item->objectID();
+    if (m_edits.context.hasChanges()) {
+        m_edits.save(); // what is searched is what was saved, and it may have been looked at a moment ago
+    }
     m_tabs.openTab({library->objectID()},
                    SearchToken::ofField(SearchField::Like).name() + u' ' + SearchManager::quoted(item->bundleID()));
     m_browser.selectLibraryItem(id);

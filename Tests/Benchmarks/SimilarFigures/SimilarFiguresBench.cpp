@@ -4,6 +4,7 @@
 // zelto_similar_figures_bench ITEMS
 
 #include "Classes/Browsing/Index/NearGroups.h"
+#include "Classes/Browsing/Index/PictureConditions.h"
 #include "Classes/Browsing/Index/SimilarPictures.h"
 
 #include <QElapsedTimer>
@@ -68,7 +69,7 @@ struct MadeUp
 MadeUp makeUp(size_t count)
 {
     constexpr size_t plantedOf = 10;
-    constexpr unsigned mostChanged = ZQPictureHash::alikeDistance / 2;
+    const auto mostChanged = unsigned(ZQPictureHash::alikeDistanceAmong(qint64(count)));
     std::mt19937_64 random(20260101);
     MadeUp result;
     result.hashes.reserve(count);
@@ -116,16 +117,16 @@ int main(int argc, char *argv[])
               zqNearestPictures(made.pictures, nextHash(), all, nearest, ZQPictureHash::similarDistance);
           }));
     print("color-ms", leastMilliseconds([&] {
-              const ColorNearness blue(ZQOklab::of(QRgb(0x3366cc)), ColorNearness::usual);
+              const ColorNearness blue = ColorCondition{0x3366cc}.nearness();
               if (!zqPicturesWithColor(made.pictures, blue, all)) {
                   std::abort();
               }
           }));
     const double before = mostMegabytes();
     const double processorBefore = processorSeconds();
+    const int farthest = ZQPictureHash::alikeDistanceAmong(qint64(count));
     std::optional<NearGroups::Groups> groups;
-    print("groups-ms",
-          millisecondsFor([&] { groups = NearGroups::of(made.hashes, ZQPictureHash::alikeDistance, nullptr); }));
+    print("groups-ms", millisecondsFor([&] { groups = NearGroups::of(made.hashes, farthest, nullptr); }));
     print("groups-processor-ms", (processorSeconds() - processorBefore) * 1000);
     print("groups-megabytes", mostMegabytes() - before + double(count * sizeof(HashWords)) / 1e6);
     size_t grouped = 0;

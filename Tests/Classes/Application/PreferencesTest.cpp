@@ -27,3 +27,21 @@ TEST_F(ApplicationTest, EveryDefaultIsTheOneTheFormatNames)
     }
     EXPECT_EQ(rest.keys(), QStringList()) << "registered, but not in the format";
 }
+
+// Whoever sets one that is documented is not told that there is none of that name.
+TEST_F(ApplicationTest, EveryPreferenceThatTheFormatNamesIsKnown)
+{
+    QFile format(QStringLiteral(ZELTO_DOCS "/FORMAT.md"));
+    ASSERT_TRUE(format.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(format.readAll());
+    const QString chapter =
+        text.section(QStringLiteral("\n## Preferences\n"), 1).section(QStringLiteral("\n## "), 0, 0);
+    static const QRegularExpression name(QStringLiteral("`([A-Z][A-Za-z]+)`"));
+    int names = 0;
+    for (auto match = name.globalMatch(chapter); match.hasNext(); ++names) {
+        const QString key = match.next().captured(1);
+        EXPECT_TRUE(PreferencesController::isKnown(key)) << qPrintable(key);
+    }
+    EXPECT_GT(names, 60) << "the chapter was not found";
+    EXPECT_FALSE(PreferencesController::isKnown(QStringLiteral("UseDarkIU")));
+}

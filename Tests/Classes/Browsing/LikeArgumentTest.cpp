@@ -15,7 +15,7 @@ TEST(LikeArgument, SaysHowNearInTheTextItIsTypedAs)
                              {"hero~20", "hero", 20},
                              {"hero~0", "hero", 0},
                              {"a~5~7", "a~5", 7},
-                             {"hero~82", "hero~82", all}, // beyond what is ever similar: a name
+                             {"hero~101", "hero~101", all}, // a name
                              {"~5", "~5", all},
                              {"hero~x", "hero~x", all}}) {
         const LikeArgument like = LikeArgument::of(QLatin1StringView(each.text));
@@ -23,6 +23,7 @@ TEST(LikeArgument, SaysHowNearInTheTextItIsTypedAs)
         EXPECT_EQ(like.apart, each.apart) << each.text;
         EXPECT_EQ(like.text(), QLatin1StringView(each.text));
     }
+    EXPECT_EQ(LikeArgument::of(QStringLiteral("hero~100")).text(), QStringLiteral("hero")) << "none is similar beyond";
     EXPECT_EQ(LikeArgument::of(QStringLiteral("hero")).farthestBits(), ZQPictureHash::similarDistance);
     EXPECT_EQ(LikeArgument::of(QStringLiteral("hero~0")).farthestBits(), 0);
     EXPECT_EQ(LikeArgument::likeness(0), 100);

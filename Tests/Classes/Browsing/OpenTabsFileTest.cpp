@@ -431,7 +431,7 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
     }
     EXPECT_TRUE(reads(tabWith("filterPredicate", QStringLiteral("no ( predicate")))) << "searched anew from the text";
     EXPECT_TRUE(reads(tabWith("sortDirection", true)));
-    for (const int other : {8, 99, 104, 105}) {
+    for (const int other : {8, 99, 105, 106}) {
         library.writeFile(QStringLiteral("opened_tabs.plist"), tabWith("sortKeys", other));
         const auto tabs = OpenTabsFile(path).read(editing);
         ASSERT_TRUE(tabs) << "an order of another version: " << other;

@@ -116,7 +116,7 @@ TEST_F(SearchResultsTest, PicturesAreFoundByWhatTheyLookLike)
         {"#like dot", ""},  // shows nothing
         {"#like wide", ""}, // nobody looked at it yet
         {"#like nobody", ""},
-        {"#color #3366cc", "CL"}, // of another shade, a little is not enough
+        {"#color #4a7ad0", "CL"}, // of another shade, a little is not enough
         {"#color #2f60c4", "CLs"},
         {"#color #3366cc~0", "L"},
         {"#c #f00", "L"},

@@ -178,6 +178,29 @@ TEST_F(SidebarContentsTest, NumbersAreThoseOfTheStoreWhoeverCounts)
     EXPECT_FALSE(SidebarContents(context).counts(entries, [] { return false; })) << "given up";
 }
 
+TEST_F(SidebarContentsTest, TheIndexAndTheStoreMeanTheSamePicturesByAName)
+{
+    const auto picture = [](quint64 number) { return ZQPictureHash{{number, 2, 3, 4}}; };
+    for (qsizetype i = 0; i < images.size(); ++i) {
+        images[i]->setTitle(QStringLiteral("dawn"));
+        images[i]->setPictureHash(picture(quint64(i)).bytes());
+    }
+    images[1]->setTitle(images[0]->bundleID()); // the bundleID goes first
+    images[2]->setTitle(QStringLiteral("dusk"));
+    images[3]->setActive(false);
+    library.context().save();
+    waitForIndex();
+    for (LibraryIndex *from : {static_cast<LibraryIndex *>(nullptr), &index}) {
+        ZQManagedObjectContext context(library.coordinator());
+        const auto named = SidebarContents(context, from).searchContext(ZQListRows::LibraryItems, {}).picturesNamed;
+        EXPECT_EQ(named(images[0]->bundleID()), QList{picture(0)});
+        EXPECT_EQ(named(images[1]->bundleID()), QList{picture(1)});
+        EXPECT_EQ(named(QStringLiteral("DUSK")), QList{picture(2)});
+        EXPECT_EQ(named(images[3]->bundleID()), QList<ZQPictureHash>());
+        EXPECT_EQ(named(QStringLiteral("night")), QList<ZQPictureHash>());
+    }
+}
+
 TEST_F(SidebarContentsTest, ALiveFolderCountsWithAllBelowIt)
 {
     const Item live = add<ZQSidebarWatchedFolder>(

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Index/SimilarPictures.h"
 
+#include "Classes/Browsing/Content/LookAlikes.h"
 #include "Classes/Browsing/Content/NearDuplicates.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Browsing/Index/NearGroups.h"
@@ -49,7 +50,8 @@ protected:
 // Whatever is near to something is in a group, unless another group took that; and no group is a chain.
 void SimilarPicturesTest::expectRightGroups(const std::vector<HashWords> &hashes, int farthest)
 {
-    const auto groups = NearGroups::of(hashes, farthest, nullptr);
+    constexpr size_t few = 1024; // so that both ways are gone
+    const auto groups = NearGroups::of(hashes, farthest, nullptr, few);
     ASSERT_TRUE(groups.has_value());
     std::vector<int> taken(hashes.size());
     for (const auto &group : *groups) {
@@ -128,7 +130,7 @@ TEST_F(SimilarPicturesTest, JoinedColumnsHoldWhatBothHeld)
 
 TEST_F(SimilarPicturesTest, EveryPairThatIsNearIsFoundWhereverItsBitsDiffer)
 {
-    for (const int farthest : {0, 16, 31, 48}) {
+    for (const int farthest : {0, 16, 31, 47}) {
         SCOPED_TRACE(farthest);
         std::vector<HashWords> hashes;
         for (int i = 0; i < 600; ++i) {
@@ -145,6 +147,30 @@ TEST_F(SimilarPicturesTest, EveryPairThatIsNearIsFoundWhereverItsBitsDiffer)
         hashes.resize(500);
         expectRightGroups(hashes, farthest);
     }
+}
+
+// All there are would take minutes among a million.
+TEST_F(SimilarPicturesTest, OfManyNearlyAllPairsAreFoundThatAreJustNearEnough)
+{
+    constexpr int pairs = 1500;
+    std::vector<HashWords> hashes;
+    for (int i = 0; i < pairs; ++i) {
+        hashes.push_back(anyHash());
+        HashWords other = hashes.back();
+        for (int left = ZQPictureHash::alikeDistance; left > 0;) {
+            const auto bit = random() % ZQPictureHash::bitCount;
+            const quint64 mask = quint64(1) << (bit % 64);
+            const bool isNew = ((other[bit / 64] ^ hashes.back()[bit / 64]) & mask) == 0;
+            other[bit / 64] ^= isNew ? mask : 0;
+            left -= isNew ? 1 : 0;
+        }
+        hashes.push_back(other);
+    }
+    const auto groupsOf = [&hashes](size_t few) {
+        return NearGroups::of(hashes, ZQPictureHash::alikeDistance, nullptr, few).value_or(NearGroups::Groups());
+    };
+    EXPECT_EQ(groupsOf(hashes.size()).size(), size_t(pairs));
+    EXPECT_GT(groupsOf(0).size(), size_t(pairs * 85 / 100));
 }
 
 TEST_F(SimilarPicturesTest, AChainIsCutAroundThePicturesWithTheMostNeighbours)
@@ -175,22 +201,27 @@ TEST_F(SimilarPicturesTest, GroupingTellsHowFarItIsAndEndsWhenItIsCancelled)
     for (int i = 0; i < 2000; ++i) {
         hashes.push_back(anyHash());
     }
-    std::vector<double> told;
-    ASSERT_TRUE(NearGroups::of(hashes, 48, [&told](double done) { told.push_back(done); }).has_value());
-    EXPECT_GT(told.size(), 100U);
-    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
-    EXPECT_EQ(told.back(), 1);
-    const auto cancellation = std::make_shared<ZQCancellation>();
-    const ZQCancellation::Scope scope(cancellation);
-    told.clear();
-    const auto cancelInTheMiddle = [&](double done) {
-        told.push_back(done);
-        if (told.size() == 20) {
-            cancellation->cancel();
-        }
-    };
-    EXPECT_FALSE(NearGroups::of(hashes, 48, cancelInTheMiddle).has_value());
-    EXPECT_LT(told.back(), 0.9);
+    for (const size_t few : {hashes.size(), size_t(0)}) {
+        SCOPED_TRACE(few);
+        std::vector<double> told;
+        ASSERT_TRUE(NearGroups::of(
+                        hashes, 48, [&told](double done) { told.push_back(done); }, few)
+                        .has_value());
+        EXPECT_GT(told.size(), 100U);
+        EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+        EXPECT_EQ(told.back(), 1);
+        const auto cancellation = std::make_shared<ZQCancellation>();
+        const ZQCancellation::Scope scope(cancellation);
+        told.clear();
+        const auto cancelInTheMiddle = [&](double done) {
+            told.push_back(done);
+            if (told.size() == 20) {
+                cancellation->cancel();
+            }
+        };
+        EXPECT_FALSE(NearGroups::of(hashes, 48, cancelInTheMiddle, few).has_value());
+        EXPECT_LT(told.back(), 0.9);
+    }
 }
 
 TEST_F(SimilarPicturesTest, AColorIsNearInShadesAndOfLittleOnlyWhenItIsNearer)
@@ -307,5 +338,60 @@ TEST_F(NearDuplicatesTest, AreFoundAlikeByTheIndexAndByTheStoreAlone)
             context, each, IDs{small->objectID(), large->objectID(), other->objectID()}, nullptr, &error);
         ASSERT_TRUE(some && some->size() == 1);
         EXPECT_EQ(some->first().items, pair);
+    }
+}
+
+// Views of the window go first, and may do so in the middle of a look.
+TEST_F(NearDuplicatesTest, WhatCameLooksLikeTheSameHoweverOftenTheLookIsCutOff)
+{
+    LibraryIndex index(library.coordinator());
+    index.follow(library.context());
+    const auto made = [this](unsigned pictures, const char *digest) {
+        QList<ZQRef<ZQLibraryImage>> items;
+        std::mt19937_64 bits(pictures);
+        for (int i = 0; i < 40; ++i) {
+            ZQPictureHash hash;
+            std::generate(hash.words.begin(), hash.words.end(), std::ref(bits));
+            const auto item = library.addImage(QLatin1StringView(digest), QStringLiteral("jpg"));
+            item->setPictureHash(hash.bytes());
+            item->setSHA1(QLatin1StringView(digest));
+            items.append(item);
+        }
+        return items;
+    };
+    made(1, "there");
+    made(2, "copied");
+    ASSERT_TRUE(library.context().save());
+    const auto others = made(1, "other form");
+    const auto copies = made(2, "copied"); // were asked about
+    const auto strangers = made(3, "like nothing");
+    ASSERT_TRUE(library.context().save());
+    const auto idsOf = [](const QList<ZQRef<ZQLibraryImage>> &items) {
+        QList<ZQObjectID> ids;
+        std::transform(items.begin(), items.end(), std::back_inserter(ids),
+                       [](const auto &item) { return item->objectID(); });
+        return ids;
+    };
+    ASSERT_TRUE(index.waitUntilCurrent());
+    for (const int cutOffAfter : {0, 1, 2}) { // questions whether it is wanted
+        SCOPED_TRACE(cutOffAfter);
+        LookAlikes looking(idsOf(copies) + idsOf(others) + idsOf(strangers));
+        bool isThrough = false;
+        for (int turn = 0; turn < 100 && !isThrough; ++turn) {
+            ZQManagedObjectContext context(library.coordinator());
+            const auto cancellation = std::make_shared<ZQCancellation>();
+            const ZQCancellation::Scope scope(cancellation);
+            int asked = 0;
+            isThrough = looking.look(index, context, [&] {
+                const bool isWanted = !cancellation->isCancelled();
+                if (++asked == cutOffAfter) {
+                    cancellation->cancel();
+                }
+                return isWanted;
+            });
+        }
+        EXPECT_TRUE(isThrough);
+        EXPECT_EQ(looking.arrived(), idsOf(others));
+        EXPECT_EQ(looking.before().size(), 40);
     }
 }

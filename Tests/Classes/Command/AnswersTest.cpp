@@ -3,6 +3,7 @@
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PendingImport.h"
+#include "Classes/Services/UsageCounts.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
@@ -16,6 +17,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <utility>
 
 namespace {
 
@@ -490,6 +492,21 @@ TEST_F(AnswersTest, PreferencesAreValuesOfTheirType)
     EXPECT_EQ(errors(), QStringLiteral("zelto: the preference “Mine” is not set\n"));
     EXPECT_EQ(run("defaults read Mine"), 2);
     EXPECT_EQ(errors(), QStringLiteral("zelto: there is no preference “Mine”; `zelto defaults read` lists them\n"));
+}
+
+TEST_F(AnswersTest, WhereNothingIsToBeShownAPersonIsToldAndAScriptIsNot)
+{
+    ZQUserDefaults::standardUserDefaults().removeObjectForKey(UsageCounts::countsKey);
+    const std::pair<const char *, const char *> cases[] = {{"reports list", "there is no report"},
+                                                           {"usage show", "CountsUsage true"}};
+    for (const auto &[command, said] : cases) {
+        EXPECT_EQ(run(command), 0);
+        EXPECT_EQ(output(), QString()) << command;
+        EXPECT_EQ(context.errors.count(said), 1) << context.errors.constData();
+        EXPECT_EQ(run(QByteArray(command) + " --json"), 0);
+        EXPECT_EQ(errors(), QString()) << command;
+        EXPECT_FALSE(output().isEmpty()) << command;
+    }
 }
 
 TEST_F(AnswersTest, PurgingIsLeftToAWindowAndToAnImportThatGoesOn)

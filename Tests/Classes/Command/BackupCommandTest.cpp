@@ -365,15 +365,14 @@ TEST_F(BackupTest, OfTwoCopiesOfALibraryEachKeepsItsOwnInTheOrderTheyWereMade)
 
 TEST_F(BackupTest, BeginsByItselfOnlyWhereItsFolderIs)
 {
-    const QString name = QStringLiteral("Test");
-    auto &defaults = ZQUserDefaults::standardUserDefaults();
-    EXPECT_TRUE(BackupSchedule::refusalByItself(backups(), name).isNull()) << "the first one makes it";
-    defaults.setObjectForKey(folder(), BackupSchedule::madeInKey);
-    EXPECT_FALSE(BackupSchedule::refusalByItself(backups(), name).isNull());
-    EXPECT_TRUE(BackupSchedule::refusalByItself(world.path(), name).isNull()) << "another one was chosen";
+    const auto isAbsent = [this](const QString &directory, const QString &madeIn) {
+        return BackupLook::read({directory, delegate->libraryBundleDirectory(), store(), madeIn}).isAbsent;
+    };
+    EXPECT_FALSE(isAbsent(backups(), {})) << "the first one makes it";
+    EXPECT_TRUE(isAbsent(backups(), folder()));
+    EXPECT_FALSE(isAbsent(world.path(), folder())) << "another one was chosen";
     ASSERT_TRUE(QDir().mkpath(folder()));
-    EXPECT_TRUE(BackupSchedule::refusalByItself(backups(), name).isNull());
-    defaults.removeObjectForKey(BackupSchedule::madeInKey);
+    EXPECT_FALSE(isAbsent(backups(), folder()));
 }
 
 TEST_F(BackupTest, SaysWhyNoneBeginsWhereThePersonAsksForOne)

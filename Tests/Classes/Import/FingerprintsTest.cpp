@@ -92,18 +92,24 @@ TEST_F(Fingerprints, EveryPictureIsLookedAtAsItComesIn)
         SCOPED_TRACE(withThumbnails);
         set("AlwaysMakeThumbsWhileImporting", withThumbnails);
         const QString name = withThumbnails ? QStringLiteral("kept") : QStringLiteral("shown");
-        import({writePicture(name + QStringLiteral(".png"), 1), writePicture(name + QStringLiteral("2.jpg"), 2),
-                writeImage(name + QStringLiteral("3.png"), {40, 30}, Qt::red)});
-        ASSERT_EQ(item(name)->thumbName().isEmpty(), !withThumbnails);
-        EXPECT_TRUE(looksLike(*item(name), 1));
-        EXPECT_TRUE(looksLike(*item(name + u'2'), 2));
-        EXPECT_FALSE(looksLike(*item(name), 2));
-        EXPECT_GT(ZQPalette::fromBytes(item(name)->palette()).colors.size(), 1);
+        const int kind = withThumbnails ? 3 : 1; // none of them is there twice
+        const QColor color = withThumbnails ? Qt::blue : Qt::red;
+        import({writePicture(name + QStringLiteral(".png"), kind),
+                writePicture(name + QStringLiteral("2.jpg"), kind + 1),
+                writeImage(name + QStringLiteral("3.png"), {40, 30}, color)});
+        const auto first = item(name);
+        const auto second = item(name + u'2');
         const auto flat = item(name + u'3');
+        ASSERT_TRUE(first && second && flat);
+        EXPECT_EQ(first->thumbName().isEmpty(), !withThumbnails);
+        EXPECT_TRUE(looksLike(*first, kind));
+        EXPECT_TRUE(looksLike(*second, kind + 1));
+        EXPECT_FALSE(looksLike(*first, kind + 1));
+        EXPECT_GT(ZQPalette::fromBytes(first->palette()).colors.size(), 1);
         EXPECT_TRUE(flat->pictureHash().isEmpty() && !flat->pictureHash().isNull()) << "it shows nothing";
         const ZQPalette palette = ZQPalette::fromBytes(flat->palette());
         ASSERT_EQ(palette.colors.size(), 1);
-        EXPECT_EQ(QColor(palette.colors.first().rgb), QColor(Qt::red));
+        EXPECT_EQ(QColor(palette.colors.first().rgb), color);
     }
     EXPECT_EQ(countToDo(), 0);
 }
@@ -114,9 +120,10 @@ TEST_F(Fingerprints, APictureThatChangedIsLookedAtAgain)
         SCOPED_TRACE(withThumbnails);
         set("AlwaysMakeThumbsWhileImporting", withThumbnails);
         const QString name = withThumbnails ? QStringLiteral("kept") : QStringLiteral("shown");
-        import({writePicture(name + QStringLiteral(".png"), 1)});
+        const int kind = withThumbnails ? 3 : 1;
+        import({writePicture(name + QStringLiteral(".png"), kind)});
         const auto made = item(name);
-        ASSERT_TRUE(made && picture(2).save(made->itemURL()));
+        ASSERT_TRUE(made && picture(kind + 1).save(made->itemURL()));
         QFile file(made->itemURL());
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(60), QFile::FileModificationTime));
@@ -126,8 +133,24 @@ TEST_F(Fingerprints, APictureThatChangedIsLookedAtAgain)
         AImportManager &manager = AImportManager::sharedAImportManager();
         zqRunMainLoopUntil([&manager] { return manager.thumbsGenerationQueue().operationCount() == 0; });
         QCoreApplication::processEvents();
-        EXPECT_TRUE(looksLike(*made, 2));
+        EXPECT_TRUE(looksLike(*made, kind + 1));
     }
+}
+
+TEST_F(Fingerprints, APictureThatIsNotThereWhenItIsDrawnIsStillToBeLookedAt)
+{
+    set("AlwaysMakeThumbsWhileImporting", false);
+    import({writePicture(QStringLiteral("away.png"), 1)});
+    const auto made = item(QStringLiteral("away"));
+    ASSERT_TRUE(made && made->thumbName().isEmpty());
+    const QString file = made->itemURL();
+    ZQPictureFingerprint::removeFrom(*made);
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    ASSERT_TRUE(QFile::rename(file, file + QStringLiteral(".x")));
+    manager.thumbForLibraryItem(made.get());
+    zqRunMainLoopUntil([&manager] { return manager.thumbsGenerationQueue().operationCount() == 0; });
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(made->pictureHash().isNull());
 }
 
 TEST_F(Fingerprints, WhatIsEndedGoesOnWhereItWas)

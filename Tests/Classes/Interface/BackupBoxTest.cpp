@@ -16,6 +16,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QSpinBox>
 
@@ -116,7 +117,7 @@ TEST_F(BackupBoxTest, ABackupIsMadeInTheFolderThatWasChosen)
     EXPECT_EQ(result.items, 4);
     EXPECT_TRUE(QFileInfo(result.path).isDir());
     EXPECT_TRUE(says(result.lines().join(u'\n'))) << labelsOf(*box).toStdString();
-    EXPECT_TRUE(says(QStringLiteral("The last one: ")));
+    EXPECT_TRUE(waitFor([this] { return says(QStringLiteral("The last one: ")); }));
     EXPECT_TRUE(button("&Back Up Now"));
     EXPECT_FALSE(the<QProgressBar>().isVisible());
 
@@ -145,9 +146,55 @@ TEST_F(BackupBoxTest, AFolderThatCannotTakeItIsRefused)
     defaults().setObjectForKey(world.filePath(QStringLiteral("gone")), BackupSchedule::directoryKey);
     open();
     button("&Back Up Now")->click();
-    EXPECT_FALSE(schedule->work().isRunning());
+    ASSERT_TRUE(ends());
     EXPECT_TRUE(says(QStringLiteral("There is no folder"))) << labelsOf(*box).toStdString();
     EXPECT_TRUE(button("&Back Up Now"));
+}
+
+TEST_F(BackupBoxTest, AFolderThatDoesNotAnswerHoldsNothingUp)
+{
+    // Shared with threads that nobody waits for.
+    const auto silent = std::make_shared<QSemaphore>();
+    const auto entered = std::make_shared<QSemaphore>();
+    const QString gone = world.filePath(QStringLiteral("gone"));
+    const auto read = [silent, entered, gone](const BackupLook::Place &place) {
+        BackupLook::Found found;
+        if (place.directory == gone) {
+            entered->release();
+            silent->acquire();
+            found.last = BackupRecord{};
+        }
+        return found;
+    };
+    pane.reset();
+    schedule = std::make_unique<BackupSchedule>(*delegate, read);
+    defaults().setObjectForKey(gone, BackupSchedule::directoryKey);
+    open();
+    open();
+    EXPECT_TRUE(says(QStringLiteral("Looking at the folder…"))) << labelsOf(*box).toStdString();
+    ASSERT_TRUE(waitFor([&] { return entered->available() > 0; }));
+    person.files = {folder()};
+    button("&Folder…")->click();
+    EXPECT_EQ(person.choices.last().startFolder, QString()) << "the choice does not begin in it either";
+    const auto saysThatNoneIsThere = [this] { return says(QStringLiteral("There is no backup of this library")); };
+    EXPECT_TRUE(waitFor(saysThatNoneIsThere)) << "the other folder answers meanwhile";
+    EXPECT_EQ(entered->available(), 1) << "one thread a folder";
+    button("&Folder…")->click();
+    EXPECT_EQ(person.choices.last().startFolder, folder());
+    ASSERT_TRUE(waitFor(saysThatNoneIsThere));
+    bool isAnswered = false; // behind the box that was opened second
+    defaults().setObjectForKey(gone, BackupSchedule::directoryKey);
+    schedule->findLast([&isAnswered](const BackupLook::Found &) { isAnswered = true; });
+    defaults().setObjectForKey(folder(), BackupSchedule::directoryKey);
+    silent->release(2);
+    ASSERT_TRUE(waitFor([&isAnswered] { return isAnswered; })) << "who asks while one looks gets a look of their own";
+    EXPECT_EQ(entered->available(), 2);
+    EXPECT_TRUE(saysThatNoneIsThere()) << "an answer of the folder before";
+    defaults().setObjectForKey(gone, BackupSchedule::directoryKey);
+    schedule->findLast([](const BackupLook::Found &) { ADD_FAILURE() << "nobody is there"; });
+    pane.reset();
+    schedule.reset(); // waits for nobody
+    silent->release();
 }
 
 TEST_F(BackupBoxTest, TheSettingsAreWrittenAndWhatCannotBeGoesBack)
@@ -160,6 +207,12 @@ TEST_F(BackupBoxTest, TheSettingsAreWrittenAndWhatCannotBeGoesBack)
     open();
     EXPECT_EQ(the<QSpinBox>().value(), 3);
     EXPECT_EQ(the<QComboBox>().currentText(), QStringLiteral("Every day"));
+    for (const auto &[days, text] : {std::pair(3, "Every 3 days"), std::pair(-1, "Never"), std::pair(0, "Never"),
+                                     std::pair(7, "Every week"), std::pair(1, "Every day")}) {
+        defaults().setObjectForKey(days, BackupSchedule::intervalKey); // as `zelto defaults write` does
+        open();
+        EXPECT_EQ(the<QComboBox>().currentText().toStdString(), text);
+    }
     const QSignalSpy refusals(pane.get(), &PreferencesPane::refused);
     ASSERT_TRUE(defaults().synchronize());
     const ProtectedFile file(defaults().path());
@@ -191,4 +244,8 @@ TEST_F(BackupBoxTest, TheStatisticsAreThoseOfTheLibraryAndEndWithTheirSheet)
     run(CommandID::LibraryStatistics);
     QTest::keyClick(sheet(), Qt::Key_Escape); // in the middle of it
     EXPECT_TRUE(waitFor([&] { return !sheet(); }));
+    const StatisticsSheet ofNone(&window(), nullptr, {});
+    EXPECT_EQ(ofNone.findChild<QLabel *>(QStringLiteral("SmallMuted"))->text(),
+              QStringLiteral("The library is not open."))
+        << "nothing will come";
 }

@@ -305,6 +305,27 @@ TEST_F(ExportPanelTest, ADropGoesBetweenTheCellsItIsNear)
     for (const auto &[point, index] : drops) {
         EXPECT_EQ(view.dropIndexAt(point), index) << point.x() << " " << point.y();
     }
+    const auto places = [&view] {
+        QList<QPoint> corners;
+        for (const PresetCell *cell : view.cells()) {
+            corners.append(cell->pos());
+        }
+        return corners;
+    };
+    const QList<QPoint> usual = places();
+    view.setLayoutDirection(Qt::RightToLeft);
+    const QList<QPoint> other = places();
+    ASSERT_GE(usual.size(), 2);
+    for (qsizetype i = 0; i < usual.size(); ++i) {
+        EXPECT_EQ(other[i], QPoint(264 - PresetCell::cellSize.width() - usual[i].x(), usual[i].y())) << i;
+    }
+    for (const auto &[point, index] : drops) {
+        EXPECT_EQ(view.dropIndexAt({263 - point.x(), point.y()}), index) << point.x() << " " << point.y();
+    }
+    view.setEditing(true); // so that they can have the focus
+    view.cells()[0]->setFocus();
+    QTest::keyClick(view.cells()[0], Qt::Key_Left);
+    EXPECT_TRUE(view.cells()[1]->hasFocus()) << "the key goes where it points";
 }
 
 TEST_F(ExportPanelTest, WhatIsDraggedIsWholeWhenItIsGiven)

@@ -22,7 +22,7 @@ private:
 } // namespace
 
 // Margins 8, 6, 8, 6 and 5 between: 100 wide leaves 84.
-TEST(FlowLayout, FillsLinesFromTheLeftAndGivesTheRestToWhatGrows)
+TEST(FlowLayout, FillsLinesFromWhereReadingBeginsAndGivesTheRestToWhatGrows)
 {
     struct Case
     {
@@ -62,6 +62,13 @@ TEST(FlowLayout, FillsLinesFromTheLeftAndGivesTheRestToWhatGrows)
         EXPECT_EQ(flow->geometry(), QRect(0, 0, 100, 300));
         flow->setGeometry({50, 40, 100, 300});
         EXPECT_TRUE(blocks.isEmpty() || blocks[0]->pos() == QPoint(58, 46)) << each.what;
+        window.setLayoutDirection(Qt::RightToLeft);
+        flow->setGeometry({0, 0, 100, 300});
+        for (qsizetype i = 0; i < blocks.size(); ++i) {
+            const QRect &place = each.places[i];
+            const QRect mirrored(100 - place.left() - place.width(), place.top(), place.width(), place.height());
+            EXPECT_EQ(blocks[i]->geometry(), mirrored) << each.what << " " << i;
+        }
     }
     QWidget window;
     auto *flow = new FlowLayout(5);

@@ -14,6 +14,7 @@
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QClipboard>
 #include <QCompleter>
 #include <QContextMenuEvent>
@@ -21,6 +22,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QStyledItemDelegate>
+#include <QtTest/QSignalSpy>
 
 namespace {
 
@@ -389,6 +391,18 @@ TEST_F(InfoPanelTest, ThePaletteIsSearchedCopiedAndSaved)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), zqGPLPalette(palette, red));
     EXPECT_EQ(person.choices.last().suggestedName, QStringLiteral("red.gpl"));
+
+    auto *swatch = named<ColorSwatch>("#3366cc");
+    QAccessibleInterface *heard = QAccessible::queryAccessibleInterface(swatch);
+    EXPECT_EQ(heard->role(), QAccessible::Button);
+    EXPECT_TRUE(heard->text(QAccessible::Description).contains(QStringLiteral("22 % of the picture")));
+    QSignalSpy menus(swatch, &ColorSwatch::menuRequested);
+    whenMenuOpens(QStringLiteral("Copy #3366cc"));
+    heard->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_TRUE(waitFor([&] { return menus.size() == 1; }));
+    QSignalSpy chosen(swatch, &ColorSwatch::chosen);
+    heard->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(waitFor([&] { return chosen.size() == 1; }));
 }
 
 TEST_F(InfoPanelTest, ThePreviewShowsTheSelectedInItsShape)

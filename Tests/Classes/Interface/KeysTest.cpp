@@ -294,7 +294,7 @@ TEST_F(KeysTest, TabReachesEveryControlAndEachShowsIt)
     for (const char *name :
          {"Sidebar (Ctrl+B)", "New Project (Ctrl+N)", "Import… (Ctrl+I)", "Tabs", "New Tab", "Search",
           "Share (Ctrl+Shift+C)", "Info Panel (Ctrl+Shift+I)", "Menu (F10)", "Projects", "Group: Sidebar item",
-          "Thumbnail size", "Title", "Rating: 0 of 5", "red", "Add tag", "Notes", "Source", "License"}) {
+          "Thumbnail size", "Title", "Rating: 0 of 5", "#ff0000", "Add tag", "Notes", "Source", "License"}) {
         EXPECT_TRUE(names.contains(QString::fromUtf8(name))) << name << " in " << names.join(u'|').toStdString();
     }
     QList<QWidget *> back = walk(Qt::Key_Backtab);

@@ -124,6 +124,9 @@ TEST_F(MainWindowTest, TheMenuOfTheGridIsThatOfWhatIsSelected)
               QStringLiteral(
                   "Open|Find Similar|Open with Default Program|Show in Files|-|Copy|Duplicate|Rename|Rating|Export|"
                   "Export as Layered PSD…|Share|-|Remove from A|Delete from Library"));
+    select({QStringLiteral("red"), QStringLiteral("clear")});
+    EXPECT_TRUE(menuAt().startsWith(QStringLiteral("Open|Compare|Find Near-Duplicates…|"))) << menu.toStdString();
+    select({QStringLiteral("red")});
     menuAt(QStringLiteral("Remove from A"));
     settle();
     EXPECT_EQ(shown().size(), 3);

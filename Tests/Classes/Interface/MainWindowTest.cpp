@@ -33,12 +33,12 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
             "Ctrl+,"));
     EXPECT_EQ(
         commandsOf(menuOf("View")),
-        QStringLiteral(
-            "Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\nRefine Bar Ctrl+Alt+F ✓\n-\nAs Grid Ctrl+Alt+1 ✓\n"
-            "As List Ctrl+Alt+2 ✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
-            "Smaller Thumbnails Ctrl+-\n-\nQuick Look\tSpace\nOpen\tEnter\nCompare Ctrl+K\nFit Ctrl+0\nActual Size Z\n"
-            "Zoom In + =\nZoom Out -\n-\nNext Tab Ctrl+Tab\nPrevious Tab Ctrl+Shift+Tab\nGo to Tab\n-\n"
-            "Full Screen F11\nDark Theme ✓"));
+        QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\nRefine Bar Ctrl+Alt+F ✓\n-\nAs Grid Ctrl+Alt+1 ✓\n"
+                       "As List Ctrl+Alt+2 ✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
+                       "Smaller Thumbnails Ctrl+-\n-\nQuick Look\tSpace\nOpen\tEnter\nCompare Ctrl+K ✓\nFit "
+                       "Ctrl+0\nActual Size Z\n"
+                       "Zoom In + =\nZoom Out -\n-\nNext Tab Ctrl+Tab\nPrevious Tab Ctrl+Shift+Tab\nGo to Tab\n-\n"
+                       "Full Screen F11\nDark Theme ✓"));
     EXPECT_TRUE(commandsOf(menuOf("Go to Tab")).startsWith(QStringLiteral("Tab 1 Ctrl+1\nTab 2 Ctrl+2\n")));
     EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1\n-\nCheck for Updates..."));
     EXPECT_EQ(commandsOf(menuOf("Rating")),

@@ -5,6 +5,7 @@
 #include "Classes/Services/CrashReports.h"
 #include "Classes/Services/UsageCounts.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Tests/Classes/Interface/SheetsFixture.h"
 #include "Tests/Support/LocalHTTPServer.h"
 #include "Tests/Support/ScriptedUser.h"
@@ -15,6 +16,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QFontInfo>
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -97,13 +99,15 @@ TEST_F(PrivacyPaneTest, CountsAreShownAllTheNewestFirstAndErased)
     EXPECT_FALSE(button(*beside, "&Erase Counts")->isEnabled());
     UsageCounts counts;
     counts.count(QStringLiteral("Export Items"), today.addDays(-1));
+    counts.count(zqNameOfFeature(ZQFeature::UploadElsewhere), today.addDays(-2));
     counts.count(QStringLiteral("Of a Later Version"), today);
     counts.count(QStringLiteral("Of a Later Version"), today);
     ASSERT_TRUE(counts.write());
     const auto day = [](const QDate &date) { return QLocale().toString(date, QLocale::ShortFormat); };
     PrivacyPane &pane = open();
     EXPECT_EQ(counted(pane), day(today) + QStringLiteral(": Of a Later Version, 2 times\n") + day(today.addDays(-1)) +
-                                 QStringLiteral(": Export Items, 1 time"));
+                                 QStringLiteral(": Export Items, 1 time\n") + day(today.addDays(-2)) +
+                                 QStringLiteral(": Cloud Upload (other services), 1 time"));
     button(pane, "&Erase Counts")->click();
     EXPECT_EQ(counted(pane), QStringLiteral("Nothing was counted."));
     EXPECT_FALSE(QFile::exists(UsageCounts::usualPath()));
@@ -125,6 +129,8 @@ TEST_F(PrivacyPaneTest, CountsAreShownAllTheNewestFirstAndErased)
 TEST_F(PrivacyPaneTest, AReportIsCopiedAndSavedButOverNothing)
 {
     CrashReportSheet &report = openSheet();
+    EXPECT_TRUE(QFontInfo(report.findChild<QPlainTextEdit *>()->font()).fixedPitch())
+        << "columns stand below each other";
     EXPECT_FALSE(button(report, "Sen&d")) << "there is nowhere to send it to";
     button(report, "C&opy")->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), reportText);

@@ -53,6 +53,19 @@ TEST(RatingField, PointerAndKeysGiveStars)
         QTest::mouseClick(&field, Qt::LeftButton, {}, {each.x, 12});
         EXPECT_EQ(field.rating(), each.after) << each.x;
     }
+    field.setLayoutDirection(Qt::RightToLeft);
+    for (const Click &each : {Click{8, 1}, {18, 2}, {17, 1}, {88, 5}}) {
+        field.setRating(0, false);
+        QTest::mouseClick(&field, Qt::LeftButton, {}, {field.width() - each.x, 12});
+        EXPECT_EQ(field.rating(), each.after) << each.x << " from the right";
+    }
+    field.setRating(3, false);
+    EXPECT_EQ(picture(field).pixelColor(field.width() - 48, 12), zqColor(ZQColorRole::Accent));
+    EXPECT_NE(picture(field).pixelColor(field.width() - 68, 12), zqColor(ZQColorRole::Accent));
+    QTest::keyClick(&field, Qt::Key_Left);
+    EXPECT_EQ(field.rating(), 4) << "the key goes where it points";
+    field.setLayoutDirection(Qt::LeftToRight);
+    field.setRating(5, false);
     told.clear();
     QTest::mouseClick(&field, Qt::LeftButton, {}, {88, 12});
     EXPECT_EQ(field.rating(), 0) << "the last one again takes all away";

@@ -5,6 +5,7 @@
 #include "Classes/Interface/Browser/FacetButton.h"
 #include "Classes/Interface/Browser/FacetMenu.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
+#include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
@@ -143,6 +144,48 @@ TEST_F(RefineBarStates, ItCountsUntilTheIndexIsThereAndSaysWhenACountFails)
     EXPECT_TRUE(waitUntilItSays(values)) << said().toStdString();
     bar->setContent({});
     EXPECT_TRUE(waitUntilItSays(QString())) << "nothing is shown that could be refined";
+}
+
+TEST_F(RefineBarStates, FromRightToLeftItIsTheOtherWayRound)
+{
+    index->start();
+    ASSERT_TRUE(waitUntilItSays(values));
+    const auto places = [&](bool isMirrored) {
+        QStringList result;
+        for (const QWidget *each : bar->findChildren<QWidget *>()) {
+            const QRect place = each->geometry();
+            const int x = isMirrored ? bar->width() - place.left() - place.width() : place.left();
+            result.append(each->isVisible() ? QStringLiteral("%1 %2").arg(x).arg(place.y()) : QString());
+        }
+        return result.join(u'|').toStdString();
+    };
+    for (const int width : {800, 180}) { // in one line, and in several
+        bar->setLayoutDirection(Qt::LeftToRight);
+        bar->resize(width, bar->heightForWidth(width));
+        const std::string usual = places(false);
+        bar->setLayoutDirection(Qt::RightToLeft);
+        EXPECT_EQ(places(true), usual) << width;
+        EXPECT_NE(places(false), usual) << width;
+    }
+}
+
+TEST(FacetButton, BeginsWithItsDotWhereReadingDoes)
+{
+    FacetValue value;
+    value.color = int(ZQSidebarKind::FirstColor) + 3;
+    value.count = 1234;
+    FacetButton button;
+    button.showValue(FacetKind::Color, value);
+    button.resize(button.sizeHint());
+    const QColor color = ZQTheme::swatch(value.color);
+    const auto isDot = [&](const QImage &image, int x) { return image.pixelColor(x, image.height() / 2) == color; };
+    const QImage usual = button.grab().toImage();
+    button.setLayoutDirection(Qt::RightToLeft);
+    const QImage other = button.grab().toImage();
+    ASSERT_TRUE(isDot(usual, 14));
+    for (int x = 0; x < usual.width(); ++x) {
+        EXPECT_EQ(isDot(other, usual.width() - 1 - x), isDot(usual, x)) << x;
+    }
 }
 
 TEST_F(RefineBarStates, AnIndexThatCannotBeBuiltIsNotWaitedFor)

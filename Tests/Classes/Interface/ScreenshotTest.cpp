@@ -295,6 +295,42 @@ TEST_F(ScreenshotTest, WhatIsSelectedIsBrightAndTheMagnifierShowsPixels)
         << "it would lie over what is moved";
 }
 
+TEST_F(ScreenshotTest, TheHintStaysReadableWhereverTheMagnifierIs)
+{
+    struct : ZQScreenshotAreaViewDelegate
+    {
+        void screenshotAreaView(ZQScreenshotAreaView &, const QRectF &) override {}
+        void screenshotAreaViewDidBegin(ZQScreenshotAreaView &) override {}
+    } nobody;
+    FrozenScreen screen;
+    screen.info.frame = screen.info.pixelFrame = {0, 0, 800, 600};
+    screen.image = QImage(screen.info.frame.size(), QImage::Format_RGB32);
+    screen.image.fill(Qt::white); // whatever lies there is seen
+    ZQScreenshotAreaView one(screen, nobody);
+    one.resize(screen.info.frame.size());
+    one.show();
+    const auto drawn = [&one] { return one.grab().toImage().convertToFormat(QImage::Format_RGB32); };
+    const QImage before = drawn();
+    QRect hint;
+    for (int y = 0; y < before.height(); ++y) {
+        for (int x = 0; x < before.width(); ++x) {
+            hint = before.pixel(x, y) == before.pixel(0, 0) ? hint : hint.united({x, y, 1, 1});
+        }
+    }
+    ASSERT_TRUE(hint.width() > 100 && hint.top() > 400) << "it stands below";
+    const int over = hint.top() - 120; // from there the magnifier reaches down into it
+    for (const QPoint &pointer : {QPoint(20, 20), hint.center(), QPoint(hint.left() - 60, over),
+                                  QPoint(hint.center().x(), over), hint.bottomRight()}) {
+        QTest::mouseMove(&one, pointer);
+        const QImage now = drawn();
+        int places = 0;
+        for (int y = 0; y + hint.height() <= now.height(); ++y) {
+            places += now.copy(QRect(QPoint(hint.left(), y), hint.size())) == before.copy(hint) ? 1 : 0;
+        }
+        EXPECT_EQ(places, 1) << pointer.x() << ' ' << pointer.y();
+    }
+}
+
 TEST_F(ScreenshotTest, TheFirstWindowAtThePointerIsTaken)
 {
     source.addWindow(7, 25, {0, 0, 400, 20}, QStringLiteral("panel"));

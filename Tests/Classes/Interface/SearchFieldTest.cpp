@@ -76,7 +76,9 @@ TEST_F(SearchFieldTest, TokensAreCompletedByKeys)
     enter("#color whit");
     EXPECT_EQ(options(), QStringLiteral("white"));
     type(QStringLiteral("e"));
-    EXPECT_EQ(options(), QString()) << "what is typed in full";
+    EXPECT_EQ(options(), QStringLiteral("white~4 white~10 white~20")) << "how near, once it is typed in full";
+    type(QStringLiteral("~4"));
+    EXPECT_EQ(options(), QString());
 }
 
 TEST_F(SearchFieldTest, EnterGoesOnWhereNothingIsChosenAndEscGoesStepByStep)

@@ -116,6 +116,7 @@ TEST_F(ServicesPaneTest, WhereThereAreNoChecksNothingCanBeChosenAndTheReasonIsSa
     EXPECT_EQ(enabledUpdates(), QStringLiteral("000")) << "nobody checks";
     SoftwareUpdater updater({[this] { return &user; }, [](const QUrl &) {}, world.filePath(QStringLiteral("zelto"))});
     open();
+    EXPECT_EQ(enabledUpdates(), QStringLiteral("000")) << "it is not known yet whether there are any";
     EXPECT_TRUE(QTest::qWaitFor([this] { return says("built without an address"); }));
     EXPECT_EQ(enabledUpdates(), QStringLiteral("000"));
     open();
@@ -130,10 +131,10 @@ TEST_F(ServicesPaneTest, WhereThereAreTheSwitchesWriteAndTheChannelFollows)
     SoftwareUpdater updater({[this] { return &user; }, [](const QUrl &) {}, world.filePath(QStringLiteral("zelto"))});
     updater.configure(QStringLiteral("updates/release/feed.json"));
     open();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return enabledUpdates() == QStringLiteral("111"); }));
     control<QPushButton>("Check for Updates...").click();
     EXPECT_TRUE(QTest::qWaitFor([this] { return user.questions.size() == 1; }));
     EXPECT_EQ(user.questions.value(0).message, QStringLiteral("Zelto could not look for new versions"));
-    EXPECT_EQ(enabledUpdates(), QStringLiteral("111"));
     EXPECT_FALSE(says("built without"));
     control<QCheckBox>("Look for new versions once a day").click();
     EXPECT_TRUE(defaults().boolForKey(SoftwareUpdater::checksKey));

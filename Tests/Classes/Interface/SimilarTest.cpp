@@ -1,11 +1,13 @@
 // What looks like a picture, and what looks alike.
 
 #include "Classes/Interface/Browser/BrowserHead.h"
+#include "Classes/Interface/Browser/ColorWheel.h"
 #include "Classes/Interface/Sheets/NearDuplicatesSheet.h"
 #include "Kit/Imaging/ZQPictureHash.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -33,6 +35,12 @@ protected:
     }
     QString text() { return window().findChild<QLineEdit *>(QStringLiteral("Search"))->text(); }
     QSlider *slider() { return named<QSlider>("How near"); }
+    static QListWidget *list(const NearDuplicatesSheet &sheet, const char *name)
+    {
+        const auto lists = sheet.findChildren<QListWidget *>();
+        return *std::find_if(lists.begin(), lists.end(),
+                             [&](QListWidget *each) { return each->accessibleName() == QLatin1StringView(name); });
+    }
     QString tabName() { return browser().content().tab().tabName(); }
 };
 
@@ -50,10 +58,16 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     EXPECT_EQ(tabName(), QStringLiteral("Like red"));
     EXPECT_EQ(shown(), (QStringList{"red", "clear", "pages"}));
     EXPECT_TRUE(named("Sort: Nearness"));
+    for (int id = int(CommandID::SortManually); id <= int(CommandID::SortByHue); ++id) {
+        EXPECT_FALSE(controller->command(CommandID(id))->isChecked()) << id;
+    }
     ASSERT_TRUE(slider());
     EXPECT_EQ(slider()->value(), slider()->maximum());
+    const QString widest = slider()->accessibleDescription();
     slider()->setValue(20);
     EXPECT_TRUE(waitFor([this] { return text().endsWith(QStringLiteral("~20")); })) << text().toStdString();
+    EXPECT_EQ(slider()->accessibleDescription(), QStringLiteral("Likeness 81 % or more"));
+    EXPECT_NE(slider()->accessibleDescription(), widest);
     settle();
     EXPECT_EQ(shown(), (QStringList{"red", "clear"}));
 
@@ -77,6 +91,36 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     EXPECT_FALSE(slider());
 }
 
+TEST_F(SimilarTest, AColorIsFoundByTheWheelWithoutTheRefineBar)
+{
+    show(b); // what was counted before is no longer to be chosen
+    show(a);
+    run(CommandID::FindColor);
+    auto *wheel = window().findChild<ColorWheel *>();
+    ASSERT_TRUE(wheel);
+    QTest::keyClick(wheel, Qt::Key_Up);
+    EXPECT_TRUE(waitFor([this] { return text().startsWith(QStringLiteral("#color #")); }));
+    Q_EMIT browser().searchRequested(QStringLiteral("red OR clear"));
+    settle();
+    QString before = text();
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(wheel, Qt::Key_Right);
+        EXPECT_TRUE(waitFor([&] { return std::exchange(before, text()) != text(); })) << i;
+    }
+    EXPECT_EQ(text().count(QStringLiteral("#color")), 1) << text().toStdString();
+    wheel->window()->close();
+}
+
+TEST_F(SimilarTest, LooksAtAPictureAtOnceThatWasNotLookedAtYet)
+{
+    image(QStringLiteral("red"))->setPictureHash({});
+    delegate->saveAction();
+    select({QStringLiteral("red")});
+    run(CommandID::FindSimilar);
+    EXPECT_TRUE(waitFor([this] { return !image(QStringLiteral("red"))->pictureHash().isNull(); }));
+    EXPECT_EQ(tabName(), QStringLiteral("A"));
+}
+
 TEST_F(SimilarTest, SaysWhyNothingIsLikeAPicture)
 {
     image(QStringLiteral("red"))->setPictureHash(QByteArray("")); // looked at, and shows nothing
@@ -88,21 +132,48 @@ TEST_F(SimilarTest, SaysWhyNothingIsLikeAPicture)
     EXPECT_EQ(text(), QString());
 }
 
+// A picture may be there a hundred thousand times.
+TEST_F(SimilarTest, OfALargeGroupOnlySomeAreShownAndTheOthersStay)
+{
+    const QByteArray hash = image(QStringLiteral("red"))->pictureHash();
+    for (qsizetype i = 0; i < NearDuplicatesSheet::mostInGroup + 5; ++i) {
+        const auto copy = context().insertNewObject<ZQLibraryImage>();
+        copy->setTitle(QStringLiteral("copy"));
+        copy->setBundleID(QStringLiteral("copy-%1").arg(i));
+        copy->setPictureHash(hash);
+        copy->setActive(true);
+    }
+    delegate->saveAction();
+    settle();
+    show(special(ZQSidebarKind::Library));
+    run(CommandID::FindNearDuplicates);
+    const auto *sheet = window().findChild<NearDuplicatesSheet *>();
+    ASSERT_TRUE(sheet);
+    QListWidget *groups = list(*sheet, "Groups");
+    ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
+    EXPECT_EQ(list(*sheet, "The one to keep")->count(), NearDuplicatesSheet::mostInGroup);
+    press(Qt::Key_Escape);
+    settle();
+}
+
 TEST_F(SimilarTest, OneOfEachGroupIsKept)
 {
     run(CommandID::FindNearDuplicates);
     const auto *sheet = window().findChild<NearDuplicatesSheet *>();
     ASSERT_TRUE(sheet);
-    const auto list = [&](const char *name) {
-        const auto lists = sheet->findChildren<QListWidget *>();
-        return *std::find_if(lists.begin(), lists.end(),
-                             [&](QListWidget *each) { return each->accessibleName() == QLatin1StringView(name); });
-    };
-    QListWidget *groups = list("Groups");
-    QListWidget *pictures = list("The one to keep");
+    QListWidget *groups = list(*sheet, "Groups");
+    QListWidget *pictures = list(*sheet, "The one to keep");
     ASSERT_TRUE(waitFor([&] { return groups->count() > 0; }));
     EXPECT_EQ(groups->count(), 1);
     EXPECT_TRUE(pictures->currentItem()) << "one is proposed";
+    const auto heard = [](QListWidget &of, int row, QAccessible::Text kind) {
+        return QAccessible::queryAccessibleInterface(&of)->child(row)->text(kind);
+    };
+    EXPECT_EQ(heard(*groups, 0, QAccessible::Description), QStringLiteral("%1 pictures").arg(pictures->count()));
+    for (int row = 0; row < pictures->count(); ++row) {
+        EXPECT_EQ(heard(*pictures, row, QAccessible::Description).startsWith(QStringLiteral("Proposed to be kept.")),
+                  row == pictures->currentRow());
+    }
     for (int row = 0; row < pictures->count(); ++row) {
         if (pictures->item(row)->text().startsWith(QStringLiteral("clear\n"))) {
             pictures->setCurrentRow(row);

@@ -4,10 +4,12 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Tests/Support/Skip.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -130,6 +132,24 @@ TEST(SystemNotificationsTest, WhatAnotherServiceSaysOfANumberIsNotOfOurs)
         waitFor([&service] { return service.shown.size() == 1; });
     }
     EXPECT_EQ(chosen, 0);
+}
+
+TEST(SystemNotificationsTest, GoThroughThePortalInEachSandbox)
+{
+    const QByteArray here = QFile::encodeName(QCoreApplication::applicationDirPath());
+    const struct
+    {
+        const char *variable;
+        QByteArray value;
+        SystemNotifications::Way way;
+    } cases[] = {{"FLATPAK_ID", "org.zelto.Zelto", SystemNotifications::Way::Portal},
+                 {"SNAP", here, SystemNotifications::Way::Portal},
+                 {"SNAP", "/snap/of-another", SystemNotifications::Way::Service}};
+    for (const auto &each : cases) {
+        qputenv(each.variable, each.value);
+        EXPECT_EQ(SystemNotifications::usualWay(), each.way) << each.variable << '=' << each.value.constData();
+        qunsetenv(each.variable);
+    }
 }
 
 TEST(SystemNotificationsTest, AreQuietWhereTheDesktopIsAndWhereThereIsNone)

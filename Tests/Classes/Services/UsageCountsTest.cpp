@@ -36,7 +36,7 @@ TEST_F(UsageCountsTest, AreOffAtFirstAndAddedToThoseOfOtherProcesses)
     {
         UsageCounts counts;
         counts.follow();
-        zqDidUseFeature(folders);
+        zqDidUseFeature(ZQFeature::AddNewFolder);
     }
     EXPECT_FALSE(QFile::exists(UsageCounts::usualPath()));
     setOn(true);
@@ -44,14 +44,14 @@ TEST_F(UsageCountsTest, AreOffAtFirstAndAddedToThoseOfOtherProcesses)
         UsageCounts counts;
         counts.follow();
         UsageCounts other; // as a second process has it
-        zqDidUseFeature(folders);
-        zqDidUseFeature(folders);
+        zqDidUseFeature(ZQFeature::AddNewFolder);
+        zqDidUseFeature(ZQFeature::AddNewFolder);
         other.count(exports, today.addDays(-1));
         other.count(exports, today.addDays(-400));
         EXPECT_EQ(counts.days()[today][folders], 2) << "before they are written, too";
         EXPECT_TRUE(other.write());
     }
-    zqDidUseFeature(folders); // nobody counts any more
+    zqDidUseFeature(ZQFeature::AddNewFolder); // nobody counts any more
     const UsageCounts::Days expected{{today.addDays(-1), {{exports, 1}}}, {today, {{folders, 2}}}};
     EXPECT_EQ(UsageCounts().days(), expected) << "those of a year";
     EXPECT_TRUE(UsageCounts().erase());

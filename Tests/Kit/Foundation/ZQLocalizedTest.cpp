@@ -71,6 +71,34 @@ TEST(ZQLocalizedTest, CountsTakeTheFormsOfTheLanguage)
     QCoreApplication::removeTranslator(&forms);
 }
 
+TEST(ZQLocalizedTest, NumbersAreInTheLanguageOfTheTextsAndAsThePersonsCountryWritesThem)
+{
+    int argc = 0;
+    QCoreApplication application(argc, nullptr);
+    QTemporaryDir none;
+    const auto beside = [&none](const QLocale &locale) { return zqInstallLanguage(locale, none.path()).locale; };
+    const struct
+    {
+        QLocale person;
+        const char *number;
+        const char *date;
+    } cases[] = {{QLocale(QLocale::Arabic, QLocale::Egypt), "1,234", "27/11"},
+                 {QLocale(QLocale::Persian, QLocale::Iran), "1,234", "27/11"},
+                 {QLocale(QLocale::Dutch, QLocale::Netherlands), "1.234", "27/11"}};
+    for (const auto &each : cases) {
+        const auto locale = beside(each.person);
+        ASSERT_TRUE(locale);
+        EXPECT_EQ(locale->toString(1234).toStdString(), each.number);
+        EXPECT_TRUE(
+            locale->toString(QDate(2026, 11, 27), QLocale::ShortFormat).startsWith(QLatin1StringView(each.date)))
+            << locale->name().toStdString();
+        EXPECT_EQ(locale->language(), QLocale::English);
+    }
+    for (const QLocale &own : {QLocale::c(), QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
+        EXPECT_FALSE(beside(own)) << own.name().toStdString();
+    }
+}
+
 TEST(ZQLocalizedTest, TheFirstLanguageThatThereIsACatalogueForIsShown)
 {
     int argc = 0;
@@ -87,7 +115,9 @@ TEST(ZQLocalizedTest, TheFirstLanguageThatThereIsACatalogueForIsShown)
                  "<message><source>Open</source><translation>Öffnen</translation></message></context></TS>");
     source.close();
     ASSERT_EQ(QProcess::execute(QStringLiteral(ZELTO_LRELEASE), {QStringLiteral("-silent"), source.fileName()}), 0);
-    EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::German, QLocale::Austria), none.path()).code, QStringLiteral("de"));
+    const ZQLanguage german = zqInstallLanguage(QLocale(QLocale::German, QLocale::Austria), none.path());
+    EXPECT_EQ(german.code, QStringLiteral("de"));
+    EXPECT_FALSE(german.locale) << "their own";
     EXPECT_EQ(zqInstallLanguage(QLocale(QLocale::Hebrew), none.path()).direction, Qt::LeftToRight)
         << "the language shown is English";
     ASSERT_TRUE(

@@ -136,9 +136,6 @@ TEST(ZQOklab, HasTheValuesOfItsPaper)
         EXPECT_NEAR(color.b, known.b, 0.0005);
     }
     EXPECT_NEAR(ZQOklab::of(qRgb(0, 0, 0)).distance(ZQOklab::of(qRgb(255, 255, 255))), 1, 0.001);
-    EXPECT_NEAR(ZQOklab::of(qRgb(128, 128, 128)).chroma(), 0, 0.001);
-    EXPECT_LT(ZQOklab::of(qRgb(255, 0, 0)).hue(), ZQOklab::of(qRgb(255, 255, 0)).hue());
-    EXPECT_LT(ZQOklab::of(qRgb(0, 0, 255)).hue(), 0);
     EXPECT_EQ((ZQOklab{2, 0.5F, 0.5F}.rgb()) >> 24, 255U); // beyond sRGB
 }
 

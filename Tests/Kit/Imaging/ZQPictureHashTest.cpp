@@ -136,6 +136,17 @@ TEST(ZQPictureHash, TellsPicturesApart)
     }
 }
 
+TEST(ZQPictureHash, AmongManyTheSameHasToBeNearer)
+{
+    for (const auto &[count, distance] : {std::pair<qint64, int>{0, ZQPictureHash::alikeDistance},
+                                          {1000, ZQPictureHash::alikeDistance},
+                                          {10000, ZQPictureHash::alikeDistance - 13},
+                                          {1000000, ZQPictureHash::alikeDistance - 39},
+                                          {1000000000000, 30}}) {
+        EXPECT_EQ(ZQPictureHash::alikeDistanceAmong(count), distance) << count;
+    }
+}
+
 TEST(ZQPictureHash, OfWhatShowsNothingIsNothing)
 {
     const QImage hidden = changed(spots(1), [](QRgb pixel) { return pixel & 0x00FFFFFF; });

@@ -557,6 +557,13 @@ TEST(ZQNotificationBubble, OneMessageFollowsTheOtherAndEachIsSaidOnce)
     ASSERT_EQ(buttons.size(), 2);
     EXPECT_TRUE(bubble->rect().contains(buttons[0]->geometry() | buttons[1]->geometry()));
     EXPECT_FALSE(buttons[0]->geometry().intersects(buttons[1]->geometry()));
+    const QList<QRect> usual{buttons[0]->geometry(), buttons[1]->geometry()};
+    EXPECT_LT(usual[0].left(), usual[1].left());
+    bubble->setLayoutDirection(Qt::RightToLeft);
+    for (qsizetype i = 0; i < usual.size(); ++i) {
+        EXPECT_EQ(buttons[i]->x(), bubble->width() - usual[i].left() - usual[i].width()) << i;
+    }
+    bubble->setLayoutDirection(Qt::LeftToRight);
     buttons[0]->setFocus();
     QTest::keyClick(buttons[0], Qt::Key_Space);
     EXPECT_EQ(done, 1);

@@ -5,7 +5,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-sys.path.append(str(Path(__file__).resolve().parents[1] / "Support"))
+sys.path.append(str(Path(__file__).resolve().parent))
 import pictures
 
 
@@ -20,19 +20,24 @@ def lasting_folder():
     return Path.home() if here.parts[1:2] in (("tmp",), ("var",)) else here
 
 
+def redirected(home, sockets):
+    """The part of an environment that keeps what a program writes below `home`, and its sockets, whose names must be short, in `sockets`."""
+    return {"HOME": str(home), "XDG_DATA_HOME": f"{home}/data", "XDG_CONFIG_HOME": f"{home}/config",
+            "XDG_CACHE_HOME": f"{home}/cache", "XDG_RUNTIME_DIR": str(sockets), "LC_ALL": "C.UTF-8"}
+
+
 class World:
     def __init__(self, zelto):
         self.scratch = tempfile.TemporaryDirectory(prefix="documents-", dir=lasting_folder())
-        self.sockets = tempfile.TemporaryDirectory()  # their names must be short
+        self.sockets = tempfile.TemporaryDirectory()
         self.home = Path(self.scratch.name)
         for name in ("bin", "tmp"):
             (self.home / name).mkdir(mode=0o700)
         (self.home / "bin/zelto").symlink_to(Path(zelto).resolve())
         self.files_made = 0
         self.environment = {
-            "PATH": f"{self.home}/bin:{os.environ['PATH']}", "HOME": str(self.home), "TMPDIR": str(self.home / "tmp"),
-            "XDG_DATA_HOME": str(self.home / "data"), "XDG_CONFIG_HOME": str(self.home / "config"),
-            "XDG_RUNTIME_DIR": self.sockets.name, "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen",
+            **redirected(self.home, self.sockets.name), "PATH": f"{self.home}/bin:{os.environ['PATH']}",
+            "TMPDIR": str(self.home / "tmp"), "QT_QPA_PLATFORM": "offscreen",
             **{name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")},
         }
 
@@ -55,9 +60,9 @@ class World:
         path.write_bytes(png(40 + number, 30 + number, (number * 37 % 256, number * 91 % 256, 120))
                          if path.suffix == ".png" else f"file {number}\n".encode())
 
-    def run(self, *command, script=None):
+    def run(self, *command, script=None, seconds=120):
         command = ["bash", "-euo", "pipefail", "-c", script] if script else command
-        return subprocess.run(command, cwd=self.home, env=self.environment, text=True, capture_output=True, timeout=120,
+        return subprocess.run(command, cwd=self.home, env=self.environment, text=True, capture_output=True, timeout=seconds,
                               stdin=subprocess.DEVNULL)
 
     @property
