@@ -37,12 +37,12 @@ void zqRegisterResemblance(const QString &name, ZQResemblanceMaker maker)
     registry().makers.insert(name, maker);
 }
 
-// A condition asks for the same one row after row.
+// A condition asks for the same one row after row, also where the text describes none.
 std::shared_ptr<const ZQResemblance> zqResemblanceFor(const QString &text)
 {
     thread_local QString lastText;
     thread_local std::shared_ptr<const ZQResemblance> last;
-    if (!last || lastText != text) {
+    if (lastText != text) {
         last = made(text);
         lastText = text;
     }

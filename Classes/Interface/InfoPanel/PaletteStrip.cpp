@@ -2,6 +2,7 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
+#include "Kit/Files/ZQFreeName.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQPaletteFiles.h"
 #include "Kit/Widgets/ZQTheme.h"
@@ -33,12 +34,9 @@ QString percentOf(quint8 share)
 }
 
 // As the name of a file: titles have no rules.
-QString fileNameOf(QString title, const QString &extension)
+QString fileNameOf(const QString &title, const QString &extension)
 {
-    constexpr qsizetype longest = 100;
-    title.replace(u'/', u'-');
-    title.remove(QChar(0));
-    return title.left(longest) + u'.' + extension;
+    return zqNumberedName(zqSafeName(title, zqLocalized("Untitled")) + u'.' + extension, 0);
 }
 
 } // namespace
