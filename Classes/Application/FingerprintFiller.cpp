@@ -14,6 +14,7 @@
 namespace {
 
 constexpr qsizetype itemsPerSave = 256;
+constexpr qsizetype picturesPerProgress = 16;
 constexpr int attempts = 3;      // whoever works with an item meanwhile saves first
 constexpr int pictureSize = 512; // that of thumbnails
 
@@ -78,7 +79,16 @@ FingerprintFiller::Result FingerprintFiller::run(const Uses &uses)
     progress(0);
     for (qsizetype first = 0; first < items->size(); first += itemsPerSave) {
         std::vector<Picture> pictures = picturesOf(items->mid(first, itemsPerSave), context);
-        const bool goesOn = look(pictures, uses.goesOn, &result.error);
+        qsizetype seen = 0;
+        const bool goesOn = look(
+            pictures,
+            [&] {
+                if (seen++ % picturesPerProgress == 0) {
+                    progress(first + seen - 1);
+                }
+                return uses.goesOn();
+            },
+            &result.error);
         if (!store(pictures, context, result) || !goesOn) {
             return result;
         }

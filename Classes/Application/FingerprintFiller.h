@@ -24,7 +24,7 @@ public:
     {
         std::function<bool()> goesOn;                        // asked before each picture; may wait; false ends the run
         std::function<void(const ZQContextDidSave &)> saved; // on the thread that runs
-        std::function<void(qint64 done, qint64 total)> progressed{}; // after each save, and once before; may be null
+        std::function<void(qint64 done, qint64 total)> progressed{}; // once before, and now and then; may be null
     };
     struct Result
     {

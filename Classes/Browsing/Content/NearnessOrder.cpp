@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Content/SimilarItems.h"
 #include "Classes/Browsing/Search/LikeArgument.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <algorithm>
 #include <limits>
@@ -32,7 +33,15 @@ void NearnessOrder::apply(Content &content, const QString &searchText, const Sea
     if (pictures.isEmpty() || content.rows.ids.size() < 2) {
         return;
     }
-    const QHash<ZQObjectID, int> known = distances(pictures);
+    QHash<ZQObjectID, int> known = distances(pictures);
+    const auto itself =
+        m_context.fetchObjectIDs({.entityName = ZQLibraryBaseItem::entityName(),
+                                  .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("bundleID == %@"),
+                                                                                {QVariant(like->argument.name)})},
+                                 nullptr);
+    for (const ZQObjectID &item : itself.value_or(QList<ZQObjectID>())) {
+        known.insert(item, -1); // before those that look the same
+    }
     std::vector<int> nearness;
     nearness.reserve(size_t(content.rows.ids.size()));
     for (const ZQObjectID &item : std::as_const(content.rows.related)) {

@@ -12,7 +12,8 @@ public:
     // `index` may be null. Without an answer of either, rows stay as they are.
     NearnessOrder(ZQManagedObjectContext &context, LibraryIndex *index) : m_context(context), m_index(index) {}
 
-    // The nearest to the picture that the text names come first in each group; the others keep their order.
+    // The picture itself, where the text has its bundleID, and the nearest to it come first in each group; the others
+    // keep their order.
     void apply(Content &content, const QString &searchText, const SearchContext &search) const;
 
 private:

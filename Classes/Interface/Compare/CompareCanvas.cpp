@@ -94,6 +94,7 @@ void CompareCanvas::setLargestFit(double scale)
         m_largestFit = scale;
         updateWantedSide();
         update();
+        Q_EMIT scaleChanged();
     }
 }
 
@@ -103,6 +104,7 @@ void CompareCanvas::setView(const CompareZoom &view)
         m_view = view;
         updateWantedSide();
         update();
+        Q_EMIT scaleChanged();
     }
 }
 

@@ -51,6 +51,7 @@ public:
 
 Q_SIGNALS:
     void viewChanged(const CompareZoom &view); // by the person
+    void scaleChanged();                       // by anybody
     void documentChanged();
     void roomChanged();
     void chosen(); // it has the focus

@@ -18,7 +18,7 @@ const QString comma = QStringLiteral(", ");
 QStringList sizeOf(const ZQLibraryBaseItem &item)
 {
     const QString size = item.pixelSizeString();
-    return {size.isEmpty() ? zqLocalized("Unknown") : size};
+    return size.isEmpty() ? QStringList() : QStringList(size);
 }
 
 QStringList fileOf(const ZQLibraryBaseItem &item)
@@ -74,12 +74,17 @@ struct Kind
     const char *name;
     const QString &separator;
     QStringList (*partsOf)(const ZQLibraryBaseItem &item);
+    bool isNamed = false;
 };
 
 const Kind kinds[] = {
-    {zqKey("Size"), dot, sizeOf},         {zqKey("File"), dot, fileOf},         {zqKey("Rating"), dot, ratingOf},
-    {zqKey("Tags"), comma, tagsOf},       {zqKey("Projects"), comma, placesOf}, {zqKey("Imported"), dot, importedOf},
-    {zqKey("Modified"), dot, modifiedOf},
+    {zqKey("Size"), dot, sizeOf},
+    {zqKey("File"), dot, fileOf},
+    {zqKey("Rating"), dot, ratingOf},
+    {zqKey("Tags"), comma, tagsOf},
+    {zqKey("Projects"), comma, placesOf},
+    {zqKey("Imported"), dot, importedOf, true},
+    {zqKey("Modified"), dot, modifiedOf, true},
 };
 
 } // namespace
@@ -98,7 +103,7 @@ QList<CompareFact> zqCompareFacts(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
     QList<CompareFact> facts;
     for (const Kind &kind : kinds) {
-        CompareFact fact{zqLocalized(kind.name), kind.separator, {}};
+        CompareFact fact{zqLocalized(kind.name), kind.separator, kind.isNamed, {}};
         for (const auto &item : items) {
             fact.parts.append(kind.partsOf(*item));
         }

@@ -11,6 +11,7 @@ struct CompareFact
 {
     QString name; // localised
     QString separator;
+    bool isNamed;             // its name is needed to know what it is
     QList<QStringList> parts; // one list an item
 
     // Whether another item does not have this part.

@@ -62,7 +62,8 @@ QString lineOf(const QList<CompareFact> &facts, qsizetype index, Qt::LayoutDirec
     for (const CompareFact &fact : facts) {
         for (const QString &part : fact.parts.at(index)) {
             if (fact.differs(part)) {
-                texts.append(marked(fact, part));
+                const QString text = marked(fact, part);
+                texts.append(fact.isNamed ? zqFormat(zqLocalized("%@: %@"), {fact.name.toHtmlEscaped(), text}) : text);
             }
         }
     }
@@ -113,6 +114,7 @@ ComparePane::ComparePane(const Picture &picture, QWidget *parent)
         describe();
     });
     connect(m_canvas, &CompareCanvas::roomChanged, this, &ComparePane::showZoom);
+    connect(m_canvas, &CompareCanvas::scaleChanged, this, &ComparePane::showZoom);
     auto *head = new QHBoxLayout;
     head->setContentsMargins(sideMargin, markHeight, 8, 0);
     head->setSpacing(8);

@@ -15,8 +15,10 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QToolButton>
+#include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -308,21 +310,20 @@ void CompareView::removePane(ComparePane *pane)
 {
     const qsizetype index = m_panes.indexOf(pane);
     const bool hadFocus = pane->isAncestorOf(focusWidget());
+    const bool wasCurrent = pane == m_current.data();
     m_panes.removeAt(index);
     m_cells->removeWidget(pane);
+    ComparePane *next = wasCurrent ? m_panes.value(std::min(index, m_panes.size() - 1)) : currentPane();
+    if (hadFocus) { // before it is hidden, which would give the focus to the stars of another one
+        next ? next->canvas().setFocus(Qt::OtherFocusReason) : setFocus(Qt::OtherFocusReason);
+    }
     pane->hide();
     pane->deleteLater();
     m_facts.clear();
     m_note.clear();
     layOut();
-    if (pane == m_current.data()) {
-        m_current = nullptr;
-        ComparePane *next = m_panes.value(std::min(index, m_panes.size() - 1));
+    if (wasCurrent) {
         markCurrent(next);
-    }
-    if (hadFocus) {
-        ComparePane *next = currentPane();
-        next ? next->canvas().setFocus(Qt::OtherFocusReason) : setFocus(Qt::OtherFocusReason);
     }
 }
 
@@ -384,6 +385,14 @@ void CompareView::layOut()
             setTabOrder(before, m_panes.at(i));
         }
         before = m_panes.at(i);
+    }
+    qDeleteAll(std::exchange(m_empty, {}));
+    for (qsizetype i = m_panes.size(); i % columns != 0; ++i) {
+        auto *room = new QFrame(m_grid);
+        room->setObjectName(QStringLiteral("Ground"));
+        m_cells->addWidget(room, int(i / columns), int(i % columns));
+        m_empty.append(room);
+        room->show();
     }
     showFacts();
     updateDifference();
@@ -521,6 +530,11 @@ void CompareView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_X:
         return isShifted ? bringBack() : reject(currentPane());
     case Qt::Key_D:
+        if (!m_showsDifference && !canShowDifference()) {
+            QToolTip::showText(m_differenceButton->mapToGlobal(m_differenceButton->rect().bottomLeft()),
+                               m_differenceButton->toolTip(), m_differenceButton);
+            zqAnnounce(this, m_differenceButton->toolTip());
+        }
         return setShowsDifference(!m_showsDifference);
     case Qt::Key_L:
         return m_linked->toggle();

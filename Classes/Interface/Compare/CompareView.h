@@ -89,6 +89,7 @@ private:
     };
 
     QList<ComparePane *> m_panes;
+    QList<QWidget *> m_empty; // behind the last of them, where the row has room
     QPointer<ComparePane> m_current;
     QList<Rejected> m_rejected; // the last one last
     QList<CompareFact> m_facts;

@@ -24,9 +24,10 @@
 namespace {
 
 constexpr int closeCode = 1;
-constexpr int sheetWidth = 760;
+constexpr int sheetWidth = 840;
 constexpr int listHeight = 340;
 constexpr int groupsWidth = 220;
+constexpr int groupHeight = 28;
 constexpr int pictureSide = 140;
 constexpr int pathRole = Qt::UserRole;
 constexpr int itemRole = Qt::UserRole + 1;
@@ -180,6 +181,7 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
         const QString title = item ? zqShortened(item->title(), longestTitle) : QString();
         auto *row = new QListWidgetItem(
             zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}), m_groupList);
+        row->setSizeHint(QSize(0, groupHeight));
         row->setData(Qt::AccessibleTextRole, title);
         row->setData(Qt::AccessibleDescriptionRole, zqCounted({"1 picture", "%@ pictures"}, group.items.size()));
     }
@@ -250,7 +252,9 @@ void NearDuplicatesSheet::showPicture(QListWidgetItem &row)
                                                   Qt::KeepAspectRatio, Qt::SmoothTransformation));
         picture.setDevicePixelRatio(devicePixelRatioF());
     }
-    row.setIcon(QIcon(picture));
+    QIcon icon(picture);
+    icon.addPixmap(picture, QIcon::Selected); // untinted, since the colors are what is compared
+    row.setIcon(icon);
 }
 
 void NearDuplicatesSheet::showReason()
