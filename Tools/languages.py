@@ -7,7 +7,8 @@
   Tools/languages.py fill LANGUAGE FILE   takes translations from such a JSON object: key to text, or to a list of forms
 
 A key is what stands in quotes in a call of zqLocalized or zqKey (for texts in tables), or in a ZQCountedKey. A language gets its
-catalogue by the first `fill`.
+catalogue by the first `fill`. The words of times that are told by their distance have a table of their own in each catalogue; for
+`todo` and `fill` its name and a colon stand before them.
 """
 import json
 import re
@@ -20,6 +21,7 @@ from xml.sax.saxutils import escape
 ROOT = Path(__file__).resolve().parent.parent
 FOLDER = ROOT / "Resources" / "languages"
 COUNTED = "counted"
+TABLE = "HumanizedTimeLocalizable"
 FORMS = {"ar": 6, "cs": 3, "ja": 1, "ko": 1, "pl": 3, "ru": 3, "sk": 3, "uk": 3, "zh": 1}  # of a counted text; others have two
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 CALL = re.compile(r"\b(zqLocalized|zqKey)\s*\(|\bzqCounted\s*\(\s*\{|\bZQCountedKey\s*\{")
@@ -103,20 +105,34 @@ def forms_of(language):
     return FORMS.get(language.split("_")[0], 2)
 
 
+def messages(path, name):
+    return [message for context in ET.parse(path).getroot().iter("context") if context.findtext("name") == name for message in context.iter("message")]
+
+
+def words_of_table():
+    """Key to English."""
+    return dict(re.findall(r'\bWord\{"(\w+)", "([^"]*)"\}', (ROOT / "Classes/Sharing/HumanizedTime.cpp").read_text()))
+
+
+def read_table(language):
+    path = FOLDER / f"zelto_{language}.ts"
+    return {message.findtext("source"): message.findtext("translation") or "" for message in messages(path, TABLE)} if path.exists() else {}
+
+
 def read(language):
     """(Key, comment) to its forms; one that is not counted has one."""
     path = FOLDER / f"zelto_{language}.ts"
     if not path.exists():
         return {}
     out = {}
-    for message in ET.parse(path).getroot().iter("message"):
+    for message in messages(path, "Zelto"):
         translation = message.find("translation")
         forms = [form.text or "" for form in translation.findall("numerusform")] or [translation.text or ""]
         out[(message.findtext("source"), message.findtext("comment") or "")] = forms
     return out
 
 
-def write(language, translations, wanted):
+def write(language, translations, wanted, table):
     lines = ['<?xml version="1.0" encoding="utf-8"?>', "<!DOCTYPE TS>", f'<TS version="2.1" language="{language}">', "<context>", "    <name>Zelto</name>"]
     for key in sorted(key for key in wanted if has_words(key) or key in translations):
         forms = translations.get(key, [""] * (forms_of(language) if key[1] else 1))
@@ -132,6 +148,12 @@ def write(language, translations, wanted):
         else:
             lines.append(f"        <translation{state}>{escape(forms[0])}</translation>")
         lines.append("    </message>")
+    lines += ["</context>", "<context>", f"    <name>{TABLE}</name>"]
+    for key, english in words_of_table().items():
+        text = table.get(key, "")
+        state = "" if text else ' type="unfinished"'
+        lines += ["    <message>", f"        <source>{key}</source>", f"        <extracomment>{escape(english)}</extracomment>",
+                  f"        <translation{state}>{escape(text)}</translation>", "    </message>"]
     lines += ["</context>", "</TS>", ""]
     (FOLDER / f"zelto_{language}.ts").write_text("\n".join(lines))
 
@@ -241,6 +263,8 @@ def check():
                 problems.append(f"{language}: “{key[0]}” needs {forms_of(language)} forms")
             for form in have[key]:
                 problems += [f"{language}: “{key[0]}” {fault}: “{form}”" for fault in faults(*key, form)]
+        table = read_table(language)
+        problems += [f"{language}: “{key}” of {TABLE} is not translated" for key in words_of_table() if not table.get(key)]
     for problem in problems:
         print(problem)
     if problems:
@@ -251,7 +275,7 @@ def check():
 def update():
     wanted = keys()
     for language in languages():
-        write(language, read(language), wanted)
+        write(language, read(language), wanted, read_table(language))
 
 
 def todo(language):
@@ -260,13 +284,18 @@ def todo(language):
     for key, (_, one) in sorted(keys().items()):
         if has_words(key) and not all(have.get(key, [""])):
             out[key[0] + ("\x01" if key[1] else "")] = [one, key[0]] if key[1] else ""
+    table = read_table(language)
+    out |= {f"{TABLE}:{key}": "" for key in words_of_table() if not table.get(key)}
     print(json.dumps(out, ensure_ascii=False, indent=0))
 
 
 def fill(language, path):
-    wanted, have = keys(), read(language)
+    wanted, have, table = keys(), read(language), read_table(language)
     refused = 0
     for text, given in json.loads(Path(path).read_text()).items():
+        if text.startswith(TABLE + ":"):
+            table[text.split(":")[1]] = given
+            continue
         key = (text.rstrip("\x01"), COUNTED if text.endswith("\x01") else "")
         forms = given if isinstance(given, list) else [given]
         wrong = [fault for form in forms for fault in faults(*key, form)] if key in wanted else ["is no key"]
@@ -276,7 +305,7 @@ def fill(language, path):
             refused += 1
         else:
             have[key] = forms
-    write(language, have, wanted)
+    write(language, have, wanted, table)
     if refused:
         raise SystemExit(f"{refused} were not taken")
 

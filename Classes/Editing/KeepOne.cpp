@@ -271,8 +271,9 @@ void takeGain(const Item &kept, const Made &made, ZQManagedObjectContext &contex
 // The others come back first: what one of them cannot have again, the kept one keeps for it.
 bool takeBack(EditRun &run, Made &made, ZQOwnMoves &moves, FileProblems &problems)
 {
-    bool isWhole = true;
-    for (const auto &other : ZQLibraryBaseItem::itemsWithIDs(made.deleted, run.context())) {
+    const auto others = ZQLibraryBaseItem::itemsWithIDs(made.deleted, run.context());
+    bool isWhole = others.size() == made.deleted.size(); // some may have been removed for good
+    for (const auto &other : others) {
         const bool isBack = zqRestoreItem(*other, moves, problems);
         isWhole = isWhole && isBack;
         if (isBack) {

@@ -88,10 +88,12 @@ private:
     const uchar *m_color;
 };
 
-bool belongTogether(const Bar &one, const Bar &other)
+// Of two sides with so many lines from one to the other. With the mixed lines, both may reach what lies between them.
+bool belongTogether(const Bar &one, const Bar &other, int lines)
 {
     return one.thickness > 0 && other.thickness > 0 && difference(one.color, other.color) <= noise &&
-           std::abs(one.thickness - other.thickness) <= 1 + one.thickness / 8;
+           std::abs(one.thickness - other.thickness) <= 1 + one.thickness / 8 &&
+           one.thickness + other.thickness < lines;
 }
 
 } // namespace
@@ -104,12 +106,12 @@ QRect zqWithoutFrame(const ZQBitmap &bitmap)
     }
     const Bar top = Side(bitmap, area, Qt::TopEdge).bar();
     const Bar bottom = Side(bitmap, area, Qt::BottomEdge).bar();
-    if (belongTogether(top, bottom)) {
+    if (belongTogether(top, bottom, area.height())) {
         area.adjust(0, top.thickness, 0, -bottom.thickness);
     }
     const Bar left = Side(bitmap, area, Qt::LeftEdge).bar();
     const Bar right = Side(bitmap, area, Qt::RightEdge).bar();
-    if (belongTogether(left, right)) {
+    if (belongTogether(left, right, area.width())) {
         area.adjust(left.thickness, 0, -right.thickness, 0);
     }
     return area;

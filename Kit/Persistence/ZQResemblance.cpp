@@ -39,7 +39,7 @@ void zqRegisterResemblance(const QString &name, ZQResemblanceMaker maker)
     registry().makers.insert(name, maker);
 }
 
-// A condition asks for the same one row after row.
+// A condition asks for the same one row after row, also where the text describes none.
 std::shared_ptr<const ZQResemblance> zqResemblanceFor(const QString &text)
 {
     thread_local std::optional<QString> lastText;

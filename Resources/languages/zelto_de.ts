@@ -8483,4 +8483,67 @@ Was dort gespeichert wird, erscheint hier; oder legen Sie Bilder ab.</translatio
         <translation>„{“ und „}“ stehen nur um ein Geheimnis: {secret:NAME}, mit Buchstaben, Ziffern, „-“ und „_“ im Namen.</translation>
     </message>
 </context>
+<context>
+    <name>HumanizedTimeLocalizable</name>
+    <message>
+        <source>LaterKey</source>
+        <extracomment>from now</extracomment>
+        <translation>später</translation>
+    </message>
+    <message>
+        <source>AgoKey</source>
+        <extracomment>ago</extracomment>
+        <translation>her</translation>
+    </message>
+    <message>
+        <source>YearKey</source>
+        <extracomment>1 year</extracomment>
+        <translation>1 Jahr</translation>
+    </message>
+    <message>
+        <source>YearsKey</source>
+        <extracomment>years</extracomment>
+        <translation>Jahre</translation>
+    </message>
+    <message>
+        <source>DayKey</source>
+        <extracomment>day</extracomment>
+        <translation>Tag</translation>
+    </message>
+    <message>
+        <source>DaysKey</source>
+        <extracomment>days</extracomment>
+        <translation>Tage</translation>
+    </message>
+    <message>
+        <source>AboutKey</source>
+        <extracomment>about</extracomment>
+        <translation>etwa</translation>
+    </message>
+    <message>
+        <source>HourKey</source>
+        <extracomment>an hour</extracomment>
+        <translation>eine Stunde</translation>
+    </message>
+    <message>
+        <source>HoursKey</source>
+        <extracomment>hours</extracomment>
+        <translation>Stunden</translation>
+    </message>
+    <message>
+        <source>MinuteKey</source>
+        <extracomment>minute</extracomment>
+        <translation>Minute</translation>
+    </message>
+    <message>
+        <source>MinutesKey</source>
+        <extracomment>minutes</extracomment>
+        <translation>Minuten</translation>
+    </message>
+    <message>
+        <source>SecondKey</source>
+        <extracomment>seconds</extracomment>
+        <translation>Sekunden</translation>
+    </message>
+</context>
 </TS>

@@ -8511,4 +8511,67 @@ Ce qui y est enregistré apparaît ici ; vous pouvez aussi déposer des images
         <translation>« { » et « } » n’entourent qu’un secret : {secret:NAME}, avec des lettres, des chiffres, « - » et « _ » dans son nom.</translation>
     </message>
 </context>
+<context>
+    <name>HumanizedTimeLocalizable</name>
+    <message>
+        <source>LaterKey</source>
+        <extracomment>from now</extracomment>
+        <translation>plus tard</translation>
+    </message>
+    <message>
+        <source>AgoKey</source>
+        <extracomment>ago</extracomment>
+        <translation>plus tôt</translation>
+    </message>
+    <message>
+        <source>YearKey</source>
+        <extracomment>1 year</extracomment>
+        <translation>1 an</translation>
+    </message>
+    <message>
+        <source>YearsKey</source>
+        <extracomment>years</extracomment>
+        <translation>ans</translation>
+    </message>
+    <message>
+        <source>DayKey</source>
+        <extracomment>day</extracomment>
+        <translation>jour</translation>
+    </message>
+    <message>
+        <source>DaysKey</source>
+        <extracomment>days</extracomment>
+        <translation>jours</translation>
+    </message>
+    <message>
+        <source>AboutKey</source>
+        <extracomment>about</extracomment>
+        <translation>environ</translation>
+    </message>
+    <message>
+        <source>HourKey</source>
+        <extracomment>an hour</extracomment>
+        <translation>une heure</translation>
+    </message>
+    <message>
+        <source>HoursKey</source>
+        <extracomment>hours</extracomment>
+        <translation>heures</translation>
+    </message>
+    <message>
+        <source>MinuteKey</source>
+        <extracomment>minute</extracomment>
+        <translation>minute</translation>
+    </message>
+    <message>
+        <source>MinutesKey</source>
+        <extracomment>minutes</extracomment>
+        <translation>minutes</translation>
+    </message>
+    <message>
+        <source>SecondKey</source>
+        <extracomment>seconds</extracomment>
+        <translation>quelques secondes</translation>
+    </message>
+</context>
 </TS>

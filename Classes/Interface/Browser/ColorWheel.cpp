@@ -36,6 +36,16 @@ QColor ColorWheel::color() const
     return QColor::fromHsv(m_hue, m_fullness, m_value);
 }
 
+void ColorWheel::setColor(const QColor &color)
+{
+    m_hue = std::max(0, color.hsvHue()); // greys have none
+    m_fullness = color.hsvSaturation();
+    m_value = color.value();
+    m_disk = {};
+    accessibleNumberDidChange(this, m_hue);
+    update();
+}
+
 void ColorWheel::setValue(int value)
 {
     if (value != m_value) {

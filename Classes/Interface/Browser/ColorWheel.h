@@ -14,6 +14,7 @@ class ColorWheel : public QWidget, public ZQAccessibleNumber
 public:
     explicit ColorWheel(QWidget *parent = nullptr);
     QColor color() const;
+    void setColor(const QColor &color);
     void setValue(int value); // from black, 0, to light, 255
     int value() const { return m_value; }
 

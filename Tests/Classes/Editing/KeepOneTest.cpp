@@ -124,6 +124,17 @@ TEST_F(KeepOneTest, NothingIsDeletedForWhatIsNotThereOrIsTheSame)
     }
 }
 
+TEST_F(KeepOneTest, WhatIsGoneForGoodLeavesItsPlacesToTheKeptOne)
+{
+    edit.keep({{id(0), {id(1), id(2)}}});
+    library.context().deleteObject(images[1].get());
+    ASSERT_TRUE(library.context().save());
+    undoStack.undo();
+    EXPECT_TRUE(images[2]->active());
+    EXPECT_TRUE(members(first).contains(QStringLiteral("best")));
+    EXPECT_TRUE(images[0]->userTagTitles().contains(QStringLiteral("from the worse"))) << "nothing else has it now";
+}
+
 // Two items may stand for one file in a live folder.
 TEST_F(KeepOneTest, TheFileThatIsKeptIsNotPutAwayForAnother)
 {

@@ -67,6 +67,29 @@ QImage flattened(const QImage &image, const QColor &ground)
 
 } // namespace
 
+// What two sides mix with their frame may meet in the middle of a small picture.
+TEST(ZQPictureHash, AFrameLeavesSomethingOfAPicture)
+{
+    const auto framed = [](int thick, bool isUpright) {
+        QImage image = flat({10, 10}, Qt::white);
+        for (int line = 2; line < 8; ++line) {
+            const bool isMiddle = line > 5 - thick && line <= 5;
+            for (int place = 0; place < 10; ++place) {
+                const QPoint at = isUpright ? QPoint(line, place) : QPoint(place, line);
+                image.setPixelColor(at, isMiddle ? QColor(0, 0, 0) : QColor(238, 238, 238));
+            }
+        }
+        return image;
+    };
+    for (const int thick : {1, 2}) {
+        for (const bool isUpright : {false, true}) {
+            const auto hash = hashOf(framed(thick, isUpright));
+            ASSERT_TRUE(hash) << thick << isUpright;
+            EXPECT_NE(*hash, ZQPictureHash{}) << thick << isUpright;
+        }
+    }
+}
+
 TEST(ZQPictureHash, KnowsAPictureInAnotherForm)
 {
     struct Form
