@@ -60,6 +60,14 @@ std::optional<QList<ZQPictureHash>> picturesTitled(const LibraryIndex::Reading &
     return found;
 }
 
+// What `look` finds in the index as it is now; nothing where that has no answer.
+template <class Look>
+auto inIndex(LibraryIndex &index, const Look &look) -> decltype(look(std::declval<const LibraryIndex::Reading &>()))
+{
+    const auto reading = index.waitUntilCurrent() ? index.read() : std::optional<LibraryIndex::Reading>();
+    return reading ? look(*reading) : std::nullopt;
+}
+
 // What leads from items to the entries of one kind, as `contentRequest` has it for each.
 struct Together
 {
@@ -100,15 +108,19 @@ SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetc
 {
     SearchContext result = StoreSearch::context(rows, requests, m_context);
     if (m_index) {
-        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts]() -> QMap<QString, qint64> {
-            const auto reading = index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
-            const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
+        // The store is asked after the reading has ended.
+        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts] {
+            const auto repeated = inIndex(*index, [&requests](const LibraryIndex::Reading &reading) {
+                return repeatedDigests(reading, requests);
+            });
             return repeated ? *repeated : ofStore();
         };
         result.picturesNamed = [index = m_index, ofStore = result.picturesNamed](const QString &name) {
-            const auto reading =
-                index->isReady() && index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
-            const auto titled = reading ? picturesTitled(*reading, name) : std::nullopt;
+            const auto titled =
+                index->isReady()
+                    ? inIndex(*index,
+                              [&name](const LibraryIndex::Reading &reading) { return picturesTitled(reading, name); })
+                    : std::nullopt;
             return titled && !titled->isEmpty() ? *titled : ofStore(name); // a bundleID only the store knows
         };
     }

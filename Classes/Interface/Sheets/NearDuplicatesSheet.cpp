@@ -37,6 +37,14 @@ QString detailsOf(const ZQLibraryBaseItem &item)
     return size.isEmpty() ? bytes : size + QStringLiteral(" · ") + bytes;
 }
 
+// Of the pictures of a group, as many as are shown.
+QString countText(qsizetype count)
+{
+    return count > NearDuplicatesSheet::mostPictures
+               ? QLocale().toString(NearDuplicatesSheet::mostPictures) + QStringLiteral("+")
+               : QLocale().toString(count);
+}
+
 } // namespace
 
 NearDuplicatesSheet::NearDuplicatesSheet(QWidget *window, WindowContext &context,
@@ -167,7 +175,7 @@ void NearDuplicatesSheet::didFind(const QList<NearDuplicateGroup> &groups)
     for (const NearDuplicateGroup &group : std::as_const(m_groups)) {
         const auto item = m_context.libraryItem(group.items.value(group.best));
         const QString title = item ? zqShortened(item->title(), longestTitle) : QString();
-        m_groupList->addItem(zqFormat(zqLocalized("%@ (%@)"), {title, QLocale().toString(group.items.size())}));
+        m_groupList->addItem(zqFormat(zqLocalized("%@ (%@)"), {title, countText(group.items.size())}));
     }
     m_pages->setCurrentIndex(1);
     m_keep->show();
@@ -198,7 +206,8 @@ void NearDuplicatesSheet::showGroup(int row)
         return;
     }
     const NearDuplicateGroup &group = m_groups.at(row);
-    const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items, m_context.context);
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(group.items.first(std::min(group.items.size(), mostPictures)),
+                                                       m_context.context);
     for (const auto &item : items) {
         if (!item->active()) {
             continue;

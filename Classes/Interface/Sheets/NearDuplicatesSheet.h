@@ -24,7 +24,8 @@ public:
     NearDuplicatesSheet(QWidget *window, WindowContext &context, const std::optional<QList<ZQObjectID>> &items);
     ~NearDuplicatesSheet() override;
 
-    static constexpr qsizetype mostShown = 1000; // groups at a time
+    static constexpr qsizetype mostShown = 1000;   // groups at a time
+    static constexpr qsizetype mostPictures = 200; // of a group; the others stay, and come with the next look
 
 private:
     void makeGroups();
