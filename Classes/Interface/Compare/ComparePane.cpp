@@ -19,6 +19,8 @@ constexpr int headHeight = 36;
 constexpr int markHeight = 2;
 constexpr int sideMargin = 14;
 constexpr int leastTitleWidth = 40;
+constexpr int leastForZoom = 270; // what is narrower shows less, rather than cut
+constexpr int leastForRating = 220;
 
 QString marked(const CompareFact &fact, const QString &part)
 {
@@ -200,6 +202,8 @@ void ComparePane::paintEvent(QPaintEvent * /*event*/)
 void ComparePane::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    m_zoom->setVisible(width() >= leastForZoom);
+    m_rating->setVisible(width() >= leastForRating);
     elideTitle();
 }
 

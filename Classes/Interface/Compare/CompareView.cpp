@@ -25,7 +25,8 @@ namespace {
 constexpr int footHeight = 48;
 constexpr qsizetype mostInOneRow = 3;
 constexpr qsizetype longestInButton = 24;
-constexpr double keyPan = 0.15; // of the room
+constexpr int leastForTitle = 420; // in the button
+constexpr double keyPan = 0.15;    // of the room
 
 qsizetype columnsFor(qsizetype count)
 {
@@ -83,8 +84,8 @@ QWidget *CompareView::makeHead()
     back->setToolTip(zqLocalized("Back to the items (Esc)"));
     back->setAccessibleName(back->toolTip());
     connect(back, &QToolButton::clicked, this, &CompareView::closed);
-    auto *title = new QLabel(zqLocalized("Compare"), this);
-    title->setObjectName(QStringLiteral("Title"));
+    m_title = new QLabel(zqLocalized("Compare"), this);
+    m_title->setObjectName(QStringLiteral("Title"));
     m_count = new QLabel(this);
     m_count->setObjectName(QStringLiteral("Muted"));
     m_sideBySide = textButton(zqLocalized("Side by side"), zqLocalized("Side by side (D)"));
@@ -105,19 +106,19 @@ QWidget *CompareView::makeHead()
     });
     connect(m_fit, &QToolButton::clicked, this, &CompareView::zoomToFit);
     connect(m_actual, &QToolButton::clicked, this, &CompareView::zoomToActualSize);
-    auto *head = new QWidget(this);
-    head->setFixedHeight(ZQMeasure::headHeight);
-    auto *row = new QHBoxLayout(head);
+    m_head = new QWidget(this);
+    m_head->setFixedHeight(ZQMeasure::headHeight);
+    auto *row = new QHBoxLayout(m_head);
     row->setContentsMargins(12, 0, 14, 0);
     row->setSpacing(8);
     row->addWidget(back);
-    row->addWidget(title);
+    row->addWidget(m_title);
     row->addWidget(m_count);
     row->addStretch(1);
     for (QWidget *each : {m_sideBySide, m_differenceButton, m_linked, m_fit, m_actual}) {
         row->addWidget(each);
     }
-    return head;
+    return m_head;
 }
 
 QWidget *CompareView::makeFoot()
@@ -399,13 +400,39 @@ void CompareView::layOut()
     updateTexts();
 }
 
+// Where there is no room for all of the head, that goes which can be missed most, rather than all of it being cut.
+void CompareView::fitHead()
+{
+    const QLayout &row = *m_head->layout();
+    const QMargins margins = row.contentsMargins();
+    int needed = margins.left() + margins.right();
+    for (int i = 0; i < row.count(); ++i) {
+        const QWidget *each = row.itemAt(i)->widget();
+        needed += each ? each->sizeHint().width() + row.spacing() : 0;
+    }
+    for (QWidget *each : {static_cast<QWidget *>(m_count), static_cast<QWidget *>(m_title),
+                          static_cast<QWidget *>(m_fit), static_cast<QWidget *>(m_actual)}) {
+        const bool hasRoom = needed <= width();
+        each->setVisible(hasRoom);
+        needed -= hasRoom ? 0 : each->sizeHint().width() + row.spacing();
+    }
+}
+
+void CompareView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    updateTexts();
+}
+
 void CompareView::updateTexts()
 {
     m_count->setText(zqCounted({"1 picture", "%@ pictures"}, m_panes.size()));
     const bool isComparison = m_panes.size() >= fewest;
     const ComparePane *pane = currentPane();
-    m_keep->setText(pane ? zqFormat(zqLocalized("Keep “%@”"), {zqShortened(pane->picture().title, longestInButton)})
-                         : zqLocalized("Keep This One"));
+    fitHead();
+    m_keep->setText(pane && width() >= leastForTitle
+                        ? zqFormat(zqLocalized("Keep “%@”"), {zqShortened(pane->picture().title, longestInButton)})
+                        : zqLocalized("Keep This One"));
     m_keep->setEnabled(isComparison && pane);
     m_bringBack->setVisible(!m_rejected.isEmpty());
     QStringList texts;

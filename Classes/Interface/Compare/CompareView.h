@@ -58,6 +58,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     QToolButton *textButton(const QString &text, const QString &toolTip);
@@ -75,6 +76,7 @@ private:
     void layOut();
     void showFacts();
     void updateTexts();
+    void fitHead();
     void follow(const CompareCanvas *origin, const CompareZoom &view);
     void fitTogether();
     bool canShowDifference() const;
@@ -103,6 +105,8 @@ private:
     QWidget *m_grid;
     QGridLayout *m_cells;
     CompareCanvas *m_difference;
+    QWidget *m_head;
+    QLabel *m_title;
     QLabel *m_count;
     QToolButton *m_sideBySide;
     QToolButton *m_differenceButton;

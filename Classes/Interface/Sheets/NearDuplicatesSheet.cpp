@@ -51,8 +51,8 @@ QString proposal(const NearDuplicateGroup &group)
 NearDuplicatesSheet::NearDuplicatesSheet(QWidget *window, WindowContext &context,
                                          const std::optional<QList<ZQObjectID>> &items)
     : Sheet(window, zqLocalized("Near-Duplicates")), m_context(context), m_pages(new QStackedWidget(this)),
-      m_progress(new ZQProgressLine(false, this)), m_state(new QLabel(this)), m_loader(pictureBytes),
-      m_queue(std::make_unique<ZQOperationQueue>(QStringLiteral("near-duplicates"), 1))
+      m_progress(new ZQProgressLine(false, this)), m_nothing(new QLabel(this)), m_state(new QLabel(this)),
+      m_loader(pictureBytes), m_queue(std::make_unique<ZQOperationQueue>(QStringLiteral("near-duplicates"), 1))
 {
     setWidth(sheetWidth);
     m_loader.setDecoder(&ItemPictures::pictureFor);
@@ -65,8 +65,11 @@ NearDuplicatesSheet::NearDuplicatesSheet(QWidget *window, WindowContext &context
                                           items->size())
                               : zqLocalized("Looking for pictures that look alike in the whole library…"));
     m_progress->setFraction(-1);
+    m_nothing->setObjectName(QStringLiteral("Muted"));
+    m_nothing->setAlignment(Qt::AlignCenter);
+    m_nothing->setWordWrap(true);
     column->addWidget(m_progress);
-    column->addStretch(1);
+    column->addWidget(m_nothing, 1);
     m_pages->addWidget(waiting);
     makeGroups();
     content()->addWidget(m_pages);
@@ -206,7 +209,9 @@ void NearDuplicatesSheet::showState()
 
 void NearDuplicatesSheet::say(const QString &state)
 {
-    m_state->setText(state);
+    const bool hasGroups = m_pages->currentIndex() != 0;
+    m_nothing->setText(hasGroups ? QString() : state); // in the middle of the room that is empty
+    m_state->setText(hasGroups ? state : QString());
     zqAnnounce(this, state);
 }
 
@@ -312,7 +317,6 @@ void NearDuplicatesSheet::endGroup()
         delete m_groupList->takeItem(row);
     }
     showGroup(m_groupList->currentRow());
-    showState();
     if (m_groups.isEmpty()) {
         m_pages->setCurrentIndex(0);
         m_keep->hide();
@@ -320,4 +324,5 @@ void NearDuplicatesSheet::endGroup()
     } else {
         m_groupList->setFocus();
     }
+    showState();
 }

@@ -44,6 +44,7 @@ private:
     QList<NearDuplicateGroup> m_groups; // that are left, in the order of their rows
     QStackedWidget *m_pages;
     ZQProgressLine *m_progress;
+    QLabel *m_nothing; // why no group is shown
     QLabel *m_state;
     QListWidget *m_groupList;
     QListWidget *m_pictures;

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QToolButton>
+#include <QToolTip>
 #include <QUndoStack>
 #include <QWheelEvent>
 
@@ -153,6 +154,7 @@ TEST_F(CompareTest, WhatIsTakenOutIsNotDeletedAndComesBack)
     EXPECT_EQ(compared(), QStringLiteral("red [clear] alike")) << "that is another key";
     press(Qt::Key_X);
     EXPECT_EQ(compared(), QStringLiteral("red [alike]"));
+    EXPECT_EQ(QApplication::focusWidget(), &panes().at(1)->canvas()) << "in its stars, the next arrow would rate it";
     EXPECT_TRUE(image(QStringLiteral("clear"))->active());
     EXPECT_TRUE(says("1 taken out"));
     press(Qt::Key_X);
@@ -200,6 +202,7 @@ TEST_F(CompareTest, ZoomAndPanAreLinkedUntilTheyAreNot)
     run(CommandID::ZoomIn);
     EXPECT_DOUBLE_EQ(first.view().zoom, 1.25);
     EXPECT_EQ(second.view(), first.view());
+    EXPECT_TRUE(says("125 %")) << "it is told of what is seen, not of what was";
     for (int i = 0; i < 12; ++i) {
         QWheelEvent wheel(QPointF(5, 5), first.mapToGlobal(QPointF(5, 5)), {}, {0, 120}, {}, {}, {}, false);
         QApplication::sendEvent(&first, &wheel);
@@ -227,6 +230,7 @@ TEST_F(CompareTest, TwoOfOneSizeShowTheirDifference)
     EXPECT_FALSE(button("Difference")->isEnabled());
     press(Qt::Key_D);
     EXPECT_FALSE(view().showsDifference()) << "they are of two sizes";
+    EXPECT_EQ(QToolTip::text(), button("Difference")->toolTip()) << "and that is said";
     press(Qt::Key_Escape);
     open({QStringLiteral("red"), QStringLiteral("alike")});
     EXPECT_TRUE(button("Difference")->isEnabled());

@@ -91,6 +91,21 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     EXPECT_FALSE(slider());
 }
 
+TEST_F(SimilarTest, ThePictureItselfComesBeforeWhatLooksTheSame)
+{
+    image(QStringLiteral("clear"))->setPictureHash(image(QStringLiteral("red"))->pictureHash());
+    delegate->saveAction();
+    settle();
+    for (const QString &title : {QStringLiteral("red"), QStringLiteral("clear")}) {
+        select({title});
+        run(CommandID::FindSimilar);
+        settle();
+        EXPECT_EQ(shown().value(0), title);
+        run(CommandID::CloseTab);
+        settle();
+    }
+}
+
 TEST_F(SimilarTest, AColorIsFoundByTheWheelWithoutTheRefineBar)
 {
     show(b); // what was counted before is no longer to be chosen
