@@ -14,8 +14,8 @@ constexpr qsizetype mostOthers = 8;       // the nearest may be copies of the sa
 
 } // namespace
 
-LookAlikes::LookAlikes(QList<ZQObjectID> arrived)
-    : m_arrived(std::move(arrived)), m_isArrived(m_arrived.begin(), m_arrived.end())
+LookAlikes::LookAlikes(QList<ZQObjectID> arrived, qint64 mostComparisons)
+    : m_arrived(std::move(arrived)), m_isArrived(m_arrived.begin(), m_arrived.end()), m_mostComparisons(mostComparisons)
 {
 }
 
@@ -23,6 +23,9 @@ bool LookAlikes::look(LibraryIndex &index, ZQManagedObjectContext &context, cons
 {
     if (!index.waitUntilCurrent()) {
         return false;
+    }
+    if (!isWorth(index)) {
+        m_next = m_arrived.size();
     }
     while (m_next < m_arrived.size()) {
         const qsizetype end = std::min(m_next + itemsPerReading, m_arrived.size());
@@ -44,6 +47,17 @@ bool LookAlikes::look(LibraryIndex &index, ZQManagedObjectContext &context, cons
         m_next = end;
     }
     return true;
+}
+
+bool LookAlikes::isWorth(const LibraryIndex &index) const
+{
+    const auto reading = index.read();
+    if (!reading) {
+        return true; // which is told then
+    }
+    const size_t all = reading->active().count();
+    const bool isFirst = all == reading->rowsOf(m_arrived).count();
+    return !isFirst && qint64(all) * m_arrived.size() <= m_mostComparisons;
 }
 
 void LookAlikes::compare(const LibraryIndex::Reading &reading, const ZQObjectID &item,

@@ -63,6 +63,14 @@ std::optional<QList<ZQPictureHash>> picturesTitled(LibraryIndex &index, const QS
     return found;
 }
 
+// What `look` finds in the index as it is now; nothing where that has no answer.
+template <class Look>
+auto inIndex(LibraryIndex &index, const Look &look) -> decltype(look(std::declval<const LibraryIndex::Reading &>()))
+{
+    const auto reading = index.waitUntilCurrent() ? index.read() : std::optional<LibraryIndex::Reading>();
+    return reading ? look(*reading) : std::nullopt;
+}
+
 // What leads from items to the entries of one kind, as `contentRequest` has it for each.
 struct Together
 {
@@ -103,9 +111,11 @@ SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetc
 {
     SearchContext result = StoreSearch::context(rows, requests, m_context);
     if (m_index) {
-        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts]() -> QMap<QString, qint64> {
-            const auto reading = index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
-            const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
+        // The store is asked after the reading has ended.
+        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts] {
+            const auto repeated = inIndex(*index, [&requests](const LibraryIndex::Reading &reading) {
+                return repeatedDigests(reading, requests);
+            });
             return repeated ? *repeated : ofStore();
         };
         result.picturesNamed = [index = m_index, &context = m_context,

@@ -1,6 +1,5 @@
 #include "Classes/Interface/Compare/CompareCanvas.h"
 
-#include "Classes/Interface/Detail/DetailPainting.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQTheme.h"
 
@@ -228,7 +227,7 @@ void CompareCanvas::paintEvent(QPaintEvent * /*event*/)
     if (!image.isNull()) {
         const bool isMissing = !m_isPlain && m_document->state() == DetailDocument::State::Missing;
         painter.setOpacity(isMissing ? 0.4 : 1);
-        DetailPainting::paintPicture(painter, image, m_tone, pictureRect(), rect(), scale());
+        DetailPainting::paintPicture(painter, image, m_tone, pictureRect(), rect(), scale(), m_reductions);
         painter.setOpacity(1);
     }
     if (const QString text = m_isPlain ? m_message : DetailPainting::messageOf(*m_document); !text.isEmpty()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/Content/DetailDocument.h"
+#include "Classes/Interface/Detail/DetailPainting.h"
 #include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQArtworkGround.h"
 
@@ -79,6 +80,7 @@ private:
     QString m_message;
     bool m_isPlain = false; // shows those
     ZQArtworkTone m_tone;
+    DetailPainting::Reductions m_reductions;
     CompareZoom m_view;
     double m_largestFit = 0;
     bool m_showsFocus = false;     // not for who pressed on it

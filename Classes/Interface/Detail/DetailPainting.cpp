@@ -22,8 +22,24 @@ double wheelZoom(int angleDelta)
     return std::pow(1.2, angleDelta / 120.0);
 }
 
+const QImage &Reductions::reduced(const QImage &image, double width)
+{
+    if (m_key != image.cacheKey()) {
+        m_key = image.cacheKey();
+        m_images.clear();
+    }
+    const QImage *found = &image;
+    for (qsizetype i = 0; found->width() >= 2 * width && found->width() > 1 && found->height() > 1; ++i) {
+        if (i == m_images.size()) {
+            m_images.append(found->scaled(found->size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+        }
+        found = &m_images.at(i);
+    }
+    return *found;
+}
+
 void paintPicture(QPainter &painter, const QImage &image, const ZQArtworkTone &tone, QRectF target, const QRect &canvas,
-                  double scale)
+                  double scale, Reductions &reductions)
 {
     const qreal ratio = painter.device()->devicePixelRatioF();
     // Where a pixel of it is a whole number of those of the screen, its edges are sharp.
@@ -36,12 +52,7 @@ void paintPicture(QPainter &painter, const QImage &image, const ZQArtworkTone &t
         zqPaintCheckerboard(painter, target, canvas, zqArtworkGround(tone, ZQTheme::current().isDark()));
     }
     painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < sharpScale && !isWhole);
-    if (target.width() * ratio < image.width() / 2.0) {
-        const QSize pixels = (target.size() * ratio).toSize().expandedTo(QSize(1, 1));
-        painter.drawImage(target, image.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    } else {
-        painter.drawImage(target, image);
-    }
+    painter.drawImage(target, reductions.reduced(image, target.width() * ratio));
 }
 
 QString messageOf(const DetailDocument &document)

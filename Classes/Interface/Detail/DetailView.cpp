@@ -1,6 +1,5 @@
 #include "Classes/Interface/Detail/DetailView.h"
 
-#include "Classes/Interface/Detail/DetailPainting.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQAccessible.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -256,7 +255,7 @@ void DetailView::paintEvent(QPaintEvent * /*event*/)
     const QImage &image = m_document->image();
     if (!image.isNull()) {
         painter.setOpacity(m_document->state() == DetailDocument::State::Missing ? 0.4 : 1);
-        DetailPainting::paintPicture(painter, image, m_tone, pictureRect(), canvas(), scale());
+        DetailPainting::paintPicture(painter, image, m_tone, pictureRect(), canvas(), scale(), m_reductions);
         painter.setOpacity(1);
     }
     if (const QString message = DetailPainting::messageOf(*m_document); !message.isEmpty()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/Content/DetailDocument.h"
+#include "Classes/Interface/Detail/DetailPainting.h"
 #include "Kit/Widgets/ZQArtworkGround.h"
 
 #include <QWidget>
@@ -59,6 +60,7 @@ private:
 
     DetailDocument *m_document;
     ZQArtworkTone m_tone; // of what is shown
+    DetailPainting::Reductions m_reductions;
     bool m_isQuickLook = false;
     double m_scale = 0;        // 0: fitted
     QPointF m_center;          // of the picture, where the canvas's middle is, in its pixels

@@ -297,13 +297,10 @@ TEST_F(SimilarPicturesTest, TheBestOfAGroupIsTheSharpestThenTheLargestThenWhatLo
 
 class NearDuplicatesTest : public BrowsingFixture
 {
-};
-
-TEST_F(NearDuplicatesTest, AreFoundAlikeByTheIndexAndByTheStoreAlone)
-{
-    LibraryIndex index(library.coordinator());
-    index.follow(library.context());
-    const auto add = [this](const char *title, int width, quint64 bits) {
+protected:
+    NearDuplicatesTest() { index.follow(library.context()); }
+    ZQRef<ZQLibraryImage> add(const char *title, int width, quint64 bits)
+    {
         const auto item = library.addImage(QLatin1StringView(title), QStringLiteral("jpg"));
         item->setPixelWidth(width);
         item->setPixelHeight(100);
@@ -311,7 +308,30 @@ TEST_F(NearDuplicatesTest, AreFoundAlikeByTheIndexAndByTheStoreAlone)
         hash.words = {bits, 0, bits & 1 ? ~quint64(0) : 0, bits & 1 ? ~quint64(0) : 0};
         item->setPictureHash(hash.bytes());
         return item;
-    };
+    }
+    QList<ZQObjectID> foundOf(const QList<ZQObjectID> &arrived, qint64 mostComparisons)
+    {
+        LookAlikes looking(arrived, mostComparisons);
+        EXPECT_TRUE(looking.look(index, library.context(), [] { return true; }));
+        return looking.arrived();
+    }
+
+    LibraryIndex index{library.coordinator()};
+};
+
+TEST_F(NearDuplicatesTest, WhatArrivesIsComparedWithWhatWasThereUnlessThatTakesTooLong)
+{
+    const QList<ZQObjectID> first = {add("first", 100, 2)->objectID(), add("its twin", 200, 4)->objectID()};
+    ASSERT_TRUE(library.context().save());
+    EXPECT_TRUE(foundOf(first, 100).isEmpty()) << "nothing was there before";
+    const QList<ZQObjectID> then = {add("like them", 300, 2)->objectID(), add("other", 100, 1)->objectID()};
+    ASSERT_TRUE(library.context().save());
+    EXPECT_EQ(foundOf(then, 8), then.first(1));
+    EXPECT_TRUE(foundOf(then, 7).isEmpty()) << "two with each of four";
+}
+
+TEST_F(NearDuplicatesTest, AreFoundAlikeByTheIndexAndByTheStoreAlone)
+{
     const auto small = add("small", 100, 2);
     const auto large = add("large", 900, 4);
     const auto deleted = add("deleted", 5000, 2);
