@@ -178,8 +178,9 @@ void SearchTokenizer::readArgument(SearchLexeme &lexeme)
     }
     const QStringView rest = m_text.mid(start);
     const QStringView typed = rest.startsWith(u'#') ? chunkAt(start) : QStringView();
-    const bool isColor = lexeme.token->argument == SearchArgument::Color && typed.startsWith(u'#') &&
-                         ColorArgument::isHex(typed.first(std::find(typed.begin(), typed.end(), u'~') - typed.begin()));
+    const auto code = typed.first(std::find(typed.begin(), typed.end(), u'~') - typed.begin());
+    const bool isBegunCode = typed.size() > 1 && typed[1].isDigit(); // no token begins so: it is yet to be typed whole
+    const bool isColor = lexeme.token->argument == SearchArgument::Color && (ColorArgument::isHex(code) || isBegunCode);
     if (isColor) {
         lexeme.text = typed.toString();
         lexeme.hasArgument = true;

@@ -173,6 +173,7 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
         {"#c none~5", 0, 9, P::BadColor, ""},
         {"#c blue~101", 0, 11, P::BadColor, ""},
         {"#c #3366cc~x", 0, 12, P::BadColor, ""},
+        {"#c #33", 0, 6, P::BadColor, ""}, // and not that there is no such token
         {"#size huge", 0, 10, P::BadSize, ""},
         {"a (b OR c", 2, 1, P::OpenBracket, "a (b OR c)"},
         {"a) b", 1, 1, P::ClosedBracket, "a b"},
