@@ -22,7 +22,6 @@ namespace {
 
 constexpr auto lookInterval = 250ms;
 constexpr auto gateInterval = 50ms;
-constexpr auto untilLookedAgain = 5min;   // for what changed without being drawn
 constexpr qint64 enoughForProgress = 500; // fewer are done in moments
 constexpr int niceness = 15;
 
@@ -97,29 +96,30 @@ void FingerprintWork::run()
     QCoreApplication::instance()->installEventFilter(this);
     m_queue->addOperationWithBlock([filler = m_filler, gate = m_gate, self = QPointer(this)] {
         ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness);
-        const auto result = gate->pass() ? filler->run({
-                                               .goesOn = [gate] { return gate->pass(); },
-                                               .saved =
-                                                   [self](const ZQContextDidSave &saved) {
-                                                       zqOnMainThread([saved, self] {
-                                                           if (self) {
-                                                               self->m_store.mergeSaved(saved);
-                                                           }
-                                                       });
-                                                   },
-                                               .progressed =
-                                                   [self](qint64 done, qint64 total) {
-                                                       zqOnMainThread([self, done, total] {
-                                                           if (self) {
-                                                               self->show(done, total);
-                                                           }
-                                                       });
-                                                   },
-                                           })
-                                         : FingerprintFiller::Result();
-        zqOnMainThread([self, result] {
+        if (gate->pass()) {
+            filler->run({
+                .goesOn = [gate] { return gate->pass(); },
+                .saved =
+                    [self](const ZQContextDidSave &saved) {
+                        zqOnMainThread([saved, self] {
+                            if (self) {
+                                self->m_store.mergeSaved(saved);
+                            }
+                        });
+                    },
+                .progressed =
+                    [self](qint64 done, qint64 total) {
+                        zqOnMainThread([self, done, total] {
+                            if (self) {
+                                self->show(done, total);
+                            }
+                        });
+                    },
+            });
+        }
+        zqOnMainThread([self] {
             if (self) {
-                self->didRun(result);
+                self->didRun();
             }
         });
     });
@@ -152,13 +152,13 @@ void FingerprintWork::show(qint64 done, qint64 total)
     m_progress->advanceBy(double(done - std::exchange(m_shown, done)));
 }
 
-void FingerprintWork::didRun(const FingerprintFiller::Result &result)
+void FingerprintWork::didRun()
 {
     m_timer.stop();
     QCoreApplication::instance()->removeEventFilter(this);
     m_progress.reset();
-    if (result.isComplete && !m_gate->stop.stop_requested()) {
-        m_again.start(untilLookedAgain);
+    if (!m_gate->stop.stop_requested()) {
+        m_again.start(m_untilAgain);
     }
 }
 

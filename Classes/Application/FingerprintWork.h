@@ -34,6 +34,9 @@ public:
 
     // How long the person has done nothing before it goes on.
     void setQuiet(std::chrono::milliseconds quiet) { m_quiet = quiet; }
+    // When it looks again: for what changed without being drawn, and for what a locked store or a missing renderer
+    // left. Before `start`.
+    void setUntilAgain(std::chrono::milliseconds interval) { m_untilAgain = interval; }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -42,13 +45,14 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void look();
     void run();
-    void didRun(const FingerprintFiller::Result &result);
+    void didRun();
     void show(qint64 done, qint64 total);
 
     LibraryStore &m_store;
     UserInteraction &m_user;
     const std::function<bool()> m_isBusy;
     std::chrono::milliseconds m_quiet{3000};
+    std::chrono::milliseconds m_untilAgain = std::chrono::minutes(5);
     Clock::time_point m_lastInput;
     QTimer m_timer;
     QTimer m_again;

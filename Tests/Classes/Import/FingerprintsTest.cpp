@@ -245,4 +245,21 @@ TEST_F(Fingerprints, BesideTheWindowNothingIsLookedAtWhileOthersWork)
     EXPECT_TRUE(store.expired()) << "it is closed as it should be";
 }
 
+TEST_F(Fingerprints, WhatTheStoreWouldNotGiveIsAskedForAgain)
+{
+    makeOlderLibrary(1);
+    FingerprintWork work(delegate->libraryStore(), user, [] { return false; });
+    work.setQuiet(std::chrono::milliseconds(0));
+    work.setUntilAgain(std::chrono::milliseconds(100));
+    renameTable("ZQLibraryBaseItem", "away");
+    work.start();
+    zqRunMainLoopUntil([&work] { return work.isEnded(); });
+    renameTable("away", "ZQLibraryBaseItem");
+    zqRunMainLoopUntil([this] { return countToDo() == 0; });
+    EXPECT_EQ(countToDo(), 0);
+    work.requestStop();
+    zqRunMainLoopUntil([&work] { return work.isEnded(); });
+    work.letGo();
+}
+
 } // namespace

@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 // A whole application without a window on a library of its own, below the folder of the test program: what lies below
 // "/tmp" counts as temporary and would be moved by every import.
@@ -27,6 +28,17 @@ protected:
     // A picture of one colour; no two files are the same. Folders are made as needed.
     QString writeImage(const QString &relative, QSize size, const QColor &color = Qt::red) const;
     QString writeFile(const QString &relative, const QByteArray &contents) const;
+
+    // A store that cannot be read for a while.
+    void renameTable(const char *from, const char *to) const
+    {
+        sqlite3 *store = nullptr;
+        ASSERT_EQ(sqlite3_open(path(QStringLiteral("Zelto.ztlibrary/storedata")).toUtf8().constData(), &store),
+                  SQLITE_OK);
+        sqlite3_exec(store, (QByteArray("ALTER TABLE ") + from + " RENAME TO " + to).constData(), nullptr, nullptr,
+                     nullptr);
+        sqlite3_close(store);
+    }
 
     // Imports and waits for the end.
     std::shared_ptr<ImportOperation> import(const QStringList &paths, const ZQSidebarBaseItem *into = nullptr,

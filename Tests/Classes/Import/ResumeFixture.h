@@ -9,8 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <sqlite3.h>
-
 inline constexpr int continueButton = 0;
 inline constexpr int forgetButton = 1;
 
@@ -49,17 +47,6 @@ protected:
                 .archivePath = {},
                 .archiveRoot = {},
                 .groups = {}};
-    }
-
-    // A store that cannot be read for a while.
-    void renameTable(const char *from, const char *to) const
-    {
-        sqlite3 *store = nullptr;
-        ASSERT_EQ(sqlite3_open(path(QStringLiteral("Zelto.ztlibrary/storedata")).toUtf8().constData(), &store),
-                  SQLITE_OK);
-        sqlite3_exec(store, (QByteArray("ALTER TABLE ") + from + " RENAME TO " + to).constData(), nullptr, nullptr,
-                     nullptr);
-        sqlite3_close(store);
     }
 
     QStringList projectTitles() const
