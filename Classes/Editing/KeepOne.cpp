@@ -29,9 +29,13 @@ constexpr int mostWaitingFiles = 10000; // that wait for their tags meanwhile
 struct Made
 {
     ZQObjectID kept;
-    IDs deleted;
-    IDs projects; // that the kept one came into
-    IDs tags;     // that it got
+    IDs deleted{};
+    IDs projects{};    // that the kept one came into
+    IDs tags{};        // that it got
+    qint16 rating = 0; // so too, 0 for none
+    QString notes{};
+
+    bool isForFile() const { return !tags.isEmpty() || rating > 0 || !notes.isEmpty(); }
 };
 using AllMade = std::shared_ptr<QList<Made>>; // that is not taken back; of one thread at a time
 
@@ -40,6 +44,8 @@ struct Gain
 {
     QList<std::pair<ZQRef<ZQSidebarBaseItem>, qint32>> places; // with its order there
     QList<ZQRef<ZQSidebarTag>> tags;
+    qint16 rating = 0; // where it has none itself: the highest
+    QString notes;     // where it has none itself: the first
 };
 
 QVariantList variantsOf(const Items &items)
@@ -87,9 +93,36 @@ std::optional<Gain> gainOf(const Item &kept, const Items &others, ZQManagedObjec
                 gain.tags.append(tag);
             }
         }
+        if (kept->rating() == 0) {
+            gain.rating = std::max(gain.rating, other->rating());
+        }
+        if (kept->notes().isEmpty() && gain.notes.isEmpty()) {
+            gain.notes = other->notes();
+        }
     }
     return gain;
 }
+
+// Files whose items got something that stands in them, too, with whether a rating is of it.
+struct Rewrites
+{
+    Items items;
+    QSet<ZQObjectID> rated;
+
+    void add(const Item &item, const Made &made)
+    {
+        items.append(item);
+        if (made.rating > 0) {
+            rated.insert(item->objectID());
+        }
+    }
+    void write() const
+    {
+        for (const Item &item : items) {
+            rated.contains(item->objectID()) ? item->writeRatingToDisk() : item->writeOpenMetaToDisk();
+        }
+    }
+};
 
 // Files that get other tags, before the store is saved. To be held until they are handed to the writer.
 std::shared_ptr<void> announce(const Items &items)
@@ -135,13 +168,13 @@ private:
     {
         ZQOwnMoves moves;
         QList<Made> made;
-        Items retagged;
+        Rewrites rewrites;
         const auto batch = m_choices.mid(first, size);
         const auto kept = read(batch);
         const bool isWhole = std::all_of(batch.begin(), batch.end(), [&](const KeepOne::Choice &choice) {
-            return change(choice, moves, made, retagged);
+            return change(choice, moves, made, rewrites);
         });
-        const auto announced = announce(retagged);
+        const auto announced = announce(rewrites.items);
         if (!m_run.save()) {
             moves.takeBack();
             return false;
@@ -150,9 +183,7 @@ private:
             m_run.didBring({each.kept});
         }
         m_made->append(made);
-        for (const Item &item : std::as_const(retagged)) {
-            item->writeOpenMetaToDisk();
-        }
+        rewrites.write();
         if (m_run.isQueued()) {
             TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles, m_run.operation().get());
         }
@@ -179,7 +210,7 @@ private:
     }
 
     // False when the library cannot be read, which was told.
-    bool change(const KeepOne::Choice &choice, ZQOwnMoves &moves, QList<Made> &made, Items &retagged)
+    bool change(const KeepOne::Choice &choice, ZQOwnMoves &moves, QList<Made> &made, Rewrites &rewrites)
     {
         const Item kept = activeItem(choice.kept);
         if (!kept) {
@@ -198,7 +229,8 @@ private:
             m_run.presentError(error);
             return false;
         }
-        Made done{choice.kept, {}, {}, {}};
+        Made done;
+        done.kept = choice.kept;
         for (const Item &other : others) {
             if (zqDeleteItem(*other, moves, m_undeleted)) {
                 done.deleted.append(other->objectID());
@@ -208,8 +240,8 @@ private:
             return true;
         }
         give(kept, *gain, done);
-        if (!done.tags.isEmpty()) {
-            retagged.append(kept);
+        if (done.isForFile()) {
+            rewrites.add(kept, done);
         }
         made.append(done);
         return true;
@@ -243,6 +275,12 @@ private:
             kept->addTagsObject(tag.get());
             done.tags.append(tag->objectID());
         }
+        if (gain.rating > 0) {
+            kept->setRating(done.rating = gain.rating);
+        }
+        if (!gain.notes.isEmpty()) {
+            kept->setNotes(done.notes = gain.notes);
+        }
     }
 
     EditRun &m_run;
@@ -266,10 +304,17 @@ void takeGain(const Item &kept, const Made &made, ZQManagedObjectContext &contex
             kept->removeTagsObject(tag.get());
         }
     }
+    if (made.rating > 0 && kept->rating() == made.rating) { // else somebody rated it anew since
+        kept->setRating(0);
+    }
+    if (!made.notes.isEmpty() && kept->notes() == made.notes) {
+        kept->setNotes({});
+    }
 }
 
-// The others come back first: what one of them cannot have again, the kept one keeps for it.
-bool takeBack(EditRun &run, Made &made, ZQOwnMoves &moves, FileProblems &problems)
+// The others come back first: what one of them cannot have again, the kept one keeps for it. The kept one, when it does
+// not.
+Item takeBack(EditRun &run, Made &made, ZQOwnMoves &moves, FileProblems &problems)
 {
     const auto others = ZQLibraryBaseItem::itemsWithIDs(made.deleted, run.context());
     bool isWhole = others.size() == made.deleted.size(); // some may have been removed for good
@@ -282,10 +327,10 @@ bool takeBack(EditRun &run, Made &made, ZQOwnMoves &moves, FileProblems &problem
     }
     const auto kept = zqCast<ZQLibraryBaseItem>(run.context().existingObjectWithID(made.kept));
     if (!isWhole || !kept) {
-        return false;
+        return {};
     }
     takeGain(kept, made, run.context());
-    return !made.tags.isEmpty();
+    return kept;
 }
 
 bool takeAllBack(EditRun &run, const AllMade &all)
@@ -293,23 +338,21 @@ bool takeAllBack(EditRun &run, const AllMade &all)
     FileProblems problems;
     const qsizetype count = run.inBatches(zqLocalized("Restoring items…"), all->size(), [&](qsizetype, qsizetype size) {
         ZQOwnMoves moves;
-        IDs retagged;
+        Rewrites rewrites;
         auto batch = all->last(size);
         for (Made &made : batch) {
-            if (takeBack(run, made, moves, problems)) {
-                retagged.append(made.kept);
+            const auto kept = takeBack(run, made, moves, problems);
+            if (kept && made.isForFile()) {
+                rewrites.add(kept, made);
             }
         }
-        const auto items = ZQLibraryBaseItem::itemsWithIDs(retagged, run.context());
-        const auto announced = announce(items);
+        const auto announced = announce(rewrites.items);
         if (!run.save()) {
             moves.takeBack();
             return false;
         }
         all->resize(all->size() - size);
-        for (const Item &item : items) {
-            item->writeOpenMetaToDisk();
-        }
+        rewrites.write();
         return true;
     });
     problems.tell(run, zqKey("“%@” cannot be restored."), zqKey("%d items cannot be restored."));

@@ -3,8 +3,8 @@
 #include "Classes/Editing/EditContext.h"
 
 // Of items that show the same, one stays and takes the places of the others: it becomes a member of their projects,
-// where they were, and gets the tags that people gave them. The others are deleted, which undo takes back together with
-// what the one got. Main thread.
+// where they were, and gets the tags that people gave them; where it has none itself, the highest rating and the first
+// notes, too. The others are deleted, which undo takes back together with what the one got. Main thread.
 class KeepOne
 {
 public:

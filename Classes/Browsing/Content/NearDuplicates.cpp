@@ -50,29 +50,35 @@ qint64 pixels(const Worth &item)
     return isSharp(item) ? 0 : item.width * item.height;
 }
 
-// What one is worth more by; each with why.
+// Of what is hardly smaller than the largest, as that: a border that was added makes a picture larger and no better.
+qint64 sizeAmong(const Worth &item, qint64 largest)
+{
+    return pixels(item) * 100 >= largest * 85 ? largest : pixels(item);
+}
+
+// What one is worth more by, in a group whose largest has so many pixels; each with why.
 struct Measure
 {
-    qint64 (*of)(const Worth &item);
+    qint64 (*of)(const Worth &item, qint64 largest);
     QString (*reason)(const Worth &item);
 };
 const Measure measures[] = {
-    {[](const Worth &item) { return qint64(isSharp(item)); },
+    {[](const Worth &item, qint64) { return qint64(isSharp(item)); },
      [](const Worth &item) {
          return zqFormat(zqLocalized("As %@ it is sharp in any size"), {item.extension.toUpper()});
      }},
-    {pixels,
+    {sizeAmong,
      [](const Worth &item) {
          return zqFormat(zqLocalized("The largest: %ld × %ld pixels"), {item.width, item.height});
      }},
-    {[](const Worth &item) { return qint64(kept(item)); },
+    {[](const Worth &item, qint64) { return qint64(kept(item)); },
      [](const Worth &item) {
          return zqFormat(zqLocalized("As large as the others, and %@ keeps more of a picture"),
                          {item.extension.toUpper()});
      }},
-    {[](const Worth &item) { return item.rating; },
+    {[](const Worth &item, qint64) { return item.rating; },
      [](const Worth &) { return zqLocalized("As good as the others, and rated highest"); }},
-    {[](const Worth &item) { return -item.imported; },
+    {[](const Worth &item, qint64) { return -item.imported; },
      [](const Worth &) { return zqLocalized("As good as the others, and in the library for longest"); }},
 };
 
@@ -131,10 +137,14 @@ std::optional<QHash<qint64, Worth>> worths(ZQManagedObjectContext &context, cons
 
 NearDuplicateGroup NearDuplicates::groupOf(QList<Worth> items)
 {
-    std::stable_sort(items.begin(), items.end(), [](const Worth &a, const Worth &b) {
+    qint64 largest = 0;
+    for (const Worth &item : std::as_const(items)) {
+        largest = std::max(largest, pixels(item));
+    }
+    std::stable_sort(items.begin(), items.end(), [largest](const Worth &a, const Worth &b) {
         for (const Measure &measure : measures) {
-            if (measure.of(a) != measure.of(b)) {
-                return measure.of(a) > measure.of(b);
+            if (measure.of(a, largest) != measure.of(b, largest)) {
+                return measure.of(a, largest) > measure.of(b, largest);
             }
         }
         return a.item.key < b.item.key;
@@ -145,7 +155,7 @@ NearDuplicateGroup NearDuplicates::groupOf(QList<Worth> items)
     }
     for (const Measure &measure : measures) {
         const bool isLast = &measure == std::end(measures) - 1;
-        if (isLast || measure.of(items[0]) != measure.of(items[1])) {
+        if (isLast || measure.of(items[0], largest) != measure.of(items[1], largest)) {
             group.reason = measure.reason(items[0]);
             break;
         }

@@ -39,14 +39,16 @@ struct PictureColors
 class ColorNearness
 {
 public:
-    ColorNearness(const ZQOklab &color, float tolerance); // as ZQOklab::distance has it
+    // In Oklab, where differences of hue and chroma count double: they are small there beside those of lightness, so
+    // that a muted colour would be near to every grey.
+    ColorNearness(const ZQOklab &color, float tolerance);
     bool operator()(const PictureColors &picture) const
     {
         bool isNear = false;
         for (const PictureColor &each : picture.colors) {
             const int lightness = int(each.lightness) - m_color.lightness;
-            const int a = int(each.a) - m_color.a;
-            const int b = int(each.b) - m_color.b;
+            const int a = 2 * (int(each.a) - m_color.a);
+            const int b = 2 * (int(each.b) - m_color.b);
             isNear |= lightness * lightness + a * a + b * b <= m_farthest[each.share];
         }
         return isNear;

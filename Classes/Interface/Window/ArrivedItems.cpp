@@ -5,6 +5,7 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+#include "Classes/Interface/Window/NearDuplicateActions.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -145,7 +146,8 @@ void ArrivedItems::didLookForAlike(const QUuid &import, const LookAlikes &looked
 
 ZQNotificationAction ArrivedItems::showingAlike(const QString &title)
 {
-    return {title, [this, items = m_alike.items] { show(items, {}, Wanted::All); }};
+    return {title,
+            [this, items = m_alike.items] { NearDuplicateActions::findAmong(items, m_window, m_browser.window()); }};
 }
 
 void ArrivedItems::tell(const ImportOutcome &outcome)
@@ -199,28 +201,23 @@ ZQObjectID ArrivedItems::placeOf(const ZQObjectID &target) const
 
 void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target)
 {
-    show(items, target, Wanted::Some);
-}
-
-void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target, Wanted wanted)
-{
     m_ticket.run(
-        [this, items, target, wanted](ZQManagedObjectContext &context, const auto &) -> ContentFetcher::Ticket::Answer {
+        [this, items, target](ZQManagedObjectContext &context, const auto &) -> ContentFetcher::Ticket::Answer {
             ZQError error;
             const auto left = stillThere(items, context, &error);
-            return [this, left, target, wanted, error] {
+            return [this, left, target, error] {
                 if (!left) {
                     const QString text = zqFormat(zqLocalized("What was imported could not be looked up: %@"),
                                                   {error.localizedDescription()});
                     m_user.showNotificationWithText(text, NotificationPlace::Browser, usualNotificationTime);
                 } else {
-                    showLeft(*left, target, wanted);
+                    showLeft(*left, target);
                 }
             };
         });
 }
 
-void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target, Wanted wanted)
+void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target)
 {
     if (left.isEmpty()) {
         m_user.showNotificationWithText(zqLocalized("What was imported was deleted since."), NotificationPlace::Browser,
@@ -228,8 +225,7 @@ void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &tar
         return;
     }
     m_browser.closeDetail();
-    const qint64 shown = m_browser.content().indexesOfLibraryItems(left).count();
-    if (shown < (wanted == Wanted::All ? left.size() : 1)) {
+    if (m_browser.content().indexesOfLibraryItems(left).count() == 0) {
         m_showEverything();
         m_sidebar.selectItems({placeOf(target)});
     }

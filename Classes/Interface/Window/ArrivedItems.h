@@ -41,9 +41,7 @@ private:
     void tellWhenShown(const ImportOutcome &outcome, int count, int looks);
     void tell(const ImportOutcome &outcome);
     bool areInView(const QList<ZQObjectID> &items) const;
-    enum class Wanted { Some, All };
-    void show(const QList<ZQObjectID> &items, const ZQObjectID &target, Wanted wanted);
-    void showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target, Wanted wanted);
+    void showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target);
     void lookForAlike(const ImportOutcome &outcome);
     void didLookForAlike(const QUuid &import, const LookAlikes &looked);
     ZQNotificationAction showingAlike(const QString &title);

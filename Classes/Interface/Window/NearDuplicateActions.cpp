@@ -33,6 +33,11 @@ QList<WindowCommand> NearDuplicateActions::commands(WindowContext &window, Brows
              }}};
 }
 
+void NearDuplicateActions::findAmong(const QList<ZQObjectID> &items, WindowContext &window, QWidget *mainWindow)
+{
+    (new NearDuplicatesSheet(mainWindow, window, items))->open([](std::optional<int>) {});
+}
+
 void NearDuplicateActions::findInLibrary(WindowContext &window, QWidget *mainWindow)
 {
     (new NearDuplicatesSheet(mainWindow, window, std::nullopt))->open([](std::optional<int>) {});

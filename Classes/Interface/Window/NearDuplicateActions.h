@@ -11,6 +11,7 @@ class QWidget;
 namespace NearDuplicateActions {
 
 QList<WindowCommand> commands(WindowContext &window, BrowserViewController &browser, QWidget *mainWindow);
+void findAmong(const QList<ZQObjectID> &items, WindowContext &window, QWidget *mainWindow);
 // Whatever is selected or shown.
 void findInLibrary(WindowContext &window, QWidget *mainWindow);
 

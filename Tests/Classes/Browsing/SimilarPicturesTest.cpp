@@ -244,6 +244,7 @@ TEST_F(SimilarPicturesTest, AColorIsNearInShadesAndOfLittleOnlyWhenItIsNearer)
         {0x3366cc, 0.1F, 0x4f7fdd, 100, true},  {0x3366cc, 0.1F, 0x4f7fdd, 2, false},
         {0x000000, 1, 0xffffff, 255, true},     {0x000000, 0.98F, 0xffffff, 255, false},
         {0xffffff, 0.02F, 0xfafafa, 255, true}, {0x808080, 0.1F, 0x3366cc, 255, false},
+        {0x70c0b5, 0.1F, 0xa8a8a8, 255, false},
     };
     for (const Case &each : cases) {
         EXPECT_EQ(ColorNearness(ZQOklab::of(each.wanted), each.tolerance)(paletteOf(each.has, quint8(each.share))),
@@ -276,7 +277,8 @@ TEST_F(SimilarPicturesTest, TheBestOfAGroupIsTheSharpestThenTheLargestThenWhatLo
     };
     const Case cases[] = {
         {item("SVG", 0, 0, 9), item("png", 4000, 5, 1), "As SVG it is sharp in any size"},
-        {item("jpg", 401, 0, 9), item("png", 400, 5, 1), "The largest: 401 × 100 pixels"},
+        {item("jpg", 480, 0, 9), item("png", 400, 5, 1), "The largest: 480 × 100 pixels"},
+        {item("jpg", 400, 0, 1), item("jpg", 440, 0, 9), "As good as the others, and in the library for longest"},
         {item("psd", 400, 0, 9), item("png", 400, 5, 1), "As large as the others, and PSD keeps more of a picture"},
         {item("png", 400, 0, 9), item("jpg", 400, 5, 1), "As large as the others, and PNG keeps more of a picture"},
         {item("jpg", 400, 2, 9), item("webp", 400, 1, 1), "As good as the others, and rated highest"},

@@ -96,6 +96,28 @@ TEST_F(KeepOneTest, TheOneTakesThePlacesAndTagsOfTheOthersAndGivesThemBack)
     EXPECT_EQ(state(), before);
 }
 
+TEST_F(KeepOneTest, RatingAndNotesAreTakenOverWhereTheOneHasNone)
+{
+    images[1]->setRating(3);
+    images[2]->setRating(4);
+    images[2]->setNotes(QStringLiteral("from the worst"));
+    library.context().save();
+    edit.keep({{id(0), {id(1), id(2)}}});
+    EXPECT_EQ(images[0]->rating(), 4);
+    EXPECT_EQ(images[0]->notes(), QStringLiteral("from the worst"));
+    undoStack.undo();
+    EXPECT_EQ(images[0]->rating(), 0);
+    EXPECT_EQ(images[0]->notes(), QString());
+    images[0]->setRating(2);
+    images[0]->setNotes(QStringLiteral("own"));
+    library.context().save();
+    edit.keep({{id(0), {id(1), id(2)}}});
+    EXPECT_EQ(images[0]->rating(), 2);
+    undoStack.undo();
+    EXPECT_EQ(images[0]->rating(), 2);
+    EXPECT_EQ(images[0]->notes(), QStringLiteral("own"));
+}
+
 TEST_F(KeepOneTest, NothingIsDeletedForWhatIsNotThereOrIsTheSame)
 {
     const auto absent = library.addImage(QStringLiteral("absent"));
