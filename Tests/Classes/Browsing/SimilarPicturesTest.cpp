@@ -366,8 +366,6 @@ TEST_F(NearDuplicatesTest, AreFoundAlikeByTheIndexAndByTheStoreAlone)
 // Views of the window go first, and may do so in the middle of a look.
 TEST_F(NearDuplicatesTest, WhatCameLooksLikeTheSameHoweverOftenTheLookIsCutOff)
 {
-    LibraryIndex index(library.coordinator());
-    index.follow(library.context());
     const auto made = [this](unsigned pictures, const char *digest) {
         QList<ZQRef<ZQLibraryImage>> items;
         std::mt19937_64 bits(pictures);
