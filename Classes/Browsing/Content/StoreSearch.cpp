@@ -47,10 +47,7 @@ SearchContext StoreSearch::context(ZQListRows rows, const QList<ZQFetchRequest> 
     result.hashCounts = [requests, &context] { return hashCounts(requests, context); };
     result.liveFolderDepth = [&context] { return liveFolderDepth(context); };
     result.picturesNamed = [&context](const QString &name) { return picturesNamed(name, context); };
-    result.titleOfPicture = [&context](const QString &name) {
-        const auto item = zqFetchFirst<ZQLibraryBaseItem>(context, QStringLiteral("bundleID == %@"), {name});
-        return item ? item->title() : name;
-    };
+    result.titleOfPicture = [&context](const QString &name) { return titleOfPicture(name, context); };
     return result;
 }
 
@@ -104,6 +101,12 @@ QList<ZQPictureHash> StoreSearch::picturesNamed(const QString &name, ZQManagedOb
 {
     const QList<ZQPictureHash> identified = picturesIdentified(name, context); // has an index
     return identified.isEmpty() ? picturesOf(titledPictures(name), context) : identified;
+}
+
+QString StoreSearch::titleOfPicture(const QString &name, ZQManagedObjectContext &context)
+{
+    const auto item = ZQLibraryBaseItem::libraryItemsForBundleID(name, context);
+    return item ? item->title() : name;
 }
 
 int StoreSearch::liveFolderDepth(ZQManagedObjectContext &context)

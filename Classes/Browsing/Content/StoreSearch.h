@@ -24,6 +24,8 @@ public:
     static QList<ZQPictureHash> picturesNamed(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     static ZQPredicate titledPictures(const QString &name); // the condition on those of this title
     static constexpr int mostPictures = 16;
+    // Of the picture of this bundleID; of what is no bundleID, `name` itself.
+    static QString titleOfPicture(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     // How many active live folders lie in each other at most; 1 for none.
     static int liveFolderDepth(ZQManagedObjectContext &inManagedObjectContext);
 };

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/Tabs/TabState.h"
 
+#include "Classes/Browsing/Content/StoreSearch.h"
 #include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Editing/LibraryCommands.h"
@@ -116,8 +117,7 @@ QString TabState::tabName() const
     if (!like) {
         return generateTabTitleForItems(m_sidebarSelectedItems);
     }
-    const auto item = ZQLibraryBaseItem::libraryItemsForBundleID(like->argument.name, m_edits.context);
-    return zqFormat(zqLocalized("Like %@"), {item ? item->title() : like->argument.name});
+    return zqFormat(zqLocalized("Like %@"), {StoreSearch::titleOfPicture(like->argument.name, m_edits.context)});
 }
 
 QString TabState::generateTabTitleForItems(const QList<ZQObjectID> &items) const

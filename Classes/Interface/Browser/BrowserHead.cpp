@@ -4,6 +4,7 @@
 #include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQElidedLabel.h"
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QBoxLayout>
@@ -66,12 +67,11 @@ QString titleOf(const Choice (&choices)[count], Value Choice::*key, Value value)
 } // namespace
 
 BrowserHead::BrowserHead(BrowserContent &content, QWidget *parent)
-    : QWidget(parent), m_content(content), m_title(new QLabel(this)), m_count(new QLabel(this)),
+    : QWidget(parent), m_content(content), m_title(new ZQElidedLabel(this)), m_count(new QLabel(this)),
       m_buttons(new QWidget(this))
 {
     setFixedHeight(ZQMeasure::headHeight);
     m_title->setObjectName(QStringLiteral("Title"));
-    m_title->setMinimumWidth(1); // a long one is cut before what is chosen is
     m_count->setObjectName(QStringLiteral("Muted"));
     const auto [groupCaption, group] = makeChoice(zqLocalized("Group"), zqLocalized("Group by"));
     m_group = group;

@@ -1,5 +1,6 @@
 // What a search shows and what it hides: chips, refine bar, and the counts of the head and the status row.
 
+#include "Classes/Browsing/Content/StoreSearch.h"
 #include "Classes/Browsing/Index/ItemCount.h"
 #include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
@@ -15,6 +16,9 @@
 void BrowserViewController::makeSearchRows(QWidget *page)
 {
     m_chips = new SearchChips(page);
+    m_chips->titleOfPicture = [this](const QString &bundleID) {
+        return StoreSearch::titleOfPicture(bundleID, m_window.context);
+    };
     connect(m_chips, &SearchChips::searchRequested, this, &BrowserViewController::searchRequested);
     connect(m_chips, &SearchChips::partChosen, this, &BrowserViewController::searchPartRequested);
     m_refine = new RefineBar(m_window, page);

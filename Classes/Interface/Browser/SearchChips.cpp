@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/SearchChips.h"
 
+#include "Classes/Browsing/Search/LikeArgument.h"
 #include "Classes/Browsing/Search/SearchExpression.h"
 #include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Browsing/Search/SearchTokenizer.h"
@@ -31,10 +32,14 @@ constexpr int mostRows = 3;
 constexpr int mostJoins = 12;        // of one chip; who nests deeper cannot count them either
 constexpr qsizetype mostChips = 300; // laid out for each key that is typed
 
-QString shownText(const SearchPart &part)
+QString shownText(const SearchPart &part, const std::function<QString(const QString &)> &titleOfPicture)
 {
     constexpr qsizetype longest = 40;
-    const QString text = part.text.simplified();
+    QString text = part.text.simplified();
+    if (const auto like = titleOfPicture ? LikeArgument::in(text) : std::nullopt) {
+        const LikeArgument shown{titleOfPicture(like->argument.name), like->argument.apart};
+        text.replace(like->position, like->length, shown.text());
+    }
     return zqShortened(text, longest);
 }
 
@@ -136,7 +141,9 @@ void SearchChips::readParts()
     if (m_text.trimmed().isEmpty()) {
         return;
     }
-    const QList<SearchPart> parts = SearchExpression::read(m_text, SearchContext()).parts;
+    SearchContext context;
+    context.titleOfPicture = titleOfPicture;
+    const QList<SearchPart> parts = SearchExpression::read(m_text, context).parts;
     QStringList joins;
     for (qsizetype index = 0; index < parts.size(); ++index) {
         const SearchPart &part = parts[index];
@@ -150,7 +157,7 @@ void SearchChips::readParts()
         if (isChip && m_chips.size() == mostChips) {
             ++m_leftOut;
         } else if (isChip) {
-            m_chips.append({.text = shownText(part),
+            m_chips.append({.text = shownText(part, titleOfPicture),
                             .reason = isWrong ? part.meaning : QString(),
                             .meaning = part.meaning,
                             .before = std::exchange(joins, {}),

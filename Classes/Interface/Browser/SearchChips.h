@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <functional>
+
 // What was understood of a search text, a chip for each word and token with what joins them between, and what was not,
 // with the reason. A click on one has its part selected in the field, its cross takes it out of the text. One stop of
 // the Tab key: the arrows go from chip to chip. Chips go on in up to three rows; of more, three are shown, those that
@@ -17,6 +19,8 @@ public:
     explicit SearchChips(QWidget *parent = nullptr);
     // As it stands in the field; or a text of somewhere else, which is only explained.
     void setText(const QString &searchText, bool isInField = true);
+    // What a picture that is named by its bundleID is called; null: by that.
+    std::function<QString(const QString &bundleID)> titleOfPicture;
     // Where the text is just being typed, between its characters: a token that is only begun there is no mistake. -1:
     // nowhere.
     void setCursor(qsizetype cursor);

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/ColorWheel.h"
+#include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Sheets/NearDuplicatesSheet.h"
 #include "Kit/Imaging/ZQPictureHash.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
@@ -56,6 +57,8 @@ TEST_F(SimilarTest, ShowsWhatIsLikeAPictureTheNearestFirst)
     settle();
     EXPECT_EQ(text(), QStringLiteral("#like ") + image(QStringLiteral("red"))->bundleID());
     EXPECT_EQ(tabName(), QStringLiteral("Like red"));
+    EXPECT_EQ(window().findChild<SearchChips *>()->accessiblePart(0).name,
+              QStringLiteral("#like red: Looks like “red”"));
     EXPECT_EQ(shown(), (QStringList{"red", "clear", "pages"}));
     EXPECT_TRUE(named("Sort: Nearness"));
     for (int id = int(CommandID::SortManually); id <= int(CommandID::SortByHue); ++id) {
