@@ -307,6 +307,7 @@ TEST_F(ScreenshotTest, TheHintStaysReadableWhereverTheMagnifierIs)
     screen.image = QImage(screen.info.frame.size(), QImage::Format_RGB32);
     screen.image.fill(Qt::white); // whatever lies there is seen
     ZQScreenshotAreaView one(screen, nobody);
+    one.left = one.entered = [] {};
     one.resize(screen.info.frame.size());
     one.show();
     const auto drawn = [&one] { return one.grab().toImage().convertToFormat(QImage::Format_RGB32); };
