@@ -120,7 +120,7 @@ std::vector<IndexCount> IndexNames::folders(const ZQRowSet &rows) const
         }
     }
     for (auto &[name, each] : named) {
-        const auto isIn = [&name](const QString &title) { return title.contains(name); };
+        const auto isIn = [&name = name](const QString &title) { return title.contains(name); };
         for (const Folder &folder : folders) {
             each.count += std::any_of(folder.path.begin(), folder.path.end(), isIn) ? folder.count : 0;
         }
