@@ -18,7 +18,7 @@ NO_CUTOUTS = re.compile(r"/(symbols|clothes|houses|flags|hanukkah|body_parts|roa
 # White drawings on nothing, which show nothing as a JPEG.
 NO_WALLPAPERS = re.compile(r"/mate/abstract/(Arc-Colors-Transparent-Wallpaper|Flow|Gulp|Silk|Spring|Waves)\.png$")
 # One drawing in the colours of several editions, or with another word on it.
-SAME = [re.compile(pattern) for pattern in (r"Ubuntu-Mate-\w+-no-logo", r"MATE-Stripes", r"halloween/grave-")]
+SAME = [re.compile(pattern) for pattern in (r"Ubuntu-Mate-\w+-no-logo", r"MATE-Stripes", r"halloween/grave-", r"Photos/(?:Ocean Swell|Lavender Field)")]
 COUNT = 300
 SIDE = 640  # pixels of the longer side of what is altered; larger only costs the bench time
 PEERS = 24  # pictures that ImageMagick compares with each other

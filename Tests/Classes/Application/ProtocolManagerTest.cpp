@@ -4,6 +4,8 @@
 #include "Tests/Classes/Application/ApplicationFixture.h"
 #include "Tests/Support/FakeProtocol.h"
 
+#include <QUrl>
+
 #include <gtest/gtest.h>
 
 namespace {
