@@ -12,6 +12,8 @@
 #include <QMenu>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace {
 
 struct SortChoice
@@ -144,6 +146,14 @@ void BrowserHead::resizeEvent(QResizeEvent *event)
     makeRoom();
 }
 
+bool BrowserHead::event(QEvent *event)
+{
+    if (event->type() == QEvent::LayoutRequest) { // a button came or went
+        makeRoom();
+    }
+    return QWidget::event(event);
+}
+
 void BrowserHead::setShowsOrder(bool showsOrder)
 {
     m_showsOrder = showsOrder;
@@ -153,10 +163,13 @@ void BrowserHead::setShowsOrder(bool showsOrder)
 // Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
 void BrowserHead::makeRoom()
 {
-    constexpr int roomForAll = 600;
-    constexpr int roomForTitle = 420; // with less, half a word would be left of it
+    constexpr int usualButtons = 190;
+    constexpr int roomForButtons = 420;
+    const int more = std::max(0, m_buttons->sizeHint().width() - usualButtons);
+    const int roomForAll = 600 + more;
+    const int roomForTitle = roomForButtons + more; // with less, half a word would be left of it
     m_title->setVisible(width() >= roomForTitle);
-    m_buttons->setVisible(width() >= roomForTitle);
+    m_buttons->setVisible(width() >= roomForButtons);
     m_count->setVisible(width() >= roomForAll);
     m_groupCaption->setVisible(width() >= roomForAll);
     m_sortCaption->setVisible(width() >= roomForAll && m_showsOrder);

@@ -34,6 +34,7 @@ Q_SIGNALS:
     void orderChanged(); // or the groups
 
 protected:
+    bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
